@@ -1,0 +1,25 @@
+// The process's table of kernel objects.
+#pragma once
+
+#include "platform/types.h"
+
+#include <memory>
+
+// What a HANDLE or an open HKEY stands for. Closing the handle destroys it.
+class KernelObject {
+public:
+    virtual ~KernelObject() = default;
+};
+
+// Never 0, INVALID_HANDLE_VALUE or a main key of the registry.
+HANDLE AddKernelObject(std::unique_ptr<KernelObject> object);
+// Null when the handle is not open.
+KernelObject* FindKernelObject(HANDLE handle);
+// False when the handle is not open; sets no last error.
+bool CloseKernelObject(HANDLE handle);
+
+// Null when the handle is not open or stands for another kind of object; sets no last error.
+template <typename Object>
+Object* FindKernelObject(HANDLE handle) {
+    return dynamic_cast<Object*>(FindKernelObject(handle));
+}

@@ -1,0 +1,48 @@
+// Files by device path.
+//
+// `\folder\name` is below the device's root, `\Storage Card\...` is the host's file system from its root on.
+// A path without a leading separator is relative to the host's working folder; one with a leading `/` is a
+// path of the host. Both separators do. Names keep their case and are found without regard to it, an exact
+// match first. A path that climbs above the device's root, or that begins with two backslashes (another
+// machine), is ERROR_PATH_NOT_FOUND.
+#pragma once
+
+#include "platform/handles.h"
+#include "platform/types.h"
+
+constexpr DWORD GENERIC_READ = 0x80000000;
+constexpr DWORD GENERIC_WRITE = 0x40000000;
+constexpr DWORD FILE_SHARE_READ = 0x00000001;
+constexpr DWORD FILE_SHARE_WRITE = 0x00000002;
+constexpr DWORD CREATE_NEW = 1;    // ERROR_FILE_EXISTS when there is one
+constexpr DWORD CREATE_ALWAYS = 2; // empties the one there is
+constexpr DWORD OPEN_EXISTING = 3;
+constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x00000080;
+
+// Opens a file; CloseHandle closes it. `security` is null and `model` 0. A file is shared only between
+// openers that all read and all pass FILE_SHARE_READ; any other two meet with ERROR_SHARING_VIOLATION, in
+// this process and across processes, and the second changes nothing. INVALID_HANDLE_VALUE on failure:
+// ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND (a folder on the way is missing), ERROR_ACCESS_DENIED (a folder,
+// or no right to it), ERROR_SHARING_VIOLATION, ERROR_FILE_EXISTS, ERROR_DISK_FULL, ERROR_INVALID_PARAMETER.
+HANDLE CreateFileW(const WCHAR* path, DWORD access, DWORD share, void* security, DWORD disposition,
+                   DWORD attributes, HANDLE model);
+// Reads up to `count` bytes; fewer, or none, only at the end of the file. FALSE on failure.
+BOOL ReadFile(HANDLE file, void* buffer, DWORD count, DWORD* read, void* overlapped);
+// Writes all `count` bytes, or fails with `written` saying how many were: ERROR_DISK_FULL,
+// ERROR_ACCESS_DENIED.
+BOOL WriteFile(HANDLE file, const void* buffer, DWORD count, DWORD* written, void* overlapped);
+
+constexpr DWORD FILE_BEGIN = 0;
+constexpr DWORD FILE_CURRENT = 1;
+constexpr DWORD FILE_END = 2;
+constexpr DWORD INVALID_SET_FILE_POINTER = 0xFFFFFFFF;
+constexpr DWORD INVALID_FILE_SIZE = 0xFFFFFFFF;
+// Moves by `distance`: 64 signed bits of which `distanceHigh` is the upper half, or 32 signed bits when that
+// is null. So a place from 2 GiB on needs an upper half, be it 0. Returns the low half of the new place and
+// puts the high half into `distanceHigh`. INVALID_SET_FILE_POINTER on failure: ERROR_INVALID_PARAMETER before
+// the start or beyond what the result can hold; where that is a place, the last error is ERROR_SUCCESS.
+DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD method);
+// Bytes; `high` may be null for files that are known to be below 4 GiB. INVALID_FILE_SIZE likewise.
+DWORD GetFileSize(HANDLE file, DWORD* high);
+// Fails with ERROR_SHARING_VIOLATION while the file is open, else as CreateFileW.
+BOOL DeleteFileW(const WCHAR* path);

@@ -1,0 +1,13 @@
+// The program as a process, and the processes that it starts.
+#pragma once
+
+#include "platform/types.h"
+
+// The program's entry. `commandLine` is everything that was typed for it, arguments that hold blanks in
+// double quotes; `previous` is always null. Returns the exit code.
+int WinMain(HINSTANCE instance, HINSTANCE previous, WCHAR* commandLine, int show);
+
+// Starts the program of that name, which lies beside this one, with `commandLine` as its one argument, and
+// does not wait for it. It inherits no open file. FALSE when it cannot be started, or when there is no
+// display.
+BOOL CreateProcessW(const WCHAR* application, const WCHAR* commandLine);

@@ -1,0 +1,62 @@
+// The registry: keys below three main keys, each with a class and values of any type. Names keep their case
+// and are compared without regard to it. Every call returns an error number, ERROR_SUCCESS when it worked,
+// and sets it as the last error too:
+//   ERROR_FILE_NOT_FOUND     no such key or value
+//   ERROR_INVALID_HANDLE     no open key
+//   ERROR_INVALID_PARAMETER  a name that is too long or a missing argument
+//   ERROR_MORE_DATA          the caller's buffer is too small
+//   ERROR_NO_MORE_ITEMS      the index is past the last one
+//   and the object store's for a device that is full, damaged or cannot be written.
+#pragma once
+
+#include "platform/types.h"
+
+constexpr HKEY HKEY_CLASSES_ROOT = 0x80000000;
+constexpr HKEY HKEY_CURRENT_USER = 0x80000001;
+constexpr HKEY HKEY_LOCAL_MACHINE = 0x80000002;
+
+constexpr DWORD KEY_READ = 0x20019;
+constexpr DWORD KEY_ALL_ACCESS = 0xF003F;
+
+constexpr DWORD REG_NONE = 0;
+constexpr DWORD REG_SZ = 1;
+constexpr DWORD REG_BINARY = 3;
+constexpr DWORD REG_DWORD = 4;
+constexpr DWORD REG_MULTI_SZ = 7;
+
+constexpr DWORD REG_OPTION_NON_VOLATILE = 0;
+constexpr DWORD REG_CREATED_NEW_KEY = 1;
+constexpr DWORD REG_OPENED_EXISTING_KEY = 2;
+
+// Opens a key by its path below `key`, parts joined by "\"; a null or empty path opens `key` itself.
+// `options` is 0; any access is granted. The caller closes *opened.
+LONG RegOpenKeyExW(HKEY key, const WCHAR* path, DWORD options, DWORD access, HKEY* opened);
+
+// Opens a key and makes it first when it is missing, with the keys above it. The class, which may be null, is
+// given only to a key that is made. Parts of the path have at most 255 characters, a class at most 259.
+// `reserved`, `options` are 0 and `security` is null; *disposition, unless null, becomes REG_CREATED_NEW_KEY
+// or REG_OPENED_EXISTING_KEY.
+LONG RegCreateKeyExW(HKEY key, const WCHAR* path, DWORD reserved, const WCHAR* keyClass, DWORD options,
+                     DWORD access, void* security, HKEY* opened, DWORD* disposition);
+
+LONG RegCloseKey(HKEY key);
+
+// Reads a value; a null or empty name is the default value. `type`, `data` and `size` may be null. *size is
+// the room at `data` in bytes and becomes the value's length, also with ERROR_MORE_DATA, which leaves `data`
+// alone.
+LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type, BYTE* data, DWORD* size);
+
+// Makes or replaces a value of at most 1 MiB. The bytes are kept as given, whatever the type says. Names have
+// at most 259 characters.
+LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data, DWORD size);
+
+LONG RegDeleteValueW(HKEY key, const WCHAR* name);
+
+// The subkey, or the value, at a place counted from 0, in the order of their names. Name and class lengths
+// are in characters: room with the terminator on entry, length without it on return. `reserved` and
+// `lastWrite` are null; the class, `type`, `data` and `size` may be null. With ERROR_MORE_DATA for a value
+// *size is the length that its data takes.
+LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* nameLength, DWORD* reserved, WCHAR* keyClass,
+                   DWORD* classLength, FILETIME* lastWrite);
+LONG RegEnumValueW(HKEY key, DWORD index, WCHAR* name, DWORD* nameLength, DWORD* reserved, DWORD* type,
+                   BYTE* data, DWORD* size);

@@ -1,0 +1,301 @@
+// The object store's calls on whole databases.
+#include "platform/objectstore.h"
+
+#include "platform/device.h"
+#include "platform/errors.h"
+#include "platform/storage/fold.h"
+#include "platform/storage/opendatabase.h"
+#include "platform/storage/sortkey.h"
+
+#include <algorithm>
+#include <cstring>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
+namespace storage {
+namespace {
+
+struct Enumeration : KernelObject {
+    std::vector<CEOID> databases;
+    std::size_t next = 0;
+};
+
+// The length of a name; 0, with the last error set, when it is no name for a database.
+std::size_t NameLength(const WCHAR* name) {
+    std::size_t length = 0;
+    while (name && length < CEDB_MAXDBASENAMELEN && name[length] != 0) {
+        ++length;
+    }
+    if (length == 0 || length == CEDB_MAXDBASENAMELEN) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return 0;
+    }
+    return length;
+}
+
+// Whether no other database than `self` has a name. False with the last error set.
+bool NameIsFree(Store& store, std::u16string_view name, CEOID self) {
+    const DatabaseRow* row = store.catalogue.FindByName(name);
+    if (row && row->oid != self) {
+        SetLastError(ERROR_DUP_NAME);
+        return false;
+    }
+    return row || GetLastError() == ERROR_FILE_NOT_FOUND;
+}
+
+bool DeleteSortKeys(Store& store, CEOID database) {
+    Statement remove(store.connection, "DELETE FROM sortkeys WHERE place >= ?1 AND place < ?2");
+    const std::int64_t first = std::int64_t{database} * CEDB_MAXSORTORDER;
+    return remove.Bind(first).Bind(first + CEDB_MAXSORTORDER).Run();
+}
+
+// Writes the keys of all records anew, after the sort orders changed.
+bool WriteAllSortKeys(Store& store, const DatabaseRow& row) {
+    if (!DeleteSortKeys(store, row.oid)) {
+        return false;
+    }
+    Statement select(store.connection,
+                     "SELECT id, properties, data FROM records WHERE id >= ?1 AND id <= ?2");
+    select.Bind(RecordRow(row.oid, 0)).Bind(RecordRow(row.oid, 0xFFFFFFFF));
+    while (select.Row()) {
+        for (WORD order = 0; order < row.info.wNumSortOrder; ++order) {
+            const std::string key =
+                SortKey(row.info.rgSortSpecs[order], static_cast<WORD>(select.Number(1)), select.Bytes(2));
+            Statement insert(store.connection, "INSERT INTO sortkeys VALUES (?1, ?2, ?3)");
+            insert.Bind(std::int64_t{row.oid} * CEDB_MAXSORTORDER + order).BindBytes(key);
+            if (!insert.Bind(static_cast<CEOID>(select.Number(0))).Run()) {
+                return false;
+            }
+        }
+    }
+    return !select.Failed();
+}
+
+bool SameSortOrders(const CEDBASEINFO& one, const CEDBASEINFO& other) {
+    return one.wNumSortOrder == other.wNumSortOrder &&
+           std::memcmp(one.rgSortSpecs, other.rgSortSpecs, one.wNumSortOrder * sizeof(SORTORDERSPEC)) == 0;
+}
+
+void TakeSortOrders(CEDBASEINFO& info, WORD count, const SORTORDERSPEC* specs) {
+    info.wNumSortOrder = count;
+    std::fill(std::begin(info.rgSortSpecs), std::end(info.rgSortSpecs), SORTORDERSPEC{});
+    std::copy_n(specs, count, info.rgSortSpecs);
+}
+
+bool ChangeInfo(Store& store, CEOID oid, const CEDBASEINFO& info, bool reorder) {
+    WriteTransaction transaction(store);
+    const DatabaseRow* found = transaction.Begun() ? store.catalogue.Find(oid) : nullptr;
+    if (!found) {
+        return false;
+    }
+    DatabaseRow row = *found;
+    row.info.ftLastModified = Now();
+    if ((info.dwFlags & CEDB_VALIDNAME) != 0) {
+        const std::u16string_view name(info.szDbaseName, NameLength(info.szDbaseName));
+        if (!NameIsFree(store, name, oid)) {
+            return false;
+        }
+        std::fill(std::begin(row.info.szDbaseName), std::end(row.info.szDbaseName), u'\0');
+        name.copy(row.info.szDbaseName, name.size());
+    }
+    if ((info.dwFlags & CEDB_VALIDTYPE) != 0) {
+        row.info.dwDbaseType = info.dwDbaseType;
+    }
+    if (reorder) {
+        TakeSortOrders(row.info, info.wNumSortOrder, info.rgSortSpecs);
+    }
+    if (!store.catalogue.StoreAll(row) || (reorder && !WriteAllSortKeys(store, row)) ||
+        !transaction.Commit()) {
+        return false;
+    }
+    store.catalogue.Keep(row);
+    return true;
+}
+
+bool DeleteEverythingOf(Store& store, CEOID database) {
+    WriteTransaction transaction(store);
+    if (!transaction.Begun() || !store.catalogue.Find(database)) {
+        return false;
+    }
+    Statement records(store.connection, "DELETE FROM records WHERE id >= ?1 AND id <= ?2");
+    records.Bind(RecordRow(database, 0)).Bind(RecordRow(database, 0xFFFFFFFF));
+    if (!records.Run() || !DeleteSortKeys(store, database) || !store.catalogue.Remove(database) ||
+        !transaction.Commit()) {
+        return false;
+    }
+    store.catalogue.Forget(database);
+    return true;
+}
+
+// The number of the sort order on a property, -1 for property 0, -2 when there is none.
+int FindSortOrder(const CEDBASEINFO& info, CEPROPID property) {
+    if (property == 0) {
+        return -1;
+    }
+    for (int order = 0; order < info.wNumSortOrder; ++order) {
+        if (info.rgSortSpecs[order].propid == property) {
+            return order;
+        }
+    }
+    return -2;
+}
+
+} // namespace
+} // namespace storage
+
+using namespace storage;
+
+HANDLE CeFindFirstDatabase(DWORD type) {
+    Store* store = TheStore();
+    if (!store) {
+        return INVALID_HANDLE_VALUE;
+    }
+    auto enumeration = std::make_unique<Enumeration>();
+    Statement select(store->connection, "SELECT oid FROM databases WHERE ?1 = 0 OR type = ?1 ORDER BY oid");
+    select.Bind(type);
+    while (select.Row()) {
+        enumeration->databases.push_back(static_cast<CEOID>(select.Number(0)));
+    }
+    return select.Failed() ? INVALID_HANDLE_VALUE : AddKernelObject(std::move(enumeration));
+}
+
+CEOID CeFindNextDatabase(HANDLE handle) {
+    Enumeration* enumeration = FindKernelObject<Enumeration>(handle);
+    if (!enumeration) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return 0;
+    }
+    if (enumeration->next == enumeration->databases.size()) {
+        SetLastError(ERROR_NO_MORE_ITEMS);
+        return 0;
+    }
+    return enumeration->databases[enumeration->next++];
+}
+
+BOOL CeOidGetInfo(CEOID oid, CEOIDINFO* info) {
+    Store* store = TheStore();
+    const DatabaseRow* row = store ? store->catalogue.Find(oid) : nullptr;
+    if (!row) {
+        return FALSE;
+    }
+    info->wObjType = OBJTYPE_DATABASE;
+    info->wPad = 0;
+    info->infDatabase = row->info;
+    return TRUE;
+}
+
+CEOID CeCreateDatabase(const WCHAR* name, DWORD type, WORD sortOrders, const SORTORDERSPEC* specs) {
+    const std::size_t length = NameLength(name);
+    if (length == 0) {
+        return 0;
+    }
+    if (sortOrders > CEDB_MAXSORTORDER || (sortOrders != 0 && !specs)) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return 0;
+    }
+    Store* store = TheStore();
+    if (!store) {
+        return 0;
+    }
+    WriteTransaction transaction(*store);
+    const std::u16string_view named(name, length);
+    if (!transaction.Begun() || !NameIsFree(*store, named, 0)) {
+        return 0;
+    }
+    DatabaseRow row;
+    row.oid = store->NewIdentifier();
+    row.info.dwFlags = kAllInfoValid;
+    named.copy(row.info.szDbaseName, length);
+    row.info.dwDbaseType = type;
+    row.info.ftLastModified = Now();
+    TakeSortOrders(row.info, sortOrders, specs);
+    if (row.oid == 0 || !store->catalogue.Insert(row) || !transaction.Commit()) {
+        return 0;
+    }
+    store->catalogue.Keep(row);
+    return row.oid;
+}
+
+HANDLE CeOpenDatabase(CEOID* oid, const WCHAR* name, CEPROPID sort, DWORD flags, HWND notify) {
+    if (!oid || flags != 0 || (*oid == 0 && NameLength(name) == 0)) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return INVALID_HANDLE_VALUE;
+    }
+    Store* store = TheStore();
+    if (!store) {
+        return INVALID_HANDLE_VALUE;
+    }
+    const DatabaseRow* row = *oid != 0 ? store->catalogue.Find(*oid) : store->catalogue.FindByName(name);
+    if (!row) {
+        return INVALID_HANDLE_VALUE;
+    }
+    const CEOID database = row->oid;
+    if (!store->locks.Hold(database)) {
+        SetLastError(ERROR_SHARING_VIOLATION);
+        return INVALID_HANDLE_VALUE;
+    }
+    // It may have been deleted just before it was held.
+    store->Refresh();
+    row = store->catalogue.Find(database);
+    const int order = row ? FindSortOrder(row->info, sort) : -1;
+    if (!row || order < -1) {
+        store->locks.Release(database);
+        SetLastError(row ? ERROR_INVALID_PARAMETER : GetLastError());
+        return INVALID_HANDLE_VALUE;
+    }
+    *oid = database;
+    return AddKernelObject(std::make_unique<OpenDatabase>(*store, *row, order, notify));
+}
+
+BOOL CeSetDatabaseInfo(CEOID oid, const CEDBASEINFO* info) {
+    if (((info->dwFlags & CEDB_VALIDNAME) != 0 && NameLength(info->szDbaseName) == 0) ||
+        ((info->dwFlags & CEDB_VALIDSORTSPEC) != 0 && info->wNumSortOrder > CEDB_MAXSORTORDER)) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    Store* store = TheStore();
+    const DatabaseRow* row = store ? store->catalogue.Find(oid) : nullptr;
+    if (!row) {
+        return FALSE;
+    }
+    if ((info->dwFlags & CEDB_VALIDSORTSPEC) == 0 || SameSortOrders(row->info, *info)) {
+        return ChangeInfo(*store, oid, *info, false) ? TRUE : FALSE;
+    }
+    // Handles stand in the orders as they are: nobody may have the database open.
+    if (!store->locks.HoldAlone(oid)) {
+        SetLastError(ERROR_SHARING_VIOLATION);
+        return FALSE;
+    }
+    const bool changed = ChangeInfo(*store, oid, *info, true);
+    store->locks.ReleaseAlone(oid);
+    return changed ? TRUE : FALSE;
+}
+
+BOOL CeDeleteDatabase(CEOID oid) {
+    Store* store = TheStore();
+    if (!store || !store->catalogue.Find(oid)) {
+        return FALSE;
+    }
+    if (!store->locks.HoldAlone(oid)) {
+        SetLastError(ERROR_SHARING_VIOLATION);
+        return FALSE;
+    }
+    const bool deleted = DeleteEverythingOf(*store, oid);
+    store->locks.ReleaseAlone(oid);
+    return deleted ? TRUE : FALSE;
+}
+
+BOOL GetStoreInformation(STORE_INFORMATION* information) {
+    struct statvfs system {};
+    struct stat file {};
+    if (statvfs(DeviceFolder().c_str(), &system) != 0 || stat(DeviceStorePath().c_str(), &file) != 0) {
+        SetLastError(ERROR_FILE_NOT_FOUND);
+        return FALSE;
+    }
+    constexpr std::uint64_t kMost = 0xFFFFFFFF;
+    const std::uint64_t freeBytes = std::uint64_t{system.f_bavail} * system.f_frsize;
+    const std::uint64_t usedBytes = static_cast<std::uint64_t>(file.st_size);
+    information->dwFreeSize = static_cast<DWORD>(std::min(freeBytes, kMost));
+    information->dwStoreSize = static_cast<DWORD>(std::min(freeBytes + usedBytes, kMost));
+    return TRUE;
+}

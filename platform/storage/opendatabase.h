@@ -1,0 +1,131 @@
+// An open database: where it stands, what it has read ahead, and whom it tells of changes.
+#pragma once
+
+#include "platform/base/handles.h"
+#include "platform/objectstore.h"
+#include "platform/storage/store.h"
+
+#include <string>
+#include <vector>
+
+namespace storage {
+
+// A record's place in an order: its sort key, empty where records lie as they were made, then its identifier.
+struct Position {
+    std::string key;
+    CEOID record = 0;
+
+    bool operator<(const Position& other) const {
+        const int order = key.compare(other.key);
+        return order != 0 ? order < 0 : record < other.record;
+    }
+};
+
+// A record as the store holds it.
+struct StoredRecord {
+    WORD count = 0;
+    std::string_view form;
+};
+
+// A change of one record by this process. The place is in the order of the handle that is told.
+struct RecordChange {
+    CEOID record = 0;
+    const StoredRecord* before = nullptr; // null for a record that was made
+    const StoredRecord* after = nullptr;  // null for one that was deleted
+};
+
+class OpenDatabase : public KernelObject {
+public:
+    // `sort` is the number of a sort order of the row, or -1. The database is held by the caller for the new
+    // object.
+    OpenDatabase(Store& store, const DatabaseRow& row, int sort, HWND notify);
+    ~OpenDatabase() override;
+    OpenDatabase(const OpenDatabase&) = delete;
+    OpenDatabase& operator=(const OpenDatabase&) = delete;
+
+    CEOID Database() const { return database; }
+
+    // As CeSeekDatabase.
+    CEOID Seek(DWORD seekType, DWORD value, DWORD* index);
+    // The current record; valid until the next call. 0 with the last error set when there is none.
+    CEOID Current(StoredRecord& record);
+
+    // After a commit of this process: `before` and `after` are the row's versions around it.
+    void FollowChange(const RecordChange& change, std::int64_t versionBefore, std::int64_t versionAfter);
+
+    bool IsWatching() const { return notify != nullptr; }
+    // Posts what other processes did since the last time.
+    void ReportForeignChanges(void (*post)(HWND, UINT, WPARAM, LPARAM));
+
+private:
+    enum class Standing {
+        AtStart,
+        OnRecord,
+        InGap
+    }; // AtStart: on the first record, which nobody has looked for yet
+
+    // Records that were read ahead, in their order.
+    struct Batch {
+        struct Entry {
+            CEOID record;
+            WORD count;
+            std::size_t keyBytes;
+            std::size_t at; // the key, then the form
+            std::size_t formBytes;
+        };
+        std::vector<Entry> entries;
+        std::string bytes;
+
+        void Clear() {
+            entries.clear();
+            bytes.clear();
+        }
+    };
+
+    void Revalidate();
+    bool SeekFirst();
+    bool SeekLast();
+    bool SeekRecord(CEOID record);
+    bool SeekSteps(std::int64_t steps);
+    bool Step(bool forward);
+    // Reads records after or before a place. False when there are none, or on failure; the batch then stays.
+    bool Fetch(const Position& from, bool forward);
+    bool FetchRows(Statement& select, bool forward);
+    // Reads one record and takes its place as the position. False, with everything as it was, when there is
+    // none.
+    bool FetchRecord(CEOID record);
+    void StandOn(std::size_t entry);
+    bool FindIndex();
+    Position PlaceOf(CEOID record, const StoredRecord& stored) const;
+    std::int64_t SortPlace() const { return std::int64_t{database} * CEDB_MAXSORTORDER + sort; }
+
+    Store& store;
+    CEOID database;
+    int sort;
+    SORTORDERSPEC spec = {};
+
+    Standing standing = Standing::AtStart;
+    Position position; // OnRecord, InGap
+    bool indexKnown = false;
+    DWORD index = 0; // how many records lie before the position
+    Batch batch;
+    std::size_t slot = 0; // of the current record, when the batch has any
+    std::size_t budget;   // bytes to read ahead next
+    std::uint64_t epoch;  // of the store, when the version was last looked at
+    std::int64_t version; // of the database, that batch and index belong to
+
+    HWND notify;
+    CEOID newestSeen = 0; // all older records were told of, or were there before
+    std::int64_t watchedVersion = 0;
+    std::int64_t watchedDeletions = 0;
+    std::vector<CEOID> ownCreations; // since the last report
+    std::int64_t ownDeletions = 0;
+};
+
+// All open databases of this process.
+const std::vector<OpenDatabase*>& OpenDatabases();
+
+// A record's row in the table of records.
+std::int64_t RecordRow(CEOID database, CEOID record);
+
+} // namespace storage

@@ -1,0 +1,35 @@
+#include "platform/storage/watch.h"
+
+#include "platform/storage/opendatabase.h"
+
+#include <algorithm>
+
+namespace {
+NotifySink notifySink = nullptr;
+}
+
+void SetNotifySink(NotifySink sink) {
+    notifySink = sink;
+}
+
+bool StoreWatchWanted() {
+    const auto& open = storage::OpenDatabases();
+    return std::any_of(open.begin(), open.end(),
+                       [](const storage::OpenDatabase* each) { return each->IsWatching(); });
+}
+
+void PollStoreChanges() {
+    storage::Store* store = StoreWatchWanted() ? storage::TheStore() : nullptr;
+    if (!store) {
+        return;
+    }
+    for (storage::OpenDatabase* open : storage::OpenDatabases()) {
+        if (open->IsWatching()) {
+            open->ReportForeignChanges([](HWND window, UINT message, WPARAM record, LPARAM database) {
+                if (notifySink) {
+                    notifySink(window, message, record, database);
+                }
+            });
+        }
+    }
+}

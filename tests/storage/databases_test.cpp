@@ -1,0 +1,146 @@
+#include "tests/storage/storesupport.h"
+
+namespace {
+
+std::vector<CEOID> AllDatabases(DWORD type = 0) {
+    std::vector<CEOID> found;
+    const HANDLE enumeration = CeFindFirstDatabase(type);
+    while (const CEOID oid = CeFindNextDatabase(enumeration)) {
+        found.push_back(oid);
+    }
+    EXPECT_EQ(GetLastError(), ERROR_NO_MORE_ITEMS);
+    EXPECT_TRUE(CloseHandle(enumeration));
+    return found;
+}
+
+TEST(Databases, AreFoundByNameIdentifierAndType) {
+    TestDevice device;
+    EXPECT_TRUE(AllDatabases().empty());
+    const SORTORDERSPEC specs[] = {{Prop(1, CEVT_I4), CEDB_SORT_DESCENDING}, {Prop(2, CEVT_LPWSTR), 0}};
+    const CEOID contacts = CeCreateDatabase(u"Kontakte \u00c4", 24, 2, specs);
+    const CEOID system = CeCreateDatabase(u"\\System", 25, 0, nullptr);
+    ASSERT_NE(contacts, 0U);
+    EXPECT_GT(system, contacts);
+    EXPECT_EQ(AllDatabases(), (std::vector<CEOID>{contacts, system}));
+    EXPECT_EQ(AllDatabases(25), (std::vector<CEOID>{system}));
+    device.Restart();
+    const CEDBASEINFO info = InfoOf(contacts);
+    EXPECT_EQ(std::u16string(info.szDbaseName), u"Kontakte \u00c4");
+    EXPECT_EQ(info.dwDbaseType, 24U);
+    EXPECT_EQ(info.wNumSortOrder, 2);
+    EXPECT_EQ(std::memcmp(info.rgSortSpecs, specs, sizeof(specs)), 0);
+    EXPECT_EQ(info.dwSize, 0U);
+    CEOID found = 0;
+    const HANDLE handle = CeOpenDatabase(&found, u"kontakte \u00e4", 0, 0, nullptr);
+    EXPECT_NE(handle, INVALID_HANDLE_VALUE);
+    EXPECT_EQ(found, contacts);
+    CloseHandle(handle);
+    EXPECT_EQ(OpenById(contacts, Prop(3, CEVT_I4)), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    found = 0;
+    EXPECT_EQ(CeOpenDatabase(&found, u"Kontakte", 0, 0, nullptr), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+}
+
+TEST(Databases, NamesHaveTheirLimits) {
+    TestDevice device;
+    const std::u16string longest(31, u'n');
+    EXPECT_NE(CeCreateDatabase(longest.c_str(), 0, 0, nullptr), 0U);
+    EXPECT_EQ(CeCreateDatabase(std::u16string(31, u'N').c_str(), 0, 0, nullptr), 0U);
+    EXPECT_EQ(GetLastError(), ERROR_DUP_NAME);
+    for (const std::u16string& name :
+         {std::u16string(), std::u16string(32, u'n'), std::u16string(1000, u'n')}) {
+        EXPECT_EQ(CeCreateDatabase(name.c_str(), 0, 0, nullptr), 0U);
+        EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    }
+    EXPECT_EQ(CeCreateDatabase(u"five orders", 0, 5, std::vector<SORTORDERSPEC>(5).data()), 0U);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    // Halves of a surrogate pair are names like any other, and different ones.
+    EXPECT_NE(CeCreateDatabase(u"\xD800", 0, 0, nullptr), 0U);
+    EXPECT_NE(CeCreateDatabase(u"\xDC00", 0, 0, nullptr), 0U);
+}
+
+TEST(Databases, AreRenamedRetypedAndReordered) {
+    TestDevice device;
+    const CEOID one = CeCreateDatabase(u"One", 1, 0, nullptr);
+    CeCreateDatabase(u"Two", 1, 0, nullptr);
+    HANDLE handle = OpenById(one);
+    for (const LONG number : {5, 9, 7}) {
+        Values().Number(1, number).Write(handle);
+    }
+    CEDBASEINFO info = InfoOf(one);
+    std::u16string_view(u"TWO").copy(info.szDbaseName, 4);
+    EXPECT_FALSE(CeSetDatabaseInfo(one, &info));
+    EXPECT_EQ(GetLastError(), ERROR_DUP_NAME);
+    std::u16string_view(u"ONE").copy(info.szDbaseName, 4);
+    info.dwDbaseType = 3;
+    EXPECT_TRUE(CeSetDatabaseInfo(one, &info)) << "a new spelling of the own name, while it is open";
+    EXPECT_EQ(std::u16string(InfoOf(one).szDbaseName), u"ONE");
+    EXPECT_EQ(InfoOf(one).dwDbaseType, 3U);
+    info.wNumSortOrder = 1;
+    info.rgSortSpecs[0] = {Prop(1, CEVT_I4), CEDB_SORT_DESCENDING};
+    EXPECT_FALSE(CeSetDatabaseInfo(one, &info));
+    EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
+    CloseHandle(handle);
+    EXPECT_TRUE(CeSetDatabaseInfo(one, &info));
+    handle = OpenById(one, Prop(1, CEVT_I4));
+    EXPECT_EQ(ReadBack(handle)[0].val.lVal, 9);
+    CloseHandle(handle);
+    std::fill_n(info.szDbaseName, CEDB_MAXDBASENAMELEN, u'x');
+    EXPECT_FALSE(CeSetDatabaseInfo(one, &info)) << "a name without an end";
+    EXPECT_FALSE(CeSetDatabaseInfo(12345, &info));
+}
+
+TEST(Databases, AreNotDeletedWhileOpenAndLeaveNothingBehind) {
+    TestDevice device;
+    const SORTORDERSPEC spec = {Prop(1, CEVT_I4), 0};
+    const CEOID database = CeCreateDatabase(u"Short-lived", 1, 1, &spec);
+    const HANDLE first = OpenById(database);
+    const HANDLE second = OpenById(database);
+    const CEOID record = Values().Number(1, 1).Write(first);
+    CloseHandle(first);
+    EXPECT_FALSE(CeDeleteDatabase(database));
+    EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
+    CloseHandle(second);
+    EXPECT_TRUE(CeDeleteDatabase(database));
+    CEOIDINFO info{};
+    EXPECT_FALSE(CeOidGetInfo(database, &info));
+    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+    EXPECT_FALSE(CeDeleteDatabase(database));
+    EXPECT_EQ(OpenById(database), INVALID_HANDLE_VALUE);
+    storage::Statement left(storage::TheStore()->connection,
+                            "SELECT (SELECT count(*) FROM records) + (SELECT count(*) FROM sortkeys)");
+    ASSERT_TRUE(left.Row());
+    EXPECT_EQ(left.Number(0), 0);
+    const CEOID again = CeCreateDatabase(u"Short-lived", 1, 0, nullptr);
+    EXPECT_GT(again, record) << "identifiers are never used again";
+}
+
+TEST(Databases, TellSizeCountAndTimeOfTheLatestChange) {
+    TestDevice device;
+    const CEOID database = CeCreateDatabase(u"Dated", 1, 0, nullptr);
+    const auto time = [&] {
+        const FILETIME modified = InfoOf(database).ftLastModified;
+        return std::uint64_t{modified.dwHighDateTime} << 32 | modified.dwLowDateTime;
+    };
+    const std::uint64_t created = time();
+    const HANDLE handle = OpenById(database);
+    const CEOID record = Values().Number(1, 1).Text(2, u"abc").Write(handle);
+    const std::uint64_t written = time();
+    EXPECT_GT(written, created);
+    EXPECT_EQ(InfoOf(database).dwSize, 40U);
+    Values().Remove(Prop(2, CEVT_LPWSTR)).Write(handle, record);
+    EXPECT_EQ(InfoOf(database).dwSize, 16U);
+    EXPECT_GT(time(), written);
+    EXPECT_TRUE(CeDeleteRecord(handle, record));
+    CloseHandle(handle);
+    device.Restart();
+    EXPECT_EQ(InfoOf(database).dwSize, 0U);
+    EXPECT_EQ(InfoOf(database).wNumRecords, 0);
+    STORE_INFORMATION information{};
+    ASSERT_TRUE(GetStoreInformation(&information));
+    EXPECT_GT(information.dwFreeSize, 0U);
+    EXPECT_GE(information.dwStoreSize, information.dwFreeSize);
+}
+
+} // namespace

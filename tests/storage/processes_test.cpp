@@ -1,0 +1,272 @@
+// Two processes on one device. The other one is a child that is started before this one opens the store.
+#include "tests/storage/storesupport.h"
+
+#include "platform/storage/watch.h"
+
+#include <csignal>
+#include <functional>
+#include <set>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+// A child that runs errands, one for each byte that it is sent, and answers each with a byte.
+class OtherProcess {
+public:
+    using Errand = std::function<bool()>;
+
+    explicit OtherProcess(const std::vector<Errand>& errands) {
+        int toChild[2];
+        int fromChild[2];
+        EXPECT_EQ(pipe(toChild) + pipe(fromChild), 0);
+        child = fork();
+        if (child == 0) {
+            close(toChild[1]);
+            for (char errand; read(toChild[0], &errand, 1) == 1;) {
+                const char answer = errands[static_cast<std::size_t>(errand)]() ? 1 : 0;
+                if (write(fromChild[1], &answer, 1) != 1) {
+                    break;
+                }
+            }
+            _exit(0); // without closing anything: the kernel is to clean up
+        }
+        close(toChild[0]);
+        close(fromChild[1]);
+        orders = toChild[1];
+        answers = fromChild[0];
+    }
+    ~OtherProcess() {
+        End();
+        close(answers);
+    }
+    void Start(char errand) { EXPECT_EQ(write(orders, &errand, 1), 1); }
+    bool Await() {
+        char answer = 0;
+        return read(answers, &answer, 1) == 1 && answer == 1;
+    }
+    bool Run(char errand) {
+        Start(errand);
+        return Await();
+    }
+    void Kill() { kill(child, SIGKILL); }
+    // Waits for the child's end.
+    void End() {
+        if (child > 0) {
+            close(orders);
+            waitpid(child, nullptr, 0);
+            child = 0;
+        }
+    }
+
+private:
+    pid_t child = 0;
+    int orders = -1;
+    int answers = -1;
+};
+
+CEOID FindDatabase(const WCHAR* name) {
+    CEOID oid = 0;
+    CloseHandle(CeOpenDatabase(&oid, name, 0, 0, nullptr));
+    return oid;
+}
+
+struct Notified {
+    HWND window;
+    UINT message;
+    WPARAM record;
+    LPARAM database;
+};
+std::vector<Notified> notified;
+
+TEST(Processes, AnOpenDatabaseIsInUseEverywhereUntilItsProcessDies) {
+    TestDevice device;
+    HANDLE held = INVALID_HANDLE_VALUE;
+    OtherProcess other({[&] {
+                            held = OpenById(CeCreateDatabase(u"Shared", 1, 0, nullptr));
+                            return held != INVALID_HANDLE_VALUE;
+                        },
+                        [&] { return CloseHandle(held) != 0; },
+                        [&] { return (held = OpenById(FindDatabase(u"shared"))) != INVALID_HANDLE_VALUE; }});
+    ASSERT_TRUE(other.Run(0));
+    const CEOID database = FindDatabase(u"Shared");
+    ASSERT_NE(database, 0U) << "open in two processes at once";
+    EXPECT_FALSE(CeDeleteDatabase(database));
+    EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
+    ASSERT_TRUE(other.Run(1));
+    EXPECT_TRUE(CeDeleteDatabase(database));
+    EXPECT_FALSE(other.Run(2)) << "the other process sees the deletion";
+    CeCreateDatabase(u"Shared", 1, 0, nullptr);
+    ASSERT_TRUE(other.Run(2));
+    EXPECT_FALSE(CeDeleteDatabase(FindDatabase(u"Shared")));
+    other.Kill();
+    other.End();
+    EXPECT_TRUE(CeDeleteDatabase(FindDatabase(u"Shared")));
+}
+
+TEST(Processes, WritersWaitForEachOtherAndShareOneIdentifierSpace) {
+    TestDevice device;
+    constexpr int kRecords = 1500;
+    const auto fill = [](const WCHAR* name) {
+        const HANDLE handle = OpenById(FindDatabase(name));
+        bool written = true;
+        CEOID last = 0;
+        for (int number = 0; number < kRecords; ++number) {
+            const CEOID record = Values().Number(1, number).Write(handle);
+            written = written && record > last;
+            last = record;
+        }
+        return CloseHandle(handle) && written;
+    };
+    OtherProcess other({[&] { return fill(u"Common"); }});
+    const CEOID database = CeCreateDatabase(u"Common", 1, 0, nullptr);
+    other.Start(0);
+    EXPECT_TRUE(fill(u"Common"));
+    EXPECT_TRUE(other.Await());
+    EXPECT_EQ(InfoOf(database).wNumRecords, 2 * kRecords);
+    const HANDLE handle = OpenById(database);
+    std::set<CEOID> records;
+    std::vector<int> numbers(kRecords);
+    DWORD index = 0;
+    for (CEOID at = CeSeekDatabase(handle, CEDB_SEEK_BEGINNING, 0, &index); at != 0;
+         at = CeSeekDatabase(handle, CEDB_SEEK_CURRENT, 1, &index)) {
+        records.insert(at);
+        ++numbers[static_cast<std::size_t>(ReadBack(handle)[0].val.lVal)];
+    }
+    CloseHandle(handle);
+    EXPECT_EQ(records.size(), std::size_t{2 * kRecords});
+    EXPECT_EQ(numbers, std::vector<int>(kRecords, 2));
+}
+
+TEST(Processes, AHandleSeesWhatTheOtherProcessChanged) {
+    TestDevice device;
+    const SORTORDERSPEC spec = {Prop(1, CEVT_I4), 0};
+    CEOID record = 0;
+    HANDLE theirs = INVALID_HANDLE_VALUE;
+    OtherProcess other({[&] {
+                            theirs = OpenById(FindDatabase(u"Seen"));
+                            return Values().Number(1, 5).Write(theirs) != 0;
+                        },
+                        [&] {
+                            record = CeSeekDatabase(theirs, CEDB_SEEK_BEGINNING, 0, nullptr);
+                            return Values().Number(1, 25).Write(theirs, record) == record;
+                        },
+                        [&] { return CeDeleteRecord(theirs, record) != 0; }});
+    const CEOID database = CeCreateDatabase(u"Seen", 1, 1, &spec);
+    const HANDLE handle = OpenById(database, spec.propid);
+    const CEOID ten = Values().Number(1, 10).Write(handle);
+    const CEOID twenty = Values().Number(1, 20).Write(handle);
+    DWORD index = 0;
+    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_END, 0, &index), twenty);
+    ASSERT_TRUE(other.Run(0)); // 5 10 [20]
+    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_CURRENT, 0, &index), twenty);
+    EXPECT_EQ(index, 2U);
+    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_CURRENT, static_cast<DWORD>(-1), &index), ten);
+    ASSERT_TRUE(other.Run(1)); // 5 20 [25]: the record that the handle stands on moved
+    EXPECT_EQ(ReadBack(handle)[0].val.lVal, 25);
+    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_CURRENT, static_cast<DWORD>(-1), &index), twenty);
+    EXPECT_EQ(index, 1U);
+    CeSeekDatabase(handle, CEDB_SEEK_END, 0, nullptr);
+    ASSERT_TRUE(other.Run(2)); // 5 20 []
+    EXPECT_EQ(ReadBack(handle).record, 0U);
+    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_CURRENT, static_cast<DWORD>(-1), &index), twenty);
+    EXPECT_EQ(InfoOf(database).wNumRecords, 2);
+    CloseHandle(handle);
+}
+
+TEST(Processes, OnlyForeignCreationsAndDeletionsAreReported) {
+    TestDevice device;
+    HANDLE theirs = INVALID_HANDLE_VALUE;
+    CEOID first = 0;
+    OtherProcess other({[&] {
+                            theirs = OpenById(FindDatabase(u"Watched"));
+                            first = CeSeekDatabase(theirs, CEDB_SEEK_BEGINNING, 0, nullptr);
+                            return Values().Number(1, 1).Write(theirs) != 0 &&
+                                   Values().Number(1, 2).Write(theirs) != 0;
+                        },
+                        [&] { return Values().Number(1, 3).Write(theirs, first) != 0; },
+                        [&] { return CeDeleteRecord(theirs, first) != 0; }});
+    notified.clear();
+    SetNotifySink([](HWND window, UINT message, WPARAM record, LPARAM database) {
+        notified.push_back({window, message, record, database});
+    });
+    const CEOID database = CeCreateDatabase(u"Watched", 1, 0, nullptr);
+    const HANDLE plain = OpenById(database);
+    const CEOID oldest = Values().Number(1, 0).Write(plain);
+    EXPECT_FALSE(StoreWatchWanted());
+    const HWND window = reinterpret_cast<HWND>(&device);
+    const HANDLE handle = OpenById(database, 0, window);
+    EXPECT_TRUE(StoreWatchWanted());
+
+    CeDeleteRecord(plain, Values().Number(1, 0).Write(handle));
+    PollStoreChanges();
+    EXPECT_TRUE(notified.empty()) << "the own changes";
+    ASSERT_TRUE(other.Run(0));
+    const CEOID own = Values().Number(1, 9).Write(handle);
+    CeDeleteRecord(plain, own);
+    PollStoreChanges();
+    ASSERT_EQ(notified.size(), 2U);
+    EXPECT_EQ(notified[0].window, window);
+    EXPECT_EQ(notified[0].message, 0x401U);
+    EXPECT_GT(notified[0].record, oldest);
+    EXPECT_LT(notified[0].record, notified[1].record);
+    EXPECT_LT(notified[1].record, own);
+    EXPECT_EQ(notified[0].database, static_cast<LPARAM>(database));
+    ASSERT_TRUE(other.Run(1));
+    PollStoreChanges();
+    EXPECT_EQ(notified.size(), 2U) << "a changed property is not told of";
+    ASSERT_TRUE(other.Run(2));
+    PollStoreChanges();
+    PollStoreChanges();
+    ASSERT_EQ(notified.size(), 3U);
+    EXPECT_EQ(notified[2].message, 0x403U);
+    EXPECT_EQ(notified[2].record, oldest);
+    CloseHandle(handle);
+    CloseHandle(plain);
+    EXPECT_FALSE(StoreWatchWanted());
+    SetNotifySink(nullptr);
+}
+
+TEST(Processes, AKilledWriterLeavesWholeRecordsAndNoLock) {
+    TestDevice device;
+    for (int round = 0; round < 5; ++round) {
+        const std::u16string name = u"Killed " + std::u16string(1, static_cast<char16_t>(u'0' + round));
+        OtherProcess other({[&] {
+            const SORTORDERSPEC spec = {Prop(1, CEVT_I4), 0};
+            const HANDLE handle = OpenById(CeCreateDatabase(name.c_str(), 1, 1, &spec));
+            for (LONG number = 0;; ++number) {
+                Values().Number(1, number).Text(2, std::u16string(3000, u'k')).Write(handle);
+            }
+            return false;
+        }});
+        other.Start(0);
+        CEOID database = 0;
+        while (database == 0 || InfoOf(database).wNumRecords < 5) {
+            database = FindDatabase(name.c_str());
+        }
+        usleep(static_cast<unsigned>(round) * 1'301U); // anywhere within some write
+        other.Kill();
+        other.End();
+        const CEDBASEINFO info = InfoOf(database);
+        EXPECT_GT(info.wNumRecords, 0);
+        const HANDLE handle = OpenById(database, Prop(1, CEVT_I4));
+        DWORD found = 0;
+        while (CeSeekDatabase(handle, CEDB_SEEK_BEGINNING, found, nullptr) != 0 && found < 20) {
+            ReadBack read(handle);
+            ASSERT_EQ(read.count, 2);
+            EXPECT_EQ(read[0].val.lVal, static_cast<LONG>(found));
+            EXPECT_EQ(std::u16string(read[1].val.lpwstr).size(), 3000U);
+            ++found;
+        }
+        DWORD last = 0;
+        EXPECT_NE(CeSeekDatabase(handle, CEDB_SEEK_END, 0, &last), 0U);
+        EXPECT_EQ(last + 1, info.wNumRecords);
+        EXPECT_EQ(info.dwSize, info.wNumRecords * (32U + 6002U));
+        EXPECT_NE(Values().Number(1, 1).Write(handle), 0U);
+        CloseHandle(handle);
+        EXPECT_TRUE(CeDeleteDatabase(database));
+        device.Restart(); // the next child must not inherit an open store
+    }
+}
+
+} // namespace
