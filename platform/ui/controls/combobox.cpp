@@ -1,0 +1,137 @@
+// The drop-down list.
+#include <QApplication>
+#include <QComboBox>
+#include <QEvent>
+#include <QProxyStyle>
+#include <QStyledItemDelegate>
+#include <algorithm>
+#include <utility>
+
+#include "platform/text.h"
+#include "platform/ui/controls/controlsupport.h"
+
+namespace {
+
+constexpr int kLineUnits = 13; // dialog units, as tall as an edit box
+constexpr int kRowPadding = 6; // pixels
+
+// Lists drop down below their line, as on the handheld, and not over it.
+class DropBelowStyle : public QProxyStyle {
+public:
+    using QProxyStyle::QProxyStyle;
+
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* result) const override {
+        return hint == SH_ComboBox_Popup ? 0 : QProxyStyle::styleHint(hint, option, widget, result);
+    }
+};
+
+QStyle* ListStyle() {
+    static auto* const style = new DropBelowStyle(QApplication::style()->name());
+    return style;
+}
+
+// Rows that a finger hits.
+class RowDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        return QStyledItemDelegate::sizeHint(option, index).grownBy(QMargins(0, 0, 0, kRowPadding));
+    }
+};
+
+class DropList : public QComboBox {
+public:
+    DropList(WindowObject& window, QWidget* parent) : QComboBox(parent) {
+        HWND handle = &window;
+        setStyle(ListStyle());
+        setItemDelegate(new RowDelegate(this));
+        KeepOneLine();
+        connect(this, &QComboBox::currentIndexChanged, this, [this] { changed = true; });
+        connect(this, &QComboBox::activated, this, [this, handle] {
+            if (std::exchange(changed, false))
+                CommandToParent(handle, CBN_SELCHANGE);
+        });
+    }
+
+    LRESULT Add(const WCHAR* text, bool sorted) {
+        const int place = sorted ? SortedPlace(text) : count();
+        const int before = currentIndex();
+        insertItem(place, TextOf(text));
+        if (before < 0)
+            setCurrentIndex(-1); // the host chooses the first item that comes
+        changed = false;
+        return place;
+    }
+
+    LRESULT Choose(int place) {
+        const bool valid = place >= 0 && place < count();
+        setCurrentIndex(valid ? place : -1);
+        changed = false;
+        return valid ? place : CB_ERR;
+    }
+
+protected:
+    void changeEvent(QEvent* event) override {
+        QComboBox::changeEvent(event);
+        if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+            KeepOneLine();
+    }
+
+private:
+    // Templates give the height of the dropped list, which the host finds by itself.
+    void KeepOneLine() {
+        const int line = (HIWORD(GetDialogBaseUnits()) * kLineUnits + 4) / 8;
+        setFixedHeight(std::max(line, sizeHint().height()));
+    }
+
+    // Behind everything that is not greater.
+    int SortedPlace(const WCHAR* text) const {
+        int place = count();
+        while (place > 0 && lstrcmpiW(reinterpret_cast<const WCHAR*>(itemText(place - 1).utf16()), text) > 0)
+            --place;
+        return place;
+    }
+
+    bool changed = false; // by the user, and the parent does not know yet
+};
+
+QWidget* MakeDropList(WindowObject& window, QWidget* parent) {
+    auto* list = new DropList(window, parent);
+    NameAfterLabel(window, list);
+    return list;
+}
+
+LRESULT ComboBoxProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    DropList* list = WidgetOf<DropList>(window);
+    if (!list)
+        return DefaultControlProcedure(window, message, wParam, lParam);
+    const int place = static_cast<int>(wParam);
+    const bool exists = place >= 0 && place < list->count();
+    switch (message) {
+    case WM_GETDLGCODE:
+        return DLGC_WANTARROWS | DLGC_WANTCHARS;
+    case CB_ADDSTRING:
+        return list->Add(reinterpret_cast<const WCHAR*>(lParam), window->style & CBS_SORT);
+    case CB_GETCOUNT:
+        return list->count();
+    case CB_GETCURSEL:
+        return list->currentIndex() < 0 ? CB_ERR : list->currentIndex();
+    case CB_SETCURSEL:
+        return list->Choose(place);
+    case CB_GETITEMDATA:
+        return exists ? static_cast<LRESULT>(list->itemData(place).toLongLong()) : CB_ERR;
+    case CB_SETITEMDATA:
+        if (exists)
+            list->setItemData(place, static_cast<qlonglong>(lParam));
+        return exists ? 0 : CB_ERR;
+    }
+    return DefaultControlProcedure(window, message, wParam, lParam);
+}
+
+} // namespace
+
+void RegisterComboBoxClass() {
+    RegisterBuiltInClass(u"ComboBox", ComboBoxProcedure, MakeDropList);
+}

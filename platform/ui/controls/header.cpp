@@ -1,0 +1,168 @@
+#include "platform/ui/controls/header.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+#include <algorithm>
+
+#include "platform/ui/controls/listviews.h"
+#include "platform/ui/devicecontext.h"
+
+namespace {
+
+void NotifyColumnClick(HWND list, int column) {
+    NMLISTVIEW notification{};
+    notification.iItem = -1;
+    notification.iSubItem = column;
+    NotifyParent(list, &notification.hdr, LVN_COLUMNCLICK);
+}
+
+} // namespace
+
+HeaderView::HeaderView(WindowObject& window, ListWidget& list)
+    : QHeaderView(Qt::Horizontal, list.details), list(list), handle(&window) {
+    setSectionsMovable(false);
+    setHighlightSections(false);
+    setStretchLastSection(false);
+    setMinimumSectionSize(1);
+    setFocusPolicy(Qt::NoFocus);
+    connect(this, &QHeaderView::sectionPressed, this, [this](int section) {
+        pressed = section;
+        viewport()->update();
+    });
+    connect(this, &QHeaderView::sectionResized, this, [this](int section, int, int width) {
+        if (this->list.model->HasColumn(section))
+            this->list.model->Column(section).width = width;
+    });
+    connect(this, &QHeaderView::sectionClicked, this, [this](int section) {
+        pressed = -1;
+        if (this->list.model->HasColumn(section))
+            NotifyColumnClick(this->list.handle, section);
+    });
+}
+
+QSize HeaderView::sizeHint() const {
+    QSize size = QHeaderView::sizeHint();
+    size.setHeight(std::max(24, QFontMetrics(font()).height() * 8 / 5));
+    return size;
+}
+
+void HeaderView::mouseReleaseEvent(QMouseEvent* event) {
+    pressed = -1;
+    viewport()->update();
+    QHeaderView::mouseReleaseEvent(event);
+}
+
+void HeaderView::paintEvent(QPaintEvent* event) {
+    QHeaderView::paintEvent(event);
+    QPainter painter(viewport());
+    int end = length() - offset();
+    if (end < viewport()->width())
+        painter.fillRect(end, 0, viewport()->width() - end, height(), look::kHeader);
+    painter.setPen(look::kLine);
+    painter.drawLine(0, height() - 1, viewport()->width(), height() - 1);
+}
+
+void HeaderView::paintSection(QPainter* painter, const QRect& rect, int section) const {
+    if (!list.model->HasColumn(section))
+        return;
+    const ListColumn& column = list.model->Columns()[static_cast<std::size_t>(section)];
+    painter->save();
+    painter->setClipRect(rect);
+    painter->fillRect(rect, section == pressed ? look::kHeaderPressed : look::kHeader);
+    painter->setPen(look::kLine);
+    painter->drawLine(rect.right(), rect.top() + 4, rect.right(), rect.bottom() - 5);
+    QRect inside = rect.adjusted(0, 0, -1, -1); // leaves the lines alone
+    if (column.headerFormat & HDF_OWNERDRAW) {
+        painter->setClipRect(inside);
+        DrawByOwner(*painter, inside, section);
+    } else {
+        int alignment = column.headerFormat & HDF_CENTER  ? Qt::AlignHCenter
+                        : column.headerFormat & HDF_RIGHT ? Qt::AlignRight
+                                                          : Qt::AlignLeft;
+        QRect place = inside.adjusted(6, 0, -6, 0);
+        painter->setPen(palette().color(QPalette::WindowText));
+        painter->drawText(place, alignment | Qt::AlignVCenter | Qt::TextSingleLine,
+                          QFontMetrics(font()).elidedText(column.title, Qt::ElideRight, place.width()));
+    }
+    painter->restore();
+}
+
+// The header's parent draws it, so that a procedure put before the list view's sees the message.
+void HeaderView::DrawByOwner(QPainter& painter, const QRect& rect, int section) const {
+    WindowObject* window = LiveWindow(handle);
+    WindowObject* parent = LiveWindow(list.handle);
+    if (!window || !parent)
+        return;
+    bool down = section == pressed;
+    const QColor& back = down ? look::kHeaderPressed : look::kHeader;
+    PainterContext context(
+        painter, parent->font,
+        RGB(static_cast<BYTE>(back.red()), static_cast<BYTE>(back.green()), static_cast<BYTE>(back.blue())));
+    DRAWITEMSTRUCT item{};
+    item.CtlType = ODT_HEADER;
+    item.CtlID = window->id;
+    item.itemID = static_cast<UINT>(section);
+    item.itemState = down ? ODS_SELECTED : 0;
+    item.hwndItem = handle;
+    item.hDC = context.Handle();
+    item.rcItem = {rect.left(), rect.top(), rect.right() + 1, rect.bottom() + 1};
+    SendMessageW(list.handle, WM_DRAWITEM, window->id, reinterpret_cast<LPARAM>(&item));
+}
+
+namespace {
+
+QWidget* MakeHeader(WindowObject& window, QWidget*) {
+    ListWidget* list = WidgetOf<ListWidget>(window.parent);
+    if (!list)
+        return nullptr;
+    HeaderView* header = new HeaderView(window, *list);
+    list->details->setHeader(header);
+    header->setSectionsClickable(true); // the view has switched it off, as it does no sorting
+    return header;
+}
+
+BOOL GetItem(const ListWidget& list, int item, HDITEMW& out) {
+    if (!list.model->HasColumn(item))
+        return FALSE;
+    const ListColumn& column = list.model->Columns()[static_cast<std::size_t>(item)];
+    if (out.mask & HDI_TEXT)
+        CopyText(column.title, out.pszText, out.cchTextMax);
+    if (out.mask & HDI_FORMAT)
+        out.fmt = column.headerFormat;
+    return TRUE;
+}
+
+BOOL SetItem(ListWidget& list, int item, const HDITEMW& in) {
+    if (!list.model->HasColumn(item))
+        return FALSE;
+    ListColumn& column = list.model->Column(item);
+    if (in.mask & HDI_TEXT)
+        column.title = TextOf(in.pszText);
+    if (in.mask & HDI_FORMAT)
+        column.headerFormat = in.fmt;
+    list.model->ColumnChanged(item);
+    return TRUE;
+}
+
+LRESULT HeaderProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    HeaderView* header = WidgetOf<HeaderView>(window);
+    if (!header)
+        return DefaultControlProcedure(window, message, wParam, lParam);
+    switch (message) {
+    case HDM_GETITEMCOUNT:
+        return static_cast<LRESULT>(header->list.model->Columns().size());
+    case HDM_SETIMAGELIST:
+        return reinterpret_cast<LRESULT>(std::exchange(header->images, reinterpret_cast<HIMAGELIST>(lParam)));
+    case HDM_GETITEMW:
+        return lParam && GetItem(header->list, static_cast<int>(wParam), *reinterpret_cast<HDITEMW*>(lParam));
+    case HDM_SETITEMW:
+        return lParam && SetItem(header->list, static_cast<int>(wParam), *reinterpret_cast<HDITEMW*>(lParam));
+    }
+    return DefaultControlProcedure(window, message, wParam, lParam);
+}
+
+} // namespace
+
+void RegisterHeaderClass() {
+    RegisterBuiltInClass(u"SysHeader32", HeaderProcedure, MakeHeader);
+}

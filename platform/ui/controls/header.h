@@ -1,0 +1,28 @@
+// The header of a list view's columns: a window of its own, child of the list.
+#pragma once
+
+#include <QHeaderView>
+
+#include "platform/ui/controls/listwidget.h"
+
+class HeaderView : public QHeaderView {
+public:
+    HeaderView(WindowObject& window, ListWidget& list);
+    QSize sizeHint() const override;
+
+    HIMAGELIST images = nullptr;
+    ListWidget& list;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void paintSection(QPainter* painter, const QRect& rect, int section) const override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+
+private:
+    void DrawByOwner(QPainter& painter, const QRect& rect, int section) const;
+
+    HWND handle;
+    int pressed = -1;
+};
+
+void RegisterHeaderClass();

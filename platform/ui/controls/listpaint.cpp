@@ -1,0 +1,158 @@
+// How a cell of the list view looks, and where its parts are.
+#include <QAbstractItemView>
+#include <QPainter>
+#include <QStyleOption>
+#include <QTextLayout>
+#include <algorithm>
+
+#include "platform/ui/controls/listwidget.h"
+#include "platform/ui/gdiobjects.h"
+
+namespace {
+
+constexpr int kMargin = 4;
+constexpr int kCheckSize = 16;
+
+CellLayout LayOutLargeIcon(const ListWidget& list, const QRect& cell, const QString& text) {
+    CellLayout layout;
+    QFontMetrics metrics(list.CurrentView()->font());
+    QSize image = ImageListSize(list.Images());
+    layout.image = QRect(QPoint(cell.center().x() - image.width() / 2, cell.y() + kMargin), image);
+    if (list.CheckBoxes())
+        layout.check = QRect(cell.x() + 2, layout.image.bottom() - kCheckSize, kCheckSize, kCheckSize);
+    int room = cell.width() - 2 * kMargin;
+    int wanted = metrics.horizontalAdvance(text);
+    int width = std::min(wanted, room) + 2 * kMargin;
+    int lines = wanted > room ? 2 : 1;
+    layout.label = QRect(cell.x() + (cell.width() - width) / 2, layout.image.bottom() + kMargin, width,
+                         lines * metrics.lineSpacing() + 2);
+    return layout;
+}
+
+void PaintCheck(QPainter& painter, const ListWidget& list, const QRect& place, bool checked) {
+    QStyleOptionViewItem option;
+    option.rect = place;
+    option.palette = list.palette();
+    option.state = (list.isEnabled() ? QStyle::State_Enabled : QStyle::State_None) |
+                   (checked ? QStyle::State_On : QStyle::State_Off);
+    list.style()->drawPrimitive(QStyle::PE_IndicatorItemViewItemCheck, &option, &painter, &list);
+}
+
+QString Shortened(const QFontMetrics& metrics, const QString& text, int room) {
+    return metrics.horizontalAdvance(text) <= room ? text : metrics.elidedText(text, Qt::ElideRight, room);
+}
+
+// Two lines at the most, broken between words where that is possible.
+void PaintIconLabel(QPainter& painter, const QFont& font, const QRect& place, const QString& text) {
+    QFontMetrics metrics(font);
+    QRect line(place.x(), place.y(), place.width(), metrics.lineSpacing());
+    int broken = static_cast<int>(text.size());
+    if (metrics.horizontalAdvance(text) > place.width()) {
+        QTextLayout layout(text, font);
+        QTextOption option;
+        option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+        layout.setTextOption(option);
+        layout.beginLayout();
+        QTextLine first = layout.createLine();
+        first.setLineWidth(place.width());
+        layout.endLayout();
+        broken = first.textLength();
+    }
+    int flags = Qt::AlignHCenter | Qt::AlignTop | Qt::TextSingleLine;
+    painter.drawText(line, flags, text.left(broken).trimmed());
+    line.translate(0, line.height());
+    painter.drawText(line, flags, Shortened(metrics, text.mid(broken), place.width()));
+}
+
+void PaintLabel(QPainter& painter, const ListWidget& list, const QRect& place, const QString& text,
+                int alignment) {
+    QFont font = list.CurrentView()->font();
+    if (list.View() == LVS_ICON)
+        PaintIconLabel(painter, font, place, text);
+    else
+        painter.drawText(place, alignment | Qt::AlignVCenter | Qt::TextSingleLine,
+                         Shortened(QFontMetrics(font), text, place.width()));
+}
+
+// A text in the last column may run on into the empty space behind it, since nothing stands there.
+int RoomBehind(const ListWidget& list, int column) {
+    const std::vector<ListColumn>& columns = list.model->Columns();
+    const bool runsOn = list.View() == LVS_REPORT && column > 0 &&
+                        column + 1 == static_cast<int>(columns.size()) &&
+                        columns.back().alignment == LVCFMT_LEFT;
+    return runsOn ? list.CurrentView()->viewport()->width() : 0;
+}
+
+} // namespace
+
+CellLayout LayOutCell(const ListWidget& list, const QRect& cell, int row, int column) {
+    QString text = list.model->Text(row, column);
+    if (list.View() == LVS_ICON)
+        return LayOutLargeIcon(list, cell, text);
+    CellLayout layout;
+    int x = cell.x() + kMargin;
+    if (column == 0 && list.CheckBoxes()) {
+        layout.check = QRect(x, cell.center().y() - kCheckSize / 2 + 1, kCheckSize, kCheckSize);
+        x += kCheckSize + kMargin;
+    }
+    if (column == 0 && list.Images()) {
+        QSize image = ImageListSize(list.Images());
+        layout.image = QRect(QPoint(x, cell.y() + (cell.height() - image.height()) / 2), image);
+        x += image.width() + kMargin / 2;
+    }
+    int wanted = QFontMetrics(list.CurrentView()->font()).horizontalAdvance(text) + 2 * kMargin;
+    int room = std::max({0, cell.right() - x - kMargin / 2, RoomBehind(list, column) - x - kMargin / 2});
+    layout.label = QRect(x, cell.y(), std::min(wanted, room), cell.height());
+    if (column > 0) // free to be aligned
+        layout.label.setWidth(room);
+    return layout;
+}
+
+namespace {
+
+bool ShownSelected(const ListWidget& list, int row) {
+    return (list.model->Row(row).state & LVIS_SELECTED) &&
+           (list.HasKeyboard() || (list.Style() & LVS_SHOWSELALWAYS));
+}
+
+const QColor& SelectionColour(const ListWidget& list) {
+    return list.HasKeyboard() ? look::kSelection : look::kIdleSelection;
+}
+
+bool WholeRows(const ListWidget& list) {
+    return list.View() == LVS_REPORT && list.FullRow();
+}
+
+} // namespace
+
+void PaintRowBackground(const ListWidget& list, QPainter& painter, const QRect& rect, int row) {
+    if (list.model->HasRow(row) && WholeRows(list) && ShownSelected(list, row))
+        painter.fillRect(rect, SelectionColour(list));
+    else if (row % 2)
+        painter.fillRect(rect, look::kAlternateRow);
+}
+
+void PaintCell(const ListWidget& list, QPainter& painter, const QRect& cell, int row, int column) {
+    if (!list.model->HasRow(row))
+        return;
+    UINT state = list.model->Row(row).state;
+    CellLayout layout = LayOutCell(list, cell, row, column);
+    bool highlighted = ShownSelected(list, row) && (WholeRows(list) || column == 0);
+    if (highlighted && !WholeRows(list))
+        painter.fillRect(layout.label, SelectionColour(list));
+    if ((state & LVIS_FOCUSED) && list.HasKeyboard() && !highlighted && column == 0) {
+        painter.setPen(look::kSelection);
+        painter.drawRect(layout.label.adjusted(0, 0, -1, -1));
+    }
+    if (!layout.check.isEmpty())
+        PaintCheck(painter, list, layout.check, (state & LVIS_STATEIMAGEMASK) == 2u << 12);
+    if (!layout.image.isEmpty())
+        painter.drawImage(layout.image, ImageListImage(list.Images(), list.model->Row(row).image));
+    QPalette::ColorGroup group = list.isEnabled() ? QPalette::Active : QPalette::Disabled;
+    painter.setPen(highlighted && list.HasKeyboard() ? look::kSelectionText
+                                                     : list.palette().color(group, QPalette::Text));
+    bool right = column > 0 && list.model->HasColumn(column) &&
+                 list.model->Columns()[static_cast<std::size_t>(column)].alignment == LVCFMT_RIGHT;
+    PaintLabel(painter, list, layout.label.adjusted(kMargin, 0, -kMargin, 0), list.model->Text(row, column),
+               right ? Qt::AlignRight : Qt::AlignLeft);
+}

@@ -1,0 +1,115 @@
+#include "platform/ui/controls/listviews.h"
+
+#include <QEvent>
+#include <QHeaderView>
+#include <QPainter>
+#include <QScrollBar>
+#include <QStyledItemDelegate>
+#include <algorithm>
+
+#include "platform/ui/gdiobjects.h"
+
+namespace {
+
+class CellDelegate : public QStyledItemDelegate {
+public:
+    CellDelegate(ListWidget& list, QObject* parent) : QStyledItemDelegate(parent), list(list) {}
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        PaintCell(list, *painter, option.rect, index.row(), index.column());
+    }
+    QSize sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const override {
+        return list.View() == LVS_REPORT ? QSize(1, list.RowHeight()) : list.icons->gridSize();
+    }
+
+private:
+    ListWidget& list;
+};
+
+void Prepare(QAbstractItemView& view, ListWidget& list) {
+    view.setItemDelegate(new CellDelegate(list, &view));
+    view.setModel(list.model);
+    view.setSelectionBehavior(QAbstractItemView::SelectRows);
+    view.setEditTriggers(QAbstractItemView::NoEditTriggers);
+    view.setDragDropMode(QAbstractItemView::NoDragDrop);
+    view.setFrameShape(QFrame::NoFrame);
+    TakeOwnInput(view.verticalScrollBar());
+    TakeOwnInput(view.horizontalScrollBar());
+}
+
+} // namespace
+
+DetailsView::DetailsView(ListWidget& list) : QTreeView(&list), list(list) {
+    Prepare(*this, list);
+    setRootIsDecorated(false);
+    setItemsExpandable(false);
+    setExpandsOnDoubleClick(false);
+    setIndentation(0);
+    setUniformRowHeights(true);
+    setVerticalScrollMode(ScrollPerItem);
+    setHorizontalScrollMode(ScrollPerPixel);
+}
+
+// Without full-row selection a row is hit by its first column only.
+QModelIndex DetailsView::indexAt(const QPoint& point) const {
+    QModelIndex index = QTreeView::indexAt(point);
+    return list.FullRow() || index.column() == 0 ? index : QModelIndex();
+}
+
+void DetailsView::drawRow(QPainter* painter, const QStyleOptionViewItem& option,
+                          const QModelIndex& index) const {
+    QRect row(0, option.rect.y(), viewport()->width(), option.rect.height());
+    PaintRowBackground(list, *painter, row, index.row());
+    for (int column = 0; column < header()->count(); ++column) {
+        QRect cell(columnViewportPosition(column), option.rect.y(), columnWidth(column),
+                   option.rect.height());
+        PaintCell(list, *painter, cell, index.row(), column);
+    }
+}
+
+void DetailsView::changeEvent(QEvent* event) {
+    QTreeView::changeEvent(event);
+    if (event->type() == QEvent::FontChange)
+        scheduleDelayedItemsLayout(); // the row height is kept until then
+}
+
+IconsView::IconsView(ListWidget& list) : QListView(&list), list(list) {
+    Prepare(*this, list);
+    setSelectionRectVisible(true);
+    setUniformItemSizes(true);
+    setResizeMode(Adjust);
+}
+
+void IconsView::Arrange(DWORD view) {
+    setViewMode(view == LVS_ICON ? IconMode : ListMode); // sets the others to what is usual in that mode
+    setFlow(view == LVS_LIST ? TopToBottom : LeftToRight);
+    setWrapping(true);
+    setMovement(Static);
+    setDragEnabled(false);
+    setAcceptDrops(false);
+    scheduleDelayedItemsLayout();
+}
+
+QSize IconsView::ItemSize() const {
+    QFontMetrics metrics(font());
+    QSize image = ImageListSize(list.Images());
+    if (list.View() == LVS_ICON)
+        return QSize(std::max(image.width() + 24, metrics.averageCharWidth() * 17),
+                     image.height() + 2 * metrics.lineSpacing() + 14);
+    int width = metrics.averageCharWidth() * 8;
+    for (int row = 0; row < list.model->RowCount(); ++row)
+        width = std::max(width, metrics.horizontalAdvance(list.model->Text(row, 0)));
+    width += image.width() + 24 + (list.CheckBoxes() ? 20 : 0);
+    return QSize(std::min(width, std::max(viewport()->width(), 80)), list.RowHeight());
+}
+
+// The grid follows the longest name.
+void IconsView::doItemsLayout() {
+    if (list.View() != LVS_REPORT) {
+        QSize grid = ItemSize();
+        if (grid != gridSize())
+            setGridSize(grid);
+    }
+    QListView::doItemsLayout();
+}

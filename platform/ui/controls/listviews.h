@@ -1,0 +1,32 @@
+// The host's views of a list: details (a table) and icons (large, small, or in columns).
+#pragma once
+
+#include <QListView>
+#include <QTreeView>
+
+#include "platform/ui/controls/listwidget.h"
+
+class DetailsView : public QTreeView {
+public:
+    explicit DetailsView(ListWidget& list);
+    QModelIndex indexAt(const QPoint& point) const override;
+
+protected:
+    void drawRow(QPainter* painter, const QStyleOptionViewItem& option,
+                 const QModelIndex& index) const override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    ListWidget& list;
+};
+
+class IconsView : public QListView {
+public:
+    explicit IconsView(ListWidget& list);
+    void Arrange(DWORD view);
+    QSize ItemSize() const;
+    void doItemsLayout() override;
+
+private:
+    ListWidget& list;
+};

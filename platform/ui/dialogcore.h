@@ -1,0 +1,14 @@
+// What the dialog manager's files and the message box share.
+#pragma once
+
+#include "platform/ui/windowcore.h"
+
+// Shows a finished dialog and runs it until EndDialog, with the owner's top-level window disabled; destroys
+// it and returns EndDialog's result, IDCANCEL when the program quits meanwhile.
+LONG_PTR RunDialog(HWND dialog, HWND owner);
+// The child that Tab goes to from `from` (null: before the first one); null when there is none.
+HWND NextTabStop(HWND dialog, HWND from, bool backwards);
+// Focus as Tab gives it: an edit box's text is selected.
+void FocusByKey(HWND control);
+// The push button that Enter would press looks like it.
+void ShowDefaultButton(HWND dialog);

@@ -1,0 +1,58 @@
+// The host's keys and the handheld's.
+#include <Qt>
+#include <array>
+
+#include "platform/ui/inputtranslation.h"
+
+namespace {
+
+struct KeyPair {
+    int host;
+    UINT virtualKey;
+};
+
+// A virtual key's first entry is the one that stands for it on the way back.
+constexpr std::array kKeys = {
+    KeyPair{Qt::Key_Backspace, VK_BACK},  KeyPair{Qt::Key_Tab, VK_TAB},
+    KeyPair{Qt::Key_Backtab, VK_TAB},     KeyPair{Qt::Key_Return, VK_RETURN},
+    KeyPair{Qt::Key_Enter, VK_RETURN},    KeyPair{Qt::Key_Shift, VK_SHIFT},
+    KeyPair{Qt::Key_Control, VK_CONTROL}, KeyPair{Qt::Key_Alt, VK_MENU},
+    KeyPair{Qt::Key_Escape, VK_ESCAPE},   KeyPair{Qt::Key_Space, VK_SPACE},
+    KeyPair{Qt::Key_PageUp, VK_PRIOR},    KeyPair{Qt::Key_PageDown, VK_NEXT},
+    KeyPair{Qt::Key_End, VK_END},         KeyPair{Qt::Key_Home, VK_HOME},
+    KeyPair{Qt::Key_Left, VK_LEFT},       KeyPair{Qt::Key_Up, VK_UP},
+    KeyPair{Qt::Key_Right, VK_RIGHT},     KeyPair{Qt::Key_Down, VK_DOWN},
+    KeyPair{Qt::Key_Delete, VK_DELETE},
+};
+
+constexpr int kFunctionKeys = 12;
+
+bool IsLetterOrDigit(int code) {
+    return (code >= '0' && code <= '9') || (code >= 'A' && code <= 'Z');
+}
+
+} // namespace
+
+UINT VirtualKeyOf(int hostKey) {
+    if (IsLetterOrDigit(hostKey))
+        return static_cast<UINT>(hostKey);
+    if (hostKey >= Qt::Key_F1 && hostKey < Qt::Key_F1 + kFunctionKeys)
+        return VK_F1 + static_cast<UINT>(hostKey - Qt::Key_F1);
+    for (const KeyPair& pair : kKeys) {
+        if (pair.host == hostKey)
+            return pair.virtualKey;
+    }
+    return 0;
+}
+
+int HostKeyOf(UINT virtualKey) {
+    if (IsLetterOrDigit(static_cast<int>(virtualKey)))
+        return static_cast<int>(virtualKey);
+    if (virtualKey >= VK_F1 && virtualKey < VK_F1 + kFunctionKeys)
+        return Qt::Key_F1 + static_cast<int>(virtualKey - VK_F1);
+    for (const KeyPair& pair : kKeys) {
+        if (pair.virtualKey == virtualKey)
+            return pair.host;
+    }
+    return 0;
+}

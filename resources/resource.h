@@ -1,0 +1,363 @@
+// The numbers of all resources: plain defines, for this file is read by the
+// C++ code and by the resource compiler. The numbers are part of the program's
+// face (saved layouts, translated resource files), so they never change.
+#pragma once
+
+// Icon, menus, accelerators
+#define IDI_MAIN 101
+#define IDR_MAIN_MENU 101   // also the main window's menu bar definition
+#define IDR_LIST_MENU 129   // tap and hold on the database list
+#define IDR_VIEWER_MENU 133 // also the viewer's menu bar definition
+#define IDR_MAIN_ACCELERATORS 101
+#define IDR_VIEWER_ACCELERATORS 102
+
+// Bitmaps. Those with a second density have a _HIGH twin.
+#define IDB_VIEWER_BUTTONS 125 // 16 px images, in the order of the viewer's menu bar
+#define IDB_VIEWER_BUTTONS_HIGH 148
+#define IDB_MAIN_BUTTONS 126 // 16 px images: delete, properties
+#define IDB_MAIN_BUTTONS_HIGH 147
+#define IDB_HEADER_IMAGES 174 // 10 px images: none, descending, ascending
+#define IDB_HEADER_IMAGES_HIGH 143
+#define IDB_LIST_ICONS_16 144
+#define IDB_LIST_ICONS_32 145
+#define IDB_LIST_ICONS_64 149
+#define IDB_FRAME_HELP 158
+#define IDB_FRAME_HELP_HIGH 159
+
+// Dialog templates; _LANDSCAPE is for screens that are wider than tall.
+#define IDD_ABOUT 101
+#define IDD_TRANSFER 107
+#define IDD_NEW_NAME 108
+#define IDD_DATABASE_PROPERTIES 109
+#define IDD_OPTIONS 111
+#define IDD_SELECTION_LIST 112 // restore of databases
+#define IDD_SELECTION_LIST_LANDSCAPE 193
+#define IDD_DATABASE_EXISTS 113
+#define IDD_BACKUP_OPTIONS 118
+#define IDD_BACKUP_OPTIONS_LANDSCAPE 190
+#define IDD_EXPORT 119
+#define IDD_PROTECT_BACKUP 125
+#define IDD_ENTER_PASSWORD 126
+#define IDD_PROGRESS 127
+#define IDD_MAIN_KEYS 128 // backup and restore of the registry
+#define IDD_MAIN_KEYS_LANDSCAPE 191
+#define IDD_VIEWER 129
+#define IDD_VIEWER_LANDSCAPE 192
+#define IDD_WIZARD_DATE 184
+#define IDD_WIZARD_NUMBER 185
+#define IDD_WIZARD_TEXT 186
+#define IDD_WIZARD_BOOLEAN 187
+#define IDD_WIZARD_TYPE 188
+#define IDD_FIND 189
+
+// Commands of the main window: 40001 to 40084
+#define IDM_DELETE 40001
+#define IDM_RENAME 40002
+#define IDM_PROPERTIES 40003
+#define IDM_ABOUT 40004
+#define IDM_QUIT 40005
+#define IDM_VIEW_SMALL_ICONS 40007
+#define IDM_VIEW_LIST 40008
+#define IDM_VIEW_DETAILS 40009
+#define IDM_VIEW_LARGE_ICONS 40011
+#define IDM_SEND 40012
+#define IDM_RECEIVE 40013
+#define IDM_COPY 40014
+#define IDM_REFRESH 40015
+#define IDM_HELP 40016
+#define IDM_ARRANGE_BY_NAME 40017
+#define IDM_ARRANGE_BY_SIZE 40018
+#define IDM_ARRANGE_BY_DATE 40019
+#define IDM_OPTIONS 40021
+#define IDM_BACKUP 40022
+#define IDM_RESTORE 40023
+#define IDM_EMPTY 40024
+#define IDM_EXPORT 40025
+#define IDM_AUTOBACKUP 40027
+#define IDM_BACKUP_REGISTRY 40035
+#define IDM_RESTORE_REGISTRY 40036
+#define IDM_VIEW_MODIFY 40084
+#define IDM_FIRST_COMMAND 40001
+#define IDM_LAST_COMMAND 40084
+
+// Commands of the record viewer
+#define IDM_RECORD_FIRST 40079
+#define IDM_RECORD_PREVIOUS 40080
+#define IDM_RECORD_NEXT 40081
+#define IDM_RECORD_LAST 40082
+#define IDM_VIEWER_NOTHING 40103 // the popups of the menu bars: opens a menu, runs nothing
+#define IDM_EDIT_UNDO 40108
+#define IDM_EDIT_COPY 40109
+#define IDM_EDIT_PASTE 40110
+#define IDM_EDIT_CUT 40111
+#define IDM_RECORD_DELETE 40112
+#define IDM_EDIT_FIND 40113
+#define IDM_EDIT_FIND_NEXT 40114
+#define IDM_SORT_FIRST 40116 // four places, one for each sort order
+#define IDM_SORT_SECOND 40117
+#define IDM_SORT_THIRD 40118
+#define IDM_SORT_FOURTH 40119
+#define IDM_SORT_UNSORTED 40131
+#define IDM_EDIT_SELECT_ALL 40132
+#define IDM_RECORD_RELOAD 40133
+
+// Controls of windows and of every dialog
+#define IDC_LIST 10001
+#define IDC_MENU_BAR 10005
+#define IDC_FRAME_TITLE 1032  // hidden; its text is the header
+#define IDC_FRAME_HELP 40134  // the bitmap button in the header, and its command
+#define IDC_BOLD_LABEL 65534  // -2 as 16 bits: labels that are drawn bold
+#define IDC_PLAIN_LABEL 65535 // -1 as 16 bits: labels nobody asks for
+
+// About
+#define IDC_ABOUT_AVAILABLE 1001
+#define IDC_ABOUT_FREE 1002
+
+// Infrared transfer
+#define IDC_TRANSFER_STATUS 1000
+#define IDC_TRANSFER_BAR 1008
+#define IDC_TRANSFER_HINT 1035
+
+// New database name
+#define IDC_NEW_NAME_TO 1001
+#define IDC_NEW_NAME_FROM 1002
+
+// Database properties
+#define IDC_PROPERTIES_NAME 1001
+#define IDC_PROPERTIES_SIZE 1004
+#define IDC_PROPERTIES_MODIFIED 1005
+#define IDC_PROPERTIES_TYPE 1006
+#define IDC_PROPERTIES_RECORDS 1007
+
+// Options
+#define IDC_OPTIONS_SHOW_SYSTEM 1009
+#define IDC_OPTIONS_BOLD 1024
+#define IDC_OPTIONS_FULL_ROW 1025
+#define IDC_OPTIONS_PROMPT_SCRIPT 1031
+#define IDC_OPTIONS_SHOW_WARNING 1044
+#define IDC_OPTIONS_DOUBLE_TAP 1077
+
+// Selection list of a restore
+#define IDC_SELECTION_LIST 1010
+#define IDC_SELECTION_SUMMARY 1016
+
+// Database exists; Rename is IDOK, Cancel is IDCANCEL
+#define IDC_EXISTS_OVERWRITE 1011
+#define IDC_EXISTS_TEXT 1012
+
+// Backup options
+#define IDC_BACKUP_SELECTED 1013
+#define IDC_BACKUP_ALL 1014
+#define IDC_BACKUP_COMPRESS 1015
+#define IDC_BACKUP_SCRIPT 1017
+#define IDC_BACKUP_SCRIPT_PATH 1028
+#define IDC_BACKUP_PASSWORD 1029
+#define IDC_BACKUP_SCRIPT_BROWSE 1030
+
+// Export
+#define IDC_EXPORT_FORMAT 1017
+#define IDC_EXPORT_UNICODE 1019
+
+// Protect backup, enter password
+#define IDC_PROTECT_PASSWORD 1025
+#define IDC_PROTECT_CONFIRMATION 1026
+#define IDC_ENTER_PASSWORD 1027
+
+// Progress
+#define IDC_PROGRESS_BAR 1008
+#define IDC_PROGRESS_TEXT 1016
+
+// Main keys of the registry
+#define IDC_MAIN_KEYS_PASSWORD 1027
+#define IDC_MAIN_KEYS_LIST 1030
+
+// Value editors: the same in the viewer and on the wizard's pages
+#define IDC_VALUE_TEXT 1000
+#define IDC_VALUE_INFO 1016
+#define IDC_VALUE_DATE 1029
+#define IDC_VALUE_TIME 1031
+#define IDC_VALUE_TRUE 1049
+#define IDC_VALUE_FALSE 1050
+#define IDC_VALUE_NUMBER 1056
+
+// Record viewer
+#define IDC_VIEWER_DELETE 1042
+#define IDC_VIEWER_LIST 1043
+#define IDC_VIEWER_ADD 1061
+#define IDC_VIEWER_POSITION 1068
+
+// Add Property Wizard
+#define IDC_WIZARD_NEW_RECORD 1044
+#define IDC_WIZARD_BACK 1069
+#define IDC_WIZARD_FINISH 1070
+#define IDC_WIZARD_NEXT 1071
+#define IDC_WIZARD_TYPE 1073
+#define IDC_WIZARD_ID 1074
+
+// Find
+#define IDC_FIND_MATCH_CASE 1044
+#define IDC_FIND_TEXT 1075
+#define IDC_FIND_NUMERIC 1076
+
+// Strings: the program
+#define IDS_PRODUCT 1
+#define IDS_COULD_NOT_INITIALIZE 12
+#define IDS_AVAILABLE_MEMORY 14
+#define IDS_FREE_MEMORY 15
+#define IDS_COLUMN_NAME 16
+#define IDS_COLUMN_SIZE 17
+#define IDS_COLUMN_MODIFIED 18
+#define IDS_INVALID_COMMAND_LINE 105
+
+// Strings: the last error in words
+#define IDS_ERROR_NOT_ENOUGH_STORAGE 25
+#define IDS_ERROR_FILE_NOT_FOUND 26
+#define IDS_ERROR_DUPLICATE_NAME 27
+#define IDS_ERROR_INVALID_PARAMETER 28
+#define IDS_ERROR_DISK_FULL 29
+#define IDS_ERROR_SHARING 35
+#define IDS_ERROR_PIPE_CLOSED 41
+#define IDS_ERROR_BUFFER_TOO_SMALL 42
+#define IDS_ERROR_KEY_DELETED 43 // begins with a blank
+#define IDS_ERROR_NO_MORE_ITEMS 44
+#define IDS_ERROR_UNKNOWN 45
+
+// Strings: failures of the store, given a database's name and a reason
+#define IDS_COULD_NOT_CREATE 30
+#define IDS_COULD_NOT_OPEN 31
+#define IDS_COULD_NOT_DELETE 33
+#define IDS_DATABASE_NOT_OPEN 34
+#define IDS_COULD_NOT_CLOSE 36
+#define IDS_COULD_NOT_FIND_RECORD 39
+#define IDS_COULD_NOT_READ_RECORD 40
+#define IDS_COULD_NOT_WRITE_RECORD 47
+#define IDS_COULD_NOT_UPDATE 49
+#define IDS_COULD_NOT_DELETE_PROPERTY 140
+#define IDS_COULD_NOT_DELETE_RECORD 142
+
+// Strings: database management
+#define IDS_CONFIRM_EMPTY 38
+#define IDS_CONFIRM_DELETE 46
+#define IDS_NAME_TAKEN 48
+#define IDS_RENAME_DATABASE 50
+#define IDS_DATABASE_EXISTS 81
+
+// Strings: infrared transfer
+#define IDS_LOOKING_FOR_SENDER 24
+#define IDS_CANCELLED_BY_HOST 52
+#define IDS_CONFIRM_CANCEL_TRANSFER 55
+#define IDS_LOOKING_FOR_RECEIVER 56
+#define IDS_DATABASE_EMPTY_TO_SEND 57
+#define IDS_RECORD_INCORRECT 59
+#define IDS_SENDING_HEADER 60
+#define IDS_SENDING_RECORD 61
+#define IDS_RECEIVING_HEADER 62
+#define IDS_RECEIVING_RECORD 63
+#define IDS_TRANSFER_COMPLETE 64
+#define IDS_SENDING_DATABASE 65
+#define IDS_RECEIVING_DATABASE 66
+#define IDS_INFRARED_INITIALIZE 67
+#define IDS_INFRARED_COMMUNICATE 68
+#define IDS_INFRARED_SEND 69
+#define IDS_INFRARED_RECEIVE 70
+#define IDS_INVALID_INFRARED_DATA 100
+
+// Strings: files, backup, restore, Autobackup
+#define IDS_FILTER_BACKUP 74
+#define IDS_UNABLE_TO_WRITE_FILE 75
+#define IDS_COULD_NOT_CREATE_FILE 76
+#define IDS_UNABLE_TO_READ_FILE 77
+#define IDS_RESTORE_COLUMN_NAME 78
+#define IDS_RESTORE_COLUMN_SIZE 79
+#define IDS_RESTORE_COLUMN_DATE 80
+#define IDS_ARCHIVE_CORRUPTED 82
+#define IDS_RESTORE_NO_MEMORY 83
+#define IDS_UNCOMPRESS_NO_MEMORY 85
+#define IDS_SUMMARY_COMPRESSED 93
+#define IDS_SUMMARY_NOT_COMPRESSED 94
+#define IDS_SCRIPT_NOT_CREATED 95
+#define IDS_SCRIPT_MISSING 96
+#define IDS_BACKUP_COMPLETE 97
+#define IDS_CONFIRM_OVERWRITE_FILE 99
+#define IDS_FILTER_SCRIPT 104
+#define IDS_CONFIRM_RESTORE_IN_USE 106
+#define IDS_PASSWORD_NOT_CONFIRMED 107
+#define IDS_PASSWORD_INCORRECT 108
+#define IDS_PASSWORD_TOO_SHORT 115
+#define IDS_RESTORE_DATABASES 250
+#define IDS_STORING_RECORD 255
+#define IDS_BACKUP_DATABASES 259
+#define IDS_CONFIRM_ABORT_BACKUP 260
+#define IDS_CONFIRM_ABORT_RESTORE 261
+#define IDS_RESTORING_RECORD 262
+
+// Strings: export
+#define IDS_FILTER_CSV 87
+#define IDS_FILTER_TEXT 88
+#define IDS_UNABLE_TO_EXPORT 89
+#define IDS_TAB_SEPARATED 90
+#define IDS_COMMA_SEPARATED 91
+#define IDS_SELECT_FILE_TYPE 92
+
+// Strings: backup of the registry
+#define IDS_CONFIRM_CANCEL_REGISTRY 102
+#define IDS_SOFT_RESET 103
+#define IDS_UNABLE_TO_READ_REGISTRY 109
+#define IDS_UNABLE_TO_WRITE_REGISTRY_FILE 110
+#define IDS_REGISTRY_BACKUP 111
+#define IDS_FILTER_REGISTRY 112
+#define IDS_UNABLE_TO_OPEN_REGISTRY_FILE 113
+#define IDS_UNABLE_TO_READ_REGISTRY_FILE 114
+#define IDS_RESTORE_REGISTRY 116
+#define IDS_CONFIRM_RESTORE_REGISTRY 117
+#define IDS_CLEAN_REGISTRY 119
+#define IDS_UNABLE_TO_STORE_KEY 120
+
+// Strings: record viewer
+#define IDS_VIEWER_TITLE 123
+#define IDS_BINARY_DATA 124
+#define IDS_CONFIRM_FIRST_RECORD 125
+#define IDS_RECORD_OF 126
+#define IDS_UNKNOWN_DATA_TYPE 128
+#define IDS_TRUE 129
+#define IDS_FALSE 130
+#define IDS_CONFIRM_CHANGE 131
+#define IDS_INFO_INT 132
+#define IDS_INFO_UINT 133
+#define IDS_INFO_LONG 134
+#define IDS_INFO_ULONG 135
+#define IDS_INFO_FLOAT 136
+#define IDS_UNABLE_TO_SAVE_PROPERTY 137
+#define IDS_INT_OUT_OF_RANGE 138
+#define IDS_UINT_OUT_OF_RANGE 139
+#define IDS_CONFIRM_DELETE_PROPERTY 141
+#define IDS_CONFIRM_DELETE_RECORD 143
+#define IDS_LAST_RECORD_DELETED 145
+#define IDS_PROPERTY_ID_RANGE 146
+#define IDS_PROPERTY_ID_IN_USE 147
+#define IDS_SELECT_PROPERTY_TYPE 148
+#define IDS_TEXT_NOT_FOUND 149
+#define IDS_CONFIRM_PASTE_OVER 150
+#define IDS_CONFIRM_SEARCH_AGAIN 151
+#define IDS_MODIFIED_BY_OTHERS 153
+#define IDS_VIEWER_COLUMN_TYPE 270
+#define IDS_VIEWER_COLUMN_SIZE 271
+#define IDS_VIEWER_COLUMN_ID 272
+
+// Strings: popups and tool tips of the menu bars
+#define IDS_BAR_EDIT 400
+#define IDS_BAR_VIEW 401
+#define IDS_BAR_TOOLS 402
+#define IDS_BAR_RECORD 403
+#define IDS_TIP_DELETE 404
+#define IDS_TIP_PROPERTIES 405
+#define IDS_TIP_FIRST 406
+#define IDS_TIP_PREVIOUS 407
+#define IDS_TIP_NEXT 408
+#define IDS_TIP_LAST 409
+#define IDS_TIP_COPY 410
+#define IDS_TIP_CUT 411
+#define IDS_TIP_PASTE 412
+#define IDS_TIP_FIND 413
+#define IDS_TIP_FIND_NEXT 414
+#define IDS_FRAME_HELP 415 // what the bitmap button in a dialog's header is called

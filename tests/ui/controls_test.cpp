@@ -1,0 +1,190 @@
+#include "controlfixture.h"
+
+#include <QPlainTextEdit>
+#include <QProgressBar>
+
+namespace {
+
+constexpr UINT kFirst = 101;
+constexpr UINT kSecond = 102;
+constexpr UINT kThird = 103;
+
+using ButtonTest = ControlTest;
+using EditTest = ControlTest;
+using ProgressTest = ControlTest;
+
+TEST_F(ButtonTest, CheckBoxesToggleThemselvesOnlyWhenAutomatic) {
+    HWND automatic = Add(u"BUTTON", u"&Auto", BS_AUTOCHECKBOX, kFirst, {10, 10, 210, 40});
+    HWND plain = Add(u"BUTTON", u"Plain", BS_CHECKBOX, kSecond, {10, 50, 210, 80});
+    Tap(automatic, {10, 15});
+    Tap(plain, {10, 15});
+    EXPECT_EQ(Send(automatic, BM_GETCHECK), BST_CHECKED);
+    EXPECT_EQ(Send(plain, BM_GETCHECK), BST_UNCHECKED);
+    EXPECT_EQ(commands, (std::vector<Command>{{kFirst, BN_CLICKED}, {kSecond, BN_CLICKED}}));
+    EXPECT_EQ(GetFocus(), plain);
+    // Keys do the same; checking by message tells nobody.
+    SetFocus(automatic);
+    Settle();
+    Press(Qt::Key_Space);
+    EXPECT_EQ(Send(automatic, BM_GETCHECK), BST_UNCHECKED);
+    Send(plain, BM_SETCHECK, BST_CHECKED);
+    EXPECT_EQ(Send(plain, BM_GETCHECK), BST_CHECKED);
+    EXPECT_EQ(commands.size(), 3u);
+    EXPECT_EQ(TextIn(automatic), u"&Auto");
+}
+
+TEST_F(ButtonTest, RadioButtonsExcludeOthersOfTheirGroupOnly) {
+    HWND first = Add(u"BUTTON", u"1", BS_AUTORADIOBUTTON | WS_GROUP, kFirst, {10, 10, 210, 40});
+    HWND second = Add(u"BUTTON", u"2", BS_AUTORADIOBUTTON, kSecond, {10, 50, 210, 80});
+    HWND other = Add(u"BUTTON", u"3", BS_AUTORADIOBUTTON | WS_GROUP, kThird, {10, 90, 210, 120});
+    Send(other, BM_SETCHECK, BST_CHECKED);
+    Send(first, BM_SETCHECK, BST_CHECKED);
+    Tap(second, {10, 15});
+    EXPECT_EQ(Send(first, BM_GETCHECK), BST_UNCHECKED);
+    EXPECT_EQ(Send(second, BM_GETCHECK), BST_CHECKED);
+    EXPECT_EQ(Send(other, BM_GETCHECK), BST_CHECKED);
+}
+
+TEST_F(ButtonTest, GroupBoxesAndStaticsLetTapsThrough) {
+    HWND check = Add(u"BUTTON", u"Inside", BS_AUTOCHECKBOX, kFirst, {20, 30, 180, 60});
+    Add(u"BUTTON", u"Box", BS_GROUPBOX, kSecond, {10, 10, 210, 100});
+    Add(u"STATIC", u"over it", SS_CENTER, kThird, {10, 10, 210, 100});
+    QPoint inParent = check->widget->mapTo(parent->widget, QPoint(10, 15));
+    Tap(parent, inParent);
+    EXPECT_EQ(Send(check, BM_GETCHECK), BST_CHECKED);
+}
+
+TEST_F(ButtonTest, TheOwnerDrawsWithThePressedState) {
+    std::vector<UINT> states;
+    onDrawItem = [&states](const DRAWITEMSTRUCT& item) {
+        EXPECT_EQ(item.CtlID, kFirst);
+        EXPECT_EQ(item.CtlType, ODT_BUTTON);
+        EXPECT_EQ(item.rcItem.right, 60);
+        EXPECT_NE(item.hDC, nullptr);
+        states.push_back(item.itemState);
+    };
+    HWND button = Add(u"BUTTON", u"", BS_OWNERDRAW, kFirst, {10, 10, 70, 40});
+    ASSERT_TRUE(WaitFor([&states] { return !states.empty(); }));
+    EXPECT_EQ(states.back(), 0u);
+    QTest::mousePress(button->widget, Qt::LeftButton, {}, {5, 5});
+    ASSERT_TRUE(WaitFor([&states] { return states.back() == ODS_SELECTED; }));
+    QTest::mouseRelease(button->widget, Qt::LeftButton, {}, {5, 5});
+    ASSERT_TRUE(WaitFor([&states] { return states.back() == 0; }));
+    EXPECT_EQ(commands, (std::vector<Command>{{kFirst, BN_CLICKED}}));
+}
+
+// What is set reads back as it was, whatever it is made of; the boxes differ in what the host would mend.
+TEST_F(EditTest, TextThatIsNotEditedIsKeptExactly) {
+    const std::u16string odd = u"\xFEFF"
+                               u"a\r\nb\nc\rd\u00A0\u2029\t\xD83D\xDE00 \xDC00 end\r\n";
+    const std::u16string lengthy(70000, u'x');
+    for (DWORD style : {DWORD{ES_AUTOHSCROLL}, DWORD{ES_MULTILINE | ES_WANTRETURN}}) {
+        HWND box = Add(u"EDIT", u"", style, kFirst, {10, 10, 300, 90});
+        Send(box, EM_SETLIMITTEXT, 5);
+        for (const std::u16string& text : {odd, lengthy, std::u16string()}) {
+            commands.clear();
+            SetWindowTextW(box, text.c_str());
+            EXPECT_EQ(TextIn(box), text) << style;
+            EXPECT_EQ(commands, (std::vector<Command>{{kFirst, EN_CHANGE}}));
+            EXPECT_FALSE(Send(box, EM_GETMODIFY));
+        }
+        WCHAR cut[3];
+        SetWindowTextW(box, u"abcdef");
+        EXPECT_EQ(GetWindowTextW(box, cut, 3), 2);
+        EXPECT_EQ(std::u16string(cut), u"ab");
+        DestroyWindow(box);
+    }
+}
+
+TEST_F(EditTest, AnEditKeepsTheLineEndsBesideIt) {
+    HWND box = Add(u"EDIT", u"", ES_MULTILINE | ES_WANTRETURN, kFirst, {10, 10, 300, 90});
+    SetWindowTextW(box, u"one\ntwo\r\nthree\u00A0");
+    Send(box, EM_SETSEL, 3, 3);
+    Type(box, "X");
+    EXPECT_EQ(TextIn(box), u"oneX\ntwo\r\nthree\u00A0");
+    // A new line ends like the first one of the text.
+    Press(Qt::Key_Return);
+    EXPECT_EQ(TextIn(box), u"oneX\n\ntwo\r\nthree\u00A0");
+    SetWindowTextW(box, u"single");
+    Send(box, EM_SETSEL, 6, 6);
+    Press(Qt::Key_Return);
+    EXPECT_EQ(TextIn(box), u"single\r\n");
+}
+
+TEST_F(EditTest, TypingSetsModifyAndUndoTakesItBack) {
+    for (DWORD style : {DWORD{ES_AUTOHSCROLL}, DWORD{ES_MULTILINE}}) {
+        HWND box = Add(u"EDIT", u"old", style, kFirst, {10, 10, 300, 90});
+        commands.clear();
+        Send(box, EM_SETSEL, 0, -1);
+        Type(box, "n");
+        EXPECT_EQ(TextIn(box), u"n");
+        EXPECT_TRUE(Send(box, EM_GETMODIFY));
+        EXPECT_TRUE(Send(box, EM_CANUNDO));
+        EXPECT_FALSE(commands.empty());
+        Send(box, WM_UNDO);
+        EXPECT_EQ(TextIn(box), u"old");
+        Type(box, "m");
+        Send(box, EM_EMPTYUNDOBUFFER);
+        EXPECT_FALSE(Send(box, EM_CANUNDO));
+        EXPECT_TRUE(Send(box, EM_GETMODIFY));
+        Send(box, EM_SETMODIFY, FALSE);
+        EXPECT_FALSE(Send(box, EM_GETMODIFY));
+        DestroyWindow(box);
+    }
+}
+
+TEST_F(EditTest, SelectionCountsAsTheTextDoes) {
+    HWND box = Add(u"EDIT", u"", ES_MULTILINE, kFirst, {10, 10, 300, 90});
+    SetWindowTextW(box, u"ab\r\ncd\nef");
+    for (auto [start, end] : {std::pair<int, int>{0, 9}, {4, 5}, {7, 9}, {2, 4}}) {
+        Send(box, EM_SETSEL, static_cast<WPARAM>(start), end);
+        DWORD first = 99, last = 99;
+        LRESULT packed =
+            Send(box, EM_GETSEL, reinterpret_cast<WPARAM>(&first), reinterpret_cast<LPARAM>(&last));
+        EXPECT_EQ(first, static_cast<DWORD>(start));
+        EXPECT_EQ(last, static_cast<DWORD>(end));
+        EXPECT_EQ(packed, start | end << 16);
+    }
+    Send(box, EM_SETSEL, 0, -1);
+    EXPECT_EQ(HIWORD(static_cast<std::uintptr_t>(Send(box, EM_GETSEL))), 9);
+    Send(box, EM_SETSEL, static_cast<WPARAM>(-1), 0);
+    LRESULT none = Send(box, EM_GETSEL);
+    EXPECT_EQ(LOWORD(static_cast<std::uintptr_t>(none)), HIWORD(static_cast<std::uintptr_t>(none)));
+}
+
+TEST_F(EditTest, ClipboardKeysAndLimits) {
+    HWND box = Add(u"EDIT", u"text", ES_AUTOHSCROLL, kFirst);
+    Send(box, EM_SETSEL, 0, 2);
+    Send(box, WM_CUT);
+    EXPECT_EQ(TextIn(box), u"xt");
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("te"));
+    HWND fixed = Add(u"EDIT", u"fixed", ES_AUTOHSCROLL | ES_READONLY, kSecond, {10, 50, 210, 80});
+    Send(fixed, EM_SETSEL, 0, -1);
+    Send(fixed, WM_CUT);
+    Send(fixed, WM_PASTE);
+    Type(fixed, "z");
+    EXPECT_EQ(TextIn(fixed), u"fixed");
+    HWND secret = Add(u"EDIT", u"", ES_AUTOHSCROLL | ES_PASSWORD, kThird, {10, 90, 210, 120});
+    Send(secret, EM_SETLIMITTEXT, 4);
+    Type(secret, "secret");
+    EXPECT_EQ(TextIn(secret), u"secr");
+    Send(secret, EM_SETSEL, 0, -1);
+    Send(secret, WM_COPY);
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("te"));
+}
+
+TEST_F(ProgressTest, CountsBeyondSixteenBitsAndStartsAgain) {
+    HWND bar = Add(u"msctls_progress32", u"", 0, kFirst);
+    Send(bar, PBM_SETRANGE32, 0, 65536);
+    Send(bar, PBM_SETPOS, 65535);
+    Send(bar, PBM_SETSTEP, 1);
+    Send(bar, PBM_STEPIT);
+    EXPECT_EQ(Send(bar, PBM_GETPOS), 65536);
+    Send(bar, PBM_STEPIT);
+    EXPECT_EQ(Send(bar, PBM_GETPOS), 0);
+    Send(bar, PBM_SETPOS, 40);
+    Send(bar, PBM_SETRANGE, 0, static_cast<LPARAM>(MAKELONG(10, 30)));
+    EXPECT_EQ(Send(bar, PBM_GETPOS), 30);
+}
+
+} // namespace

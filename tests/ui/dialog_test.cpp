@@ -1,0 +1,258 @@
+// Dialogs from templates, what runs them, and message boxes.
+#include <QTest>
+#include <gtest/gtest.h>
+
+#include "platform/base/display.h"
+#include "platform/controls.h"
+#include "platform/shell.h"
+#include "platform/ui/windowcore.h"
+#include "tests/support/stylus.h"
+#include "tests/ui/templatebuilder.h"
+
+namespace {
+
+std::vector<UINT> commands;
+LONG_PTR endAtInit = 0;
+bool quitAtCommand = false;
+bool destroyAtCommand = false;
+HWND initFocus = nullptr;
+
+LONG_PTR Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+    case WM_INITDIALOG:
+        initFocus = reinterpret_cast<HWND>(wParam);
+        SetDialogState(dialog, lParam);
+        if (endAtInit)
+            EndDialog(dialog, endAtInit);
+        return TRUE;
+    case WM_COMMAND:
+        commands.push_back(LOWORD(wParam));
+        if (quitAtCommand)
+            PostQuitMessage(3);
+        else if (destroyAtCommand)
+            DestroyWindow(dialog);
+        else
+            EndDialog(dialog, LOWORD(wParam) + 100);
+        return TRUE;
+    }
+    return FALSE;
+}
+
+class Dialogs : public testing::Test {
+protected:
+    void SetUp() override {
+        WNDCLASSW windowClass{};
+        windowClass.lpfnWndProc = DefWindowProcW;
+        windowClass.lpszClassName = u"DialogOwner";
+        RegisterClassW(&windowClass);
+        stylus.Resize(480, 640);
+        owner = CreateWindowExW(0, u"DialogOwner", u"Owner", WS_VISIBLE, 0, 0, 0, 0, nullptr, nullptr,
+                                nullptr, nullptr);
+        edit = CreateWindowExW(0, u"EDIT", u"", WS_CHILD | WS_VISIBLE, 10, 10, 100, 30, owner, ChildId(1),
+                               nullptr, nullptr);
+        SetFocus(edit);
+        stylus.Settle();
+        commands.clear();
+        endAtInit = 0;
+        quitAtCommand = destroyAtCommand = false;
+    }
+    void TearDown() override {
+        DestroyWindow(owner);
+        stylus.Settle();
+    }
+
+    static TemplateBuilder OkCancel(bool extended) {
+        TemplateBuilder builder(extended, u"Question");
+        builder.Add(u"STATIC", u"&Name:", SS_LEFT, 65535)
+            .Add(u"EDIT", u"text", WS_TABSTOP, 20, 40, 25, 100, 12);
+        builder.Add(u"BUTTON", u"OK", BS_DEFPUSHBUTTON | WS_TABSTOP, IDOK, 7, 60);
+        builder.Add(u"BUTTON", u"Cancel", BS_PUSHBUTTON | WS_TABSTOP, IDCANCEL, 80, 60);
+        return builder;
+    }
+    // Runs the dialog with the steps beside it; they get it from its being active.
+    LONG_PTR Run(const TemplateBuilder& builder, std::function<void(HWND)> steps) {
+        ModalHooks& hooks = TestHooks();
+        const auto restored = hooks.dialog;
+        hooks.dialog = nullptr;
+        LONG_PTR result = 0;
+        const auto program = [&] {
+            result = DialogBoxIndirectParamW(nullptr, builder.Get(), owner, Procedure, 42);
+        };
+        stylus.Beside(program, [&steps] { steps(ActiveTopLevel()); });
+        hooks.dialog = restored;
+        return result;
+    }
+
+    Stylus stylus;
+    HWND owner = nullptr;
+    HWND edit = nullptr;
+};
+
+TEST_F(Dialogs, BothFormsOfTemplateMakeTheSameControls) {
+    const LONG units = GetDialogBaseUnits();
+    for (const bool extended : {false, true}) {
+        const TemplateBuilder builder = OkCancel(extended);
+        const LONG_PTR result = Run(builder, [&](HWND dialog) {
+            EXPECT_EQ(DialogState<void>(dialog), reinterpret_cast<void*>(42));
+            EXPECT_EQ(TextOf(dialog), u"Question");
+            EXPECT_EQ(TextOf(dialog, 65535), u"&Name:");
+            const HWND text = GetDlgItem(dialog, 20);
+            EXPECT_EQ(TextOf(text), u"text");
+            EXPECT_EQ(initFocus, text); // the first tab stop
+            EXPECT_EQ(GetFocus(), text);
+            EXPECT_EQ(SendMessageW(text, EM_GETSEL, 0, 0), static_cast<LRESULT>(MAKELONG(0, 4)));
+            const QRect place = text->widget->geometry();
+            EXPECT_NEAR(place.x(), 40 * LOWORD(units) / 4.0, 1);
+            EXPECT_NEAR(place.y(), 25 * HIWORD(units) / 8.0, 1);
+            EXPECT_NEAR(place.width(), 100 * LOWORD(units) / 4.0, 1);
+            stylus.Tap(dialog, IDOK);
+        });
+        EXPECT_EQ(result, IDOK + 100);
+    }
+}
+
+TEST_F(Dialogs, TheOwnerWaitsAndGetsTheFocusBack) {
+    const LONG_PTR result = Run(OkCancel(false), [&](HWND dialog) {
+        EXPECT_FALSE(IsWindowEnabled(owner));
+        EXPECT_EQ(GetParent(dialog), owner);
+        PostMessageW(owner, WM_USER, 0, 0); // goes on being dispatched
+        stylus.Settle();
+        stylus.Key(Qt::Key_Escape);
+    });
+    EXPECT_EQ(result, IDCANCEL + 100);
+    EXPECT_TRUE(IsWindowEnabled(owner));
+    EXPECT_EQ(GetFocus(), edit);
+}
+
+TEST_F(Dialogs, EndInEveryWay) {
+    const TemplateBuilder builder = OkCancel(false);
+    const auto told = std::exchange(TestHooks().dialog, nullptr);
+    endAtInit = 9;
+    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, builder.Get(), owner, Procedure, 0), 9);
+    TestHooks().dialog = told;
+    endAtInit = 0;
+    const auto tapOk = [this](HWND dialog) { stylus.Tap(dialog, IDOK); };
+    destroyAtCommand = true;
+    EXPECT_EQ(Run(builder, tapOk), 0);
+    destroyAtCommand = false;
+    quitAtCommand = true;
+    EXPECT_EQ(Run(builder, tapOk), IDCANCEL);
+    MSG message;
+    EXPECT_FALSE(GetMessageW(&message, nullptr, 0, 0)); // the outer loop ends, too
+    EXPECT_EQ(message.wParam, WPARAM{3});
+    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, nullptr, owner, Procedure, 0), -1);
+    EXPECT_EQ(ActiveTopLevel(), owner);
+    EXPECT_TRUE(IsWindowEnabled(owner));
+}
+
+TEST_F(Dialogs, FullScreenOnesStandBelowTheirBarAndHaveADoneButton) {
+    Run(OkCancel(false), [&](HWND dialog) {
+        RECT client;
+        GetClientRect(dialog, &client);
+        EXPECT_LT(client.right, 480);
+        SHINITDLGINFO info{SHIDIM_FLAGS, dialog, SHIDIF_DONEBUTTON | SHIDIF_SIZEDLGFULLSCREEN};
+        SHInitDialog(&info);
+        SHMENUBARINFO bar{};
+        bar.cbSize = sizeof(bar);
+        bar.hwndParent = dialog;
+        bar.dwFlags = SHCMBF_EMPTYBAR;
+        SHCreateMenuBar(&bar);
+        const auto full = 640 - GetSystemMetrics(SM_CYCAPTION);
+        GetClientRect(dialog, &client);
+        EXPECT_EQ(client.right, 480);
+        EXPECT_EQ(client.bottom, full); // an empty bar takes no room
+        DestroyWindow(bar.hwndMB);
+        bar.dwFlags = 0;
+        bar.nToolBarId = 101;
+        ASSERT_TRUE(SHCreateMenuBar(&bar));
+        GetClientRect(dialog, &client);
+        const auto height = static_cast<LONG>(SendMessageW(bar.hwndMB, SHCMBM_GETHEIGHT, 0, 0));
+        EXPECT_GT(height, 0);
+        EXPECT_EQ(client.bottom, full - height);
+        stylus.TapTitleButton();
+    });
+    EXPECT_EQ(commands, std::vector<UINT>{IDOK});
+}
+
+// ---- message boxes ----
+
+TEST_F(Dialogs, BoxesAnswerByTapKeyAndMnemonic) {
+    struct Case {
+        UINT style;
+        Qt::Key key;
+        int answer;
+    };
+    const Case cases[] = {
+        {MB_OK, Qt::Key_Return, IDOK},
+        {MB_OK, Qt::Key_Escape, IDOK},
+        {MB_OKCANCEL, Qt::Key_Return, IDOK},
+        {MB_OKCANCEL | MB_DEFBUTTON2, Qt::Key_Return, IDCANCEL},
+        {MB_YESNO, Qt::Key_Return, IDYES},
+        {MB_YESNO | MB_DEFBUTTON2, Qt::Key_Return, IDNO},
+        {MB_YESNO, Qt::Key_Escape, IDNO},
+        {MB_YESNO, Qt::Key_N, IDNO},
+        {MB_YESNOCANCEL, Qt::Key_Escape, IDCANCEL},
+        {MB_YESNOCANCEL | MB_DEFBUTTON2, Qt::Key_Right, IDCANCEL},
+        {MB_ABORTRETRYIGNORE, Qt::Key_Escape, IDABORT},
+        {MB_ABORTRETRYIGNORE, Qt::Key_I, IDIGNORE},
+    };
+    for (const Case& one : cases) {
+        SCOPED_TRACE(one.style);
+        const auto seen = TestHooks().messageBox;
+        TestHooks().messageBox = nullptr;
+        int answer = 0;
+        stylus.Beside(
+            [&] { answer = MessageBoxW(owner, u"Shall it?", u"Caption", one.style | MB_ICONQUESTION); },
+            [&] {
+                EXPECT_FALSE(IsWindowEnabled(owner));
+                stylus.Key(one.key);
+                if (one.key == Qt::Key_Right)
+                    stylus.Key(Qt::Key_Return);
+            });
+        TestHooks().messageBox = seen;
+        EXPECT_EQ(answer, one.answer);
+        EXPECT_EQ(GetFocus(), edit);
+        EXPECT_TRUE(IsWindowEnabled(owner));
+    }
+    stylus.ExpectBox(u"Tapped?", IDYES);
+    EXPECT_EQ(MessageBoxW(owner, u"Tapped?", u"Caption", MB_YESNO), IDYES);
+}
+
+TEST_F(Dialogs, BoxesFitTheScreenWhateverTheirText) {
+    std::u16string path(500, u'x');
+    std::u16string words;
+    while (words.size() < 500)
+        words += u"some words to break, and so some more of them\n";
+    for (const QSize& screen : {QSize(480, 640), QSize(640, 480)}) {
+        stylus.Resize(screen.width(), screen.height());
+        for (const std::u16string& text : {path, words}) {
+            const auto seen = TestHooks().messageBox;
+            TestHooks().messageBox = [&](const MessageBoxSeen& box) {
+                const QSize wanted = box.window->topLevel->cardSize;
+                EXPECT_LE(wanted.width(), ScreenArea()->width());
+                EXPECT_LE(wanted.height(), ScreenArea()->height());
+                EXPECT_GT(wanted.height(), 140); // more than a few lines
+                AnswerMessageBox(IDOK);
+            };
+            EXPECT_EQ(MessageBoxW(owner, text.c_str(), u"Caption", MB_ICONEXCLAMATION), IDOK);
+            TestHooks().messageBox = seen;
+        }
+    }
+}
+
+TEST_F(Dialogs, WithoutADisplayNothingWaits) {
+    SetNoDisplay(true);
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(MessageBoxW(nullptr, u"Two\nlines", u"Caption", MB_OK), IDOK);
+    EXPECT_EQ(MessageBoxW(nullptr, u"Sure?", u"Caption", MB_YESNO), IDNO);
+    EXPECT_EQ(MessageBoxW(nullptr, u"Sure?", u"Caption", MB_YESNOCANCEL), IDCANCEL);
+    EXPECT_EQ(MessageBoxW(nullptr, u"Sure?", u"Caption", MB_ABORTRETRYIGNORE), IDABORT);
+    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, OkCancel(true).Get(), owner, Procedure, 0), IDCANCEL);
+    const std::string printed = testing::internal::GetCapturedStderr();
+    SetNoDisplay(false);
+    EXPECT_TRUE(printed.starts_with("Caption: Two lines\nCaption: Sure?\n")) << printed;
+    EXPECT_NE(printed.find("Question: "), std::string::npos) << printed;
+    EXPECT_EQ(std::count(printed.begin(), printed.end(), '\n'), 5);
+}
+
+} // namespace

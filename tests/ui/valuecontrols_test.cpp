@@ -1,0 +1,240 @@
+// Drop-down list, date and time pickers, numbers in dialogs, changing menus.
+#include "controlfixture.h"
+
+#include <QAbstractItemView>
+#include <QCalendarWidget>
+#include <QComboBox>
+#include <QDateTimeEdit>
+#include <QLabel>
+
+#include "platform/menu.h"
+#include "resources/resource.h"
+
+namespace {
+
+constexpr UINT kFirst = 101;
+constexpr UINT kSecond = 102;
+
+class DropListTest : public ControlTest {
+protected:
+    HWND AddList(DWORD style) {
+        return Add(u"ComboBox", u"", CBS_DROPDOWNLIST | WS_VSCROLL | style, kFirst, {10, 10, 210, 240});
+    }
+    static LRESULT AddItem(HWND list, const WCHAR* text, LPARAM data) {
+        const LRESULT place = Send(list, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
+        Send(list, CB_SETITEMDATA, static_cast<WPARAM>(place), data);
+        return place;
+    }
+    static LRESULT ChosenData(HWND list) {
+        return Send(list, CB_GETITEMDATA, static_cast<WPARAM>(Send(list, CB_GETCURSEL)));
+    }
+};
+
+class PickerTest : public ControlTest {
+protected:
+    static LRESULT Set(HWND picker, const SYSTEMTIME& time) {
+        return Send(picker, DTM_SETSYSTEMTIME, GDT_VALID, reinterpret_cast<LPARAM>(&time));
+    }
+    static std::vector<WORD> Get(HWND picker) {
+        SYSTEMTIME time = {};
+        EXPECT_EQ(Send(picker, DTM_GETSYSTEMTIME, 0, reinterpret_cast<LPARAM>(&time)),
+                  static_cast<LRESULT>(GDT_VALID));
+        return {time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond};
+    }
+    static void UseSection(HWND picker, QDateTimeEdit::Section section) {
+        SetFocus(picker);
+        Settle();
+        qobject_cast<QDateTimeEdit*>(picker->widget)->setSelectedSection(section);
+    }
+    static QString Shown(HWND picker) {
+        const QLabel* beyond = picker->widget->findChild<QLabel*>();
+        return beyond->isVisible() ? beyond->text() : qobject_cast<QDateTimeEdit*>(picker->widget)->text();
+    }
+};
+
+using NumberTest = ControlTest;
+
+} // namespace
+
+TEST_F(DropListTest, ItemsAreSortedAndKeepTheirData) {
+    HWND list = AddList(CBS_SORT);
+    EXPECT_EQ(Send(list, CB_GETCURSEL), CB_ERR);
+    EXPECT_EQ(AddItem(list, u"pear", 3), 0);
+    EXPECT_EQ(AddItem(list, u"Apple", 1), 0);
+    EXPECT_EQ(AddItem(list, u"fig", -7), 1);
+    EXPECT_EQ(Send(list, CB_GETCURSEL), CB_ERR);
+    EXPECT_EQ(Send(list, CB_SETCURSEL, 2), 2);
+    EXPECT_EQ(AddItem(list, u"\u00C4pfel", 9), 3); // no locale's alphabet
+    EXPECT_EQ(AddItem(list, u"Banana", 2), 1);
+    EXPECT_EQ(Send(list, CB_GETCOUNT), 5);
+    EXPECT_EQ(ChosenData(list), 3); // the choice has moved along
+    EXPECT_EQ(Send(list, CB_GETITEMDATA, 2), -7);
+    EXPECT_EQ(Send(list, CB_GETITEMDATA, 5), CB_ERR);
+    EXPECT_EQ(Send(list, CB_SETCURSEL, 5), CB_ERR);
+    EXPECT_EQ(Send(list, CB_GETCURSEL), CB_ERR);
+    EXPECT_TRUE(commands.empty()); // only the user's choices are told
+    EXPECT_LT(list->widget->height(), 60);
+    const HWND plain = Add(u"ComboBox", u"", CBS_DROPDOWNLIST, kSecond);
+    AddItem(plain, u"b", 0);
+    EXPECT_EQ(AddItem(plain, u"a", 0), 1);
+}
+
+TEST_F(DropListTest, TheKeyboardAndThePopupChoose) {
+    HWND list = AddList(0);
+    AddItem(list, u"Lake", 10);
+    AddItem(list, u"River", 11);
+    AddItem(list, u"Sea", 12);
+    Send(list, CB_SETCURSEL, 0);
+    SetFocus(list);
+    Settle();
+    Press(Qt::Key_Down);
+    EXPECT_EQ(ChosenData(list), 11);
+    Type(list, "s");
+    EXPECT_EQ(ChosenData(list), 12);
+    EXPECT_EQ(commands, (std::vector<Command>{{kFirst, CBN_SELCHANGE}, {kFirst, CBN_SELCHANGE}}));
+
+    Press(Qt::Key_Down, Qt::AltModifier);
+    QWidget* popup = QApplication::activePopupWidget();
+    ASSERT_NE(popup, nullptr);
+    QTest::keyClick(popup->focusWidget() ? popup->focusWidget() : popup, Qt::Key_Escape);
+    Settle();
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    EXPECT_EQ(commands.size(), 2u);
+
+    Tap(list, {20, 10});
+    popup = QApplication::activePopupWidget();
+    ASSERT_NE(popup, nullptr);
+    auto* rows = qobject_cast<QComboBox*>(list->widget)->view();
+    EXPECT_GE(popup->mapToGlobal(QPoint(0, 0)).y(), list->widget->mapToGlobal(QPoint(0, 0)).y() + 10);
+    const QPoint first = rows->visualRect(rows->model()->index(0, 0)).center();
+    QTest::mouseMove(rows->viewport(), first);
+    QTest::mouseClick(rows->viewport(), Qt::LeftButton, {}, first, QApplication::doubleClickInterval());
+    Settle();
+    EXPECT_EQ(ChosenData(list), 10);
+    EXPECT_EQ(commands.size(), 3u);
+    EXPECT_EQ(GetFocus(), list);
+}
+
+TEST_F(PickerTest, EveryDateOfTheCalendarIsGivenBack) {
+    HWND date = Add(u"SysDateTimePick32", u"", 0, kFirst);
+    HWND time = Add(u"SysDateTimePick32", u"", DTS_TIMEFORMAT, kSecond, {10, 60, 210, 90});
+    const SYSTEMTIME times[] = {{1601, 1, 0, 1, 0, 0, 0, 0},      {2024, 2, 0, 29, 23, 59, 58, 0},
+                                {9999, 12, 0, 31, 1, 2, 3, 0},    {10000, 1, 0, 1, 4, 5, 6, 0},
+                                {12000, 2, 0, 29, 12, 30, 45, 0}, {30827, 12, 0, 31, 23, 59, 59, 0}};
+    for (const SYSTEMTIME& set : times) {
+        EXPECT_EQ(Set(date, set), TRUE);
+        EXPECT_EQ(Set(time, set), TRUE);
+        Settle();
+        const std::vector<WORD> fields = {set.wYear, set.wMonth,  set.wDay,
+                                          set.wHour, set.wMinute, set.wSecond};
+        EXPECT_EQ(Get(date), fields);
+        EXPECT_EQ(Get(time), fields);
+        EXPECT_TRUE(Shown(date).contains(QString::number(set.wYear))) << Shown(date).toStdString();
+        EXPECT_TRUE(Shown(time).contains(QString::number(set.wSecond))) << Shown(time).toStdString();
+    }
+    const SYSTEMTIME none = {2023, 2, 0, 29, 0, 0, 0, 0};
+    EXPECT_EQ(Set(date, none), FALSE);
+    EXPECT_EQ(Get(date)[0], 30827);
+    // Looking at it changes nothing; an edit starts from the editor's last day.
+    UseSection(date, QDateTimeEdit::YearSection);
+    Press(Qt::Key_Left);
+    EXPECT_EQ(Get(date)[0], 30827);
+    UseSection(date, QDateTimeEdit::YearSection);
+    Press(Qt::Key_Down);
+    EXPECT_EQ(Get(date), (std::vector<WORD>{9998, 12, 31, 23, 59, 59}));
+    EXPECT_TRUE(Shown(date).contains(QStringLiteral("9998")));
+}
+
+TEST_F(PickerTest, SectionsAreTyped) {
+    HWND date = Add(u"SysDateTimePick32", u"", 0, kFirst);
+    HWND time = Add(u"SysDateTimePick32", u"", DTS_TIMEFORMAT, kSecond, {10, 60, 210, 90});
+    const SYSTEMTIME set = {2024, 5, 0, 17, 8, 9, 10, 0};
+    Set(date, set);
+    Set(time, set);
+    UseSection(date, QDateTimeEdit::YearSection);
+    Type(date, "1987");
+    UseSection(date, QDateTimeEdit::DaySection);
+    Press(Qt::Key_Up);
+    EXPECT_EQ(Get(date), (std::vector<WORD>{1987, 5, 18, 8, 9, 10}));
+    // One digit of two counts as soon as the value is asked for.
+    UseSection(time, QDateTimeEdit::HourSection);
+    Type(time, "1");
+    EXPECT_EQ(Get(time), (std::vector<WORD>{2024, 5, 17, 1, 9, 10}));
+    UseSection(time, QDateTimeEdit::SecondSection);
+    Type(time, "59");
+    EXPECT_EQ(Get(time), (std::vector<WORD>{2024, 5, 17, 1, 9, 59}));
+    Set(time, set);
+    EXPECT_EQ(Get(time), (std::vector<WORD>{2024, 5, 17, 8, 9, 10}));
+}
+
+TEST_F(PickerTest, TheCalendarOpensByArrowAndByKey) {
+    HWND date = Add(u"SysDateTimePick32", u"", 0, kFirst);
+    Set(date, {2024, 5, 0, 17, 8, 9, 10, 0});
+    SetFocus(date);
+    Settle();
+    Press(Qt::Key_Down, Qt::AltModifier);
+    QWidget* popup = QApplication::activePopupWidget();
+    ASSERT_NE(popup, nullptr);
+    QTest::keyClick(popup, Qt::Key_Escape);
+    Settle();
+    ASSERT_EQ(QApplication::activePopupWidget(), nullptr);
+
+    Tap(date, {date->widget->width() - 8, date->widget->height() / 2});
+    popup = QApplication::activePopupWidget();
+    ASSERT_NE(popup, nullptr);
+    auto* calendar = popup->findChild<QCalendarWidget*>();
+    ASSERT_NE(calendar, nullptr);
+    auto* days = calendar->findChild<QWidget*>(QStringLiteral("qt_calendar_calendarview"));
+    ASSERT_NE(days, nullptr);
+    QTest::keyClick(days, Qt::Key_Right);
+    QTest::keyClick(days, Qt::Key_Return);
+    Settle();
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    EXPECT_EQ(Get(date), (std::vector<WORD>{2024, 5, 18, 8, 9, 10}));
+    EXPECT_EQ(GetFocus(), date);
+}
+
+TEST_F(NumberTest, OnlyWholeNumbersThatFitAreTranslated) {
+    Add(u"EDIT", u"", 0, kFirst);
+    const auto read = [this](const WCHAR* text, BOOL isSigned, BOOL expectTranslated) {
+        SetDlgItemTextW(parent, kFirst, text);
+        BOOL translated = 2;
+        const UINT number = GetDlgItemInt(parent, kFirst, &translated, isSigned);
+        EXPECT_EQ(translated, expectTranslated) << QString::fromUtf16(text).toStdString();
+        return number;
+    };
+    EXPECT_EQ(read(u" \t042", FALSE, TRUE), 42u);
+    EXPECT_EQ(read(u"4294967295", FALSE, TRUE), 4294967295u);
+    EXPECT_EQ(read(u"2147483647", TRUE, TRUE), 2147483647u);
+    EXPECT_EQ(read(u"-2147483648", TRUE, TRUE), 0x80000000u);
+    EXPECT_EQ(read(u"-0", TRUE, TRUE), 0u);
+    for (const WCHAR* text : {u"", u"  ", u"-", u"abc", u"4x", u"4 ", u"4294967296",
+                              u"99999999999999999999999", u"-4", u"\uFF14"})
+        EXPECT_EQ(read(text, FALSE, FALSE), 0u);
+    for (const WCHAR* text : {u"2147483648", u"-2147483649", u"--4", u"- 4", u"+4"})
+        EXPECT_EQ(read(text, TRUE, FALSE), 0u);
+    EXPECT_EQ(GetDlgItemInt(parent, kSecond, nullptr, FALSE), 0u);
+
+    SetDlgItemInt(parent, kFirst, 4294967295u, FALSE);
+    EXPECT_EQ(TextIn(GetDlgItem(parent, kFirst)), u"4294967295");
+    SetDlgItemInt(parent, kFirst, 4294967295u, TRUE);
+    EXPECT_EQ(TextIn(GetDlgItem(parent, kFirst)), u"-1");
+}
+
+TEST(MenuEdit, ItemsOfSubmenusAreChangedAndDeleted) {
+    const HMENU menu = LoadMenuW(nullptr, MAKEINTRESOURCEW(IDR_VIEWER_MENU));
+    ASSERT_NE(menu, nullptr);
+    EnableMenuItem(menu, IDM_SORT_FIRST, MF_GRAYED);
+    EXPECT_TRUE(ModifyMenuW(menu, IDM_SORT_FIRST, MF_BYCOMMAND, IDM_SORT_FIRST, u"Long (5)"));
+    EXPECT_EQ(EnableMenuItem(menu, IDM_SORT_FIRST, MF_ENABLED), static_cast<int>(MF_ENABLED));
+    EXPECT_TRUE(DeleteMenu(menu, IDM_SORT_SECOND, MF_BYCOMMAND));
+    EXPECT_FALSE(DeleteMenu(menu, IDM_SORT_SECOND, MF_BYCOMMAND));
+    EXPECT_FALSE(ModifyMenuW(menu, IDM_SORT_SECOND, MF_BYCOMMAND, 1, u"?"));
+    EXPECT_EQ(EnableMenuItem(menu, IDM_SORT_THIRD, MF_ENABLED), static_cast<int>(MF_ENABLED));
+    const HMENU edit = GetSubMenu(menu, 1);
+    EXPECT_TRUE(DeleteMenu(menu, 0, MF_BYPOSITION));
+    EXPECT_EQ(GetSubMenu(menu, 0), edit);
+    EXPECT_FALSE(DeleteMenu(menu, 9, MF_BYPOSITION));
+    DestroyMenu(menu);
+    EXPECT_FALSE(DeleteMenu(edit, 0, MF_BYPOSITION)); // gone with its parent
+}

@@ -1,0 +1,252 @@
+// Windows: their lives, their relatives, focus and activation, the display and its title bar.
+#include <algorithm>
+#include <gtest/gtest.h>
+
+#include "platform/controls.h"
+#include "platform/shell.h"
+#include "platform/ui/cursors.h"
+#include "platform/ui/windowcore.h"
+#include "resources/resource.h"
+#include "tests/support/stylus.h"
+
+namespace {
+
+struct Seen {
+    HWND window;
+    UINT message;
+    WPARAM wParam;
+    bool operator==(const Seen&) const = default;
+};
+std::vector<Seen> seen;
+LRESULT createResult = 0;
+HWND destroyOnCommand = nullptr;
+
+LRESULT Recorder(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+    case WM_CREATE:
+        return createResult;
+    case WM_COMMAND:
+        DestroyWindow(destroyOnCommand);
+        [[fallthrough]];
+    case WM_DESTROY:
+    case WM_SIZE:
+    case WM_SETTINGCHANGE:
+    case WM_SETFOCUS:
+    case WM_KILLFOCUS:
+    case WM_ACTIVATE:
+        seen.push_back({window, message, wParam});
+        return 0;
+    case WM_CLOSE:
+        seen.push_back({window, message, 0});
+        return 0;
+    }
+    return DefWindowProcW(window, message, wParam, lParam);
+}
+
+class Windows : public testing::Test {
+protected:
+    void SetUp() override {
+        WNDCLASSW windowClass{};
+        windowClass.lpfnWndProc = Recorder;
+        windowClass.cbWndExtra = sizeof(LONG_PTR);
+        windowClass.lpszClassName = u"Recorder";
+        RegisterClassW(&windowClass);
+        createResult = 0;
+        destroyOnCommand = nullptr;
+        stylus.Resize(480, 640);
+        main = Top(u"Main");
+        seen.clear();
+    }
+    void TearDown() override {
+        for (const HWND window : std::vector<HWND>(TopLevelWindows()))
+            DestroyWindow(window);
+        stylus.Settle();
+    }
+
+    HWND Top(const WCHAR* title, HWND owner = nullptr) {
+        const HWND window =
+            CreateWindowExW(0, u"Recorder", title, WS_VISIBLE, 0, 0, 0, 0, owner, nullptr, nullptr, nullptr);
+        stylus.Settle();
+        return window;
+    }
+    HWND Child(const WCHAR* className, UINT id, int y, HWND parent = nullptr) {
+        return CreateWindowExW(0, className, u"child", WS_CHILD | WS_VISIBLE, 10, y, 100, 30,
+                               parent ? parent : main, ChildId(id), nullptr, nullptr);
+    }
+    static std::ptrdiff_t PlaceOf(const Seen& wanted) {
+        const auto found = std::find(seen.begin(), seen.end(), wanted);
+        return found == seen.end() ? -1 : found - seen.begin();
+    }
+
+    Stylus stylus;
+    HWND main = nullptr;
+};
+
+TEST_F(Windows, AreRefusedWhereTheyCannotLive) {
+    WNDCLASSW windowClass{};
+    windowClass.lpfnWndProc = Recorder;
+    windowClass.lpszClassName = u"RECORDER";
+    EXPECT_EQ(RegisterClassW(&windowClass), 0); // taken, whatever its case
+    EXPECT_EQ(CreateWindowExW(0, u"NoSuchClass", u"", 0, 0, 0, 0, 0, main, nullptr, nullptr, nullptr),
+              nullptr);
+    EXPECT_EQ(CreateWindowExW(0, u"BUTTON", u"", WS_CHILD, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr),
+              nullptr);
+    createResult = -1;
+    EXPECT_EQ(Top(u"Refused"), nullptr);
+    EXPECT_EQ(seen.back().message, WM_DESTROY);
+    EXPECT_EQ(TopLevelWindows(), std::vector<HWND>{main});
+}
+
+TEST_F(Windows, ExtraBytesAreReachedWithinTheirBounds) {
+    EXPECT_EQ(GetWindowLongPtrW(main, 0), 0);
+    EXPECT_EQ(SetWindowLongPtrW(main, 0, 77), 0);
+    EXPECT_EQ(SetWindowLongPtrW(main, 0, 78), 77);
+    SetWindowLongPtrW(main, 4, 1);
+    SetWindowLongPtrW(main, -100, 1);
+    EXPECT_EQ(GetWindowLongPtrW(main, 0), 78);
+    EXPECT_EQ(GetWindowLongPtrW(main, 4), 0);
+}
+
+TEST_F(Windows, DieFromTheTopDownAndTheirHandlesStaySafe) {
+    const HWND panel = Child(u"Recorder", 1, 10);
+    const HWND inner = Child(u"Recorder", 2, 0, panel);
+    const HWND owned = Top(u"Owned", main);
+    EXPECT_EQ(GetWindow(main, GW_CHILD), panel);
+    EXPECT_EQ(GetParent(inner), panel);
+    EXPECT_EQ(GetParent(owned), main);
+    PostMessageW(inner, WM_COMMAND, 1, 0);
+    SetTimer(inner, 1, 0, nullptr);
+    seen.clear();
+    ASSERT_TRUE(DestroyWindow(main));
+    std::vector<HWND> died;
+    for (const Seen& entry : seen) {
+        if (entry.message == WM_DESTROY)
+            died.push_back(entry.window);
+    }
+    EXPECT_EQ(died, (std::vector<HWND>{owned, main, panel, inner}));
+    seen.clear();
+    stylus.Settle();
+    EXPECT_TRUE(seen.empty()); // nothing reaches them any more
+    for (const HWND dead : died) {
+        EXPECT_FALSE(IsWindow(dead));
+        EXPECT_EQ(SendMessageW(dead, WM_GETTEXTLENGTH, 0, 0), 0);
+        EXPECT_EQ(GetParent(dead), nullptr);
+        EXPECT_FALSE(PostMessageW(dead, WM_CLOSE, 0, 0));
+        EXPECT_FALSE(ShowWindow(dead, SW_SHOW));
+        EXPECT_FALSE(DestroyWindow(dead));
+        RECT rect;
+        EXPECT_FALSE(GetClientRect(dead, &rect));
+    }
+}
+
+TEST_F(Windows, MayDieInTheirOwnHandling) {
+    destroyOnCommand = main;
+    const HWND button = Child(u"BUTTON", 5, 10);
+    stylus.Tap(button, QPoint(20, 10));
+    EXPECT_FALSE(IsWindow(main));
+    EXPECT_FALSE(IsWindow(button));
+
+    main = Top(u"Again");
+    destroyOnCommand = Child(u"BUTTON", 5, 10); // the button alone
+    stylus.Tap(destroyOnCommand, QPoint(20, 10));
+    EXPECT_TRUE(IsWindow(main));
+    EXPECT_EQ(GetWindow(main, GW_CHILD), nullptr);
+}
+
+TEST_F(Windows, DisabledOnesGetNoInput) {
+    const HWND button = Child(u"BUTTON", 5, 10);
+    EnableWindow(button, FALSE);
+    stylus.Tap(button, QPoint(20, 10));
+    EXPECT_EQ(PlaceOf({main, WM_COMMAND, 5}), -1);
+    EnableWindow(button, TRUE);
+    EnableWindow(main, FALSE);
+    stylus.Tap(button, QPoint(20, 10));
+    EXPECT_EQ(PlaceOf({main, WM_COMMAND, 5}), -1);
+    EnableWindow(main, TRUE);
+    stylus.Tap(button, QPoint(20, 10));
+    EXPECT_NE(PlaceOf({main, WM_COMMAND, 5}), -1);
+}
+
+TEST_F(Windows, TheFocusComesBackToTheChildThatHadIt) {
+    const HWND first = Child(u"EDIT", 1, 10);
+    const HWND second = Child(u"EDIT", 2, 50);
+    SetFocus(first);
+    EXPECT_EQ(SetFocus(second), first);
+    stylus.Type(u"x");
+    EXPECT_EQ(TextOf(second), u"xchild");
+
+    seen.clear();
+    const HWND other = Top(u"Other", main);
+    EXPECT_EQ(GetFocus(), other);
+    EXPECT_LT(PlaceOf({main, WM_ACTIVATE, WA_INACTIVE}), PlaceOf({other, WM_ACTIVATE, WA_ACTIVE}));
+    EXPECT_NE(PlaceOf({main, WM_ACTIVATE, WA_INACTIVE}), -1);
+    EXPECT_FALSE(first->widget->isVisible()); // covered
+    seen.clear();
+    DestroyWindow(other);
+    stylus.Settle();
+    EXPECT_EQ(GetFocus(), second);
+    EXPECT_NE(PlaceOf({main, WM_ACTIVATE, WA_ACTIVE}), -1);
+    stylus.Type(u"y");
+    EXPECT_TRUE(TextOf(second).find(u'y') != std::u16string::npos);
+
+    stylus.Tap(first, QPoint(20, 10));
+    EXPECT_EQ(GetFocus(), first);
+    DestroyWindow(first);
+    EXPECT_TRUE(IsInside(GetFocus(), main)); // somebody has it
+}
+
+TEST_F(Windows, TheDisplayTellsOfItsSizeAndThenOfItsOrientation) {
+    RECT client;
+    GetClientRect(main, &client);
+    EXPECT_EQ(client.right, 480);
+    EXPECT_EQ(client.bottom, 640 - GetSystemMetrics(SM_CYCAPTION));
+    POINT corner{3, 4};
+    ClientToScreen(main, &corner);
+    EXPECT_EQ(corner.y, 4 + GetSystemMetrics(SM_CYCAPTION));
+    ScreenToClient(main, &corner);
+    EXPECT_EQ(corner.y, 4);
+
+    stylus.Resize(500, 600); // still taller than wide
+    EXPECT_EQ(seen, (std::vector<Seen>{{main, WM_SIZE, 0}}));
+    seen.clear();
+    stylus.Resize(640, 480);
+    EXPECT_EQ(seen, (std::vector<Seen>{{main, WM_SIZE, 0}, {main, WM_SETTINGCHANGE, 0x3002}}));
+    EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 640);
+    EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), 480);
+}
+
+TEST_F(Windows, TheTitleBarSpeaksForTheActiveOne) {
+    EXPECT_EQ(ScreenArea()->window()->windowTitle(), QStringLiteral("Main"));
+    SHInitMainWindow(main);
+    seen.clear();
+    stylus.TapTitleButton();
+    EXPECT_EQ(seen.back(), (Seen{main, WM_CLOSE, 0}));
+    ScreenArea()->window()->close(); // as the host's window manager does
+    stylus.Settle();
+    EXPECT_EQ(seen.size(), 2u);
+    EXPECT_TRUE(ScreenArea()->isVisible());
+
+    const HWND dialog = Top(u"Dialog", main);
+    SHINITDLGINFO info{SHIDIM_FLAGS, dialog, SHIDIF_DONEBUTTON | SHIDIF_SIZEDLGFULLSCREEN};
+    EXPECT_TRUE(SHInitDialog(&info));
+    stylus.TapTitleButton();
+    EXPECT_EQ(seen.back(), (Seen{dialog, WM_COMMAND, IDOK}));
+}
+
+TEST_F(Windows, AreFoundByClassAndTitle) {
+    EXPECT_EQ(FindWindowW(u"recorder", nullptr), main);
+    EXPECT_EQ(FindWindowW(u"Recorder", u"Main"), main);
+    EXPECT_EQ(FindWindowW(u"Recorder", u"Other"), nullptr);
+    EXPECT_EQ(FindWindowW(u"BUTTON", nullptr), nullptr);
+}
+
+TEST_F(Windows, IconsComeInTheSizeAskedFor) {
+    const HICON small = LoadImageW(nullptr, MAKEINTRESOURCEW(IDI_MAIN), IMAGE_ICON, 16, 16, 0);
+    const HICON large = LoadIconW(nullptr, MAKEINTRESOURCEW(IDI_MAIN));
+    ASSERT_TRUE(small && large);
+    EXPECT_EQ(HostIcon(small).availableSizes().front(), QSize(16, 16));
+    EXPECT_EQ(HostIcon(large).availableSizes().front(), QSize(32, 32));
+    EXPECT_EQ(LoadIconW(nullptr, MAKEINTRESOURCEW(9999)), nullptr);
+}
+
+} // namespace
