@@ -1,0 +1,49 @@
+#include "app/dialogframe.h"
+#include "app/uiservices.h"
+#include "platform/objectstore.h"
+#include "platform/text.h"
+#include "resources/resource.h"
+
+namespace {
+
+constexpr int kLineCapacity = 128;
+constexpr int kBytesToKilobytes = 10; // bits to shift
+
+void ShowKilobytes(HWND dialog, int control, UINT formatId, DWORD bytes) {
+    WCHAR format[kLineCapacity];
+    WCHAR line[kLineCapacity];
+    LoadText(formatId, format);
+    wsprintfW(line, format, bytes >> kBytesToKilobytes);
+    SetDlgItemTextW(dialog, control, line);
+}
+
+void InitAbout(HWND dialog) {
+    InitDialogFrame(dialog, true, false);
+    STORE_INFORMATION store = {};
+    if (!GetStoreInformation(&store))
+        return; // the template's own texts say so
+    ShowKilobytes(dialog, IDC_ABOUT_AVAILABLE, IDS_AVAILABLE_MEMORY, store.dwStoreSize);
+    ShowKilobytes(dialog, IDC_ABOUT_FREE, IDS_FREE_MEMORY, store.dwFreeSize);
+}
+
+LONG_PTR AboutProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (HandleFrameMessage(dialog, message, wParam, lParam, u"tarnwickscope.htm#tarnwickscope_help"))
+        return TRUE;
+    switch (message) {
+    case WM_INITDIALOG:
+        InitAbout(dialog);
+        return TRUE;
+    case WM_COMMAND:
+        if (LOWORD(wParam) != IDOK && LOWORD(wParam) != IDCANCEL)
+            return FALSE;
+        EndDialog(dialog, IDOK);
+        return TRUE;
+    }
+    return FALSE;
+}
+
+} // namespace
+
+void ShowAboutDialog(HWND owner) {
+    RunDialog(IDD_ABOUT, owner, AboutProcedure, 0);
+}

@@ -1,0 +1,55 @@
+#include "app/application.h"
+#include "app/dialogframe.h"
+#include "app/uiservices.h"
+#include "resources/resource.h"
+
+namespace {
+
+void InitOptions(HWND dialog) {
+    InitDialogFrame(dialog, true, true);
+    const Settings& settings = *App().settings;
+    CheckDlgButton(dialog, IDC_OPTIONS_SHOW_SYSTEM, settings.showSystemDatabases);
+    CheckDlgButton(dialog, IDC_OPTIONS_BOLD, settings.bold);
+    CheckDlgButton(dialog, IDC_OPTIONS_FULL_ROW, settings.fullRow);
+    CheckDlgButton(dialog, IDC_OPTIONS_PROMPT_SCRIPT, settings.promptScript);
+    CheckDlgButton(dialog, IDC_OPTIONS_SHOW_WARNING, settings.showWarning);
+    CheckDlgButton(dialog, IDC_OPTIONS_DOUBLE_TAP, settings.doubleTap);
+}
+
+void StoreOptions(HWND dialog) {
+    Settings& settings = *App().settings;
+    settings.showSystemDatabases = IsDlgButtonChecked(dialog, IDC_OPTIONS_SHOW_SYSTEM) == BST_CHECKED;
+    settings.bold = IsDlgButtonChecked(dialog, IDC_OPTIONS_BOLD) == BST_CHECKED;
+    settings.fullRow = IsDlgButtonChecked(dialog, IDC_OPTIONS_FULL_ROW) == BST_CHECKED;
+    settings.promptScript = IsDlgButtonChecked(dialog, IDC_OPTIONS_PROMPT_SCRIPT) == BST_CHECKED;
+    settings.showWarning = IsDlgButtonChecked(dialog, IDC_OPTIONS_SHOW_WARNING) == BST_CHECKED;
+    settings.doubleTap = IsDlgButtonChecked(dialog, IDC_OPTIONS_DOUBLE_TAP) == BST_CHECKED;
+    settings.RecreateListFont();
+}
+
+LONG_PTR OptionsProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (HandleFrameMessage(dialog, message, wParam, lParam, u"tarnwickscope.htm#options"))
+        return TRUE;
+    switch (message) {
+    case WM_INITDIALOG:
+        InitOptions(dialog);
+        return TRUE;
+    case WM_COMMAND:
+        switch (LOWORD(wParam)) {
+        case IDOK:
+            StoreOptions(dialog);
+            EndDialog(dialog, IDOK);
+            return TRUE;
+        case IDCANCEL:
+            EndDialog(dialog, IDCANCEL);
+            return TRUE;
+        }
+    }
+    return FALSE;
+}
+
+} // namespace
+
+bool ShowOptionsDialog(HWND owner) {
+    return RunDialog(IDD_OPTIONS, owner, OptionsProcedure, 0) == IDOK;
+}

@@ -1,0 +1,136 @@
+#include "app/progressdialog.h"
+
+#include "app/application.h"
+#include "app/dialogframe.h"
+#include "app/uiservices.h"
+#include "platform/datetime.h"
+#include "platform/text.h"
+#include "resources/resource.h"
+
+namespace {
+
+constexpr int kFormatCapacity = 256;
+constexpr DWORD kShowInterval = 60; // milliseconds
+constexpr DWORD kPumpInterval = 20;
+
+bool Hidden() {
+    return App().settings && App().settings->noProgress;
+}
+
+} // namespace
+
+ProgressDialog::ProgressDialog(UINT confirm, UINT title, int initialRange)
+    : confirmString(confirm), titleString(title), range(initialRange) {}
+
+ProgressDialog::~ProgressDialog() {
+    if (window)
+        DestroyWindow(window);
+    if (Hidden())
+        SetCursor(nullptr);
+}
+
+bool ProgressDialog::Create(HWND owner) {
+    if (Hidden())
+        SetCursor(LoadCursorW(nullptr, IDC_WAIT));
+    const DLGTEMPLATE* dialogTemplate = FindDialogTemplate(IDD_PROGRESS);
+    if (!dialogTemplate)
+        return false;
+    window = CreateDialogIndirectParamW(AppInstance(), dialogTemplate, owner, Procedure,
+                                        reinterpret_cast<LPARAM>(this));
+    if (!window)
+        return false;
+    if (!Hidden()) {
+        ShowWindow(window, SW_SHOWNORMAL);
+        UpdateWindow(window);
+    }
+    return true;
+}
+
+void ProgressDialog::SetRange(int n) {
+    if (Hidden())
+        return;
+    range = n;
+    SendDlgItemMessageW(window, IDC_PROGRESS_BAR, PBM_SETRANGE32, 0, n);
+    SendDlgItemMessageW(window, IDC_PROGRESS_BAR, PBM_SETSTEP, 1, 0);
+    SendDlgItemMessageW(window, IDC_PROGRESS_BAR, PBM_SETPOS, 0, 0);
+}
+
+void ProgressDialog::SetText(UINT formatString, int newPosition, const WCHAR* argument) {
+    if (Hidden())
+        return;
+    position = newPosition == kNextPosition ? position + 1 : newPosition;
+    lineFormat = formatString;
+    CopyText(lineArgument, argument);
+    lineWaits = true;
+    if (GetTickCount() - shownAt >= kShowInterval)
+        ShowLine();
+}
+
+void ProgressDialog::ShowLine() {
+    WCHAR format[kFormatCapacity];
+    WCHAR line[kFormatCapacity + MAX_PATH];
+    LoadText(lineFormat, format);
+    wsprintfW(line, format, lineArgument, position, range - 1);
+    SetDlgItemTextW(window, IDC_PROGRESS_TEXT, line);
+    SendDlgItemMessageW(window, IDC_PROGRESS_BAR, PBM_SETPOS, position + 1, 0);
+    UpdateWindow(window);
+    lineWaits = false;
+    shownAt = GetTickCount();
+}
+
+void ProgressDialog::Step() {
+    if (Hidden())
+        return;
+    SendDlgItemMessageW(window, IDC_PROGRESS_BAR, PBM_STEPIT, 0, 0);
+    UpdateWindow(window);
+}
+
+bool ProgressDialog::Pump() {
+    const DWORD now = GetTickCount();
+    if (now - pumpedAt >= kPumpInterval) {
+        if (lineWaits && now - shownAt >= kShowInterval)
+            ShowLine();
+        MSG message;
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+            if (IsDialogMessageW(window, &message))
+                continue;
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+        pumpedAt = GetTickCount();
+    }
+    return !cancelled;
+}
+
+void ProgressDialog::Init(HWND dialog) {
+    InitDialogFrame(dialog, false, false);
+    WCHAR title[kFormatCapacity];
+    LoadText(titleString, title);
+    SetDlgItemTextW(dialog, IDC_FRAME_TITLE, title);
+    SetWindowTextW(dialog, title);
+    SetDlgItemTextW(dialog, IDC_PROGRESS_TEXT, u"");
+    SendDlgItemMessageW(dialog, IDC_PROGRESS_BAR, PBM_SETRANGE32, 0, range);
+    SendDlgItemMessageW(dialog, IDC_PROGRESS_BAR, PBM_SETSTEP, 0, 0);
+}
+
+void ProgressDialog::AskToCancel() {
+    if (!Hidden() && MessageFromString(window, confirmString, kQuestionBox) == IDYES)
+        cancelled = 1;
+}
+
+LONG_PTR ProgressDialog::Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (HandleFrameMessage(dialog, message, wParam, lParam, nullptr))
+        return TRUE;
+    switch (message) {
+    case WM_INITDIALOG:
+        SetDialogState(dialog, lParam);
+        DialogState<ProgressDialog>(dialog)->Init(dialog);
+        return TRUE;
+    case WM_COMMAND:
+        if (LOWORD(wParam) != IDCANCEL)
+            return FALSE;
+        DialogState<ProgressDialog>(dialog)->AskToCancel();
+        return TRUE;
+    }
+    return FALSE;
+}

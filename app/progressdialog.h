@@ -1,0 +1,49 @@
+// The progress of a long operation, with a Cancel button that asks before it takes effect at the next Pump.
+#pragma once
+
+#include "platform/window.h"
+
+class ProgressDialog {
+public:
+    ProgressDialog(UINT confirmString, UINT titleString, int initialRange);
+    virtual ~ProgressDialog();
+    ProgressDialog(const ProgressDialog&) = delete;
+    ProgressDialog& operator=(const ProgressDialog&) = delete;
+
+    // Shown at once, except while the settings' noProgress is set, when a wait cursor stands for it and all
+    // that follows but Pump does nothing. False: it cannot be made.
+    bool Create(HWND owner);
+    // The bar gets n steps and goes back to its start.
+    void SetRange(int n);
+    // The line becomes the format filled with the argument (a database name, or another text of fewer than
+    // MAX_PATH characters), the position and range - 1. Position kNextPosition: one more than before.
+    void SetText(UINT formatString, int newPosition, const WCHAR* argument);
+    // Advances the bar by one step.
+    void Step();
+    // Dispatches every waiting message; false once the user has cancelled.
+    bool Pump();
+
+    static constexpr int kNextPosition = -1;
+
+    HWND window = nullptr;
+    DWORD cancelled = 0; // never cleared
+    UINT confirmString;
+    UINT titleString;
+    int range;        // steps; the item count shown is range - 1
+    int position = 0; // current step
+
+private:
+    static LONG_PTR Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+    void Init(HWND dialog);
+    void AskToCancel();
+    void ShowLine();
+
+    // Showing every step of a long walk would cost more than the walk itself, so a line waits here until it
+    // is due, and messages are looked for as often: many times a second, which the eye and the stylus cannot
+    // tell from always.
+    UINT lineFormat = 0;
+    WCHAR lineArgument[MAX_PATH] = {};
+    bool lineWaits = false;
+    DWORD shownAt = 0; // tick counts
+    DWORD pumpedAt = 0;
+};

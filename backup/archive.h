@@ -1,0 +1,95 @@
+// The Backup archive: its layouts in the file (all little-endian, text UTF-16), and what its writer and its
+// reader have in common. docs/formats.md describes the file.
+#pragma once
+
+#include <memory>
+
+#include "app/progressdialog.h"
+#include "app/uiservices.h"
+#include "platform/objectstore.h"
+
+class Compressor;
+
+struct ArchiveHeader {
+    BYTE magic[4]; // "10VN"; readers do not look at it
+    DWORD headerSize;
+    DWORD databaseCount;
+    DWORD compressed; // not 0: database blocks and records are compressed
+    DWORD flags;      // kPasswordFollows
+    DWORD firstEntry; // offset in the file
+};
+static_assert(sizeof(ArchiveHeader) == 24);
+
+constexpr DWORD kPasswordFollows = 0x10;
+constexpr int kPasswordCapacity = 20; // characters, terminator included
+
+// A password as archives, scripts and registry backups store it: scrambled, ended by a zero.
+struct PasswordBlock {
+    WCHAR text[kPasswordCapacity];
+};
+static_assert(sizeof(PasswordBlock) == 40);
+
+// Scrambles a password in place, or unscrambles it. The result always ends within the block, with zeros
+// behind its end: a character that equals the mask becomes the end.
+void ScramblePassword(PasswordBlock* password);
+
+struct DatabaseBlock {
+    DWORD blockSize;
+    CEDBASEINFO info;
+    SYSTEMTIME backupTime; // local
+    DWORD nextEntry;       // offset in the file; in a compressed archive the entry's prefix has it instead
+};
+static_assert(sizeof(DatabaseBlock) == 144 && offsetof(DatabaseBlock, info) == 4 &&
+              offsetof(DatabaseBlock, backupTime) == 124 && offsetof(DatabaseBlock, nextEntry) == 140);
+
+// Comes before the database block in a compressed archive.
+struct EntryPrefix {
+    DWORD nextEntry;
+    DWORD blockLength; // bytes of the compressed database block
+};
+static_assert(sizeof(EntryPrefix) == 8);
+
+struct RecordHeader {
+    DWORD propCount;
+    DWORD ordinal; // counts from 1
+    DWORD reserved;
+    DWORD length; // bytes that follow in the file
+};
+static_assert(sizeof(RecordHeader) == 16);
+
+// The state that a backup and a restore share.
+class Archive {
+public:
+    Archive();
+    virtual ~Archive();
+    Archive(const Archive&) = delete;
+    Archive& operator=(const Archive&) = delete;
+
+    // The window that owns message boxes: the progress dialog while there is one.
+    HWND MessageOwner() const;
+    // Shows a string as a failure; nothing while the program runs unattended.
+    void ReportFailure(UINT stringId) const;
+    void ReportFailure(UINT stringId, const WCHAR* argument) const;
+    void ReportOutOfMemory() const;
+    // Makes the progress dialog, or with the settings' noProgress the wait cursor that stands for it.
+    void BeginProgress(UINT confirmString, UINT titleString);
+    void EndProgress();
+    // Before a database, and before each of its records; false once the user has cancelled. The block must
+    // live as long as the progress shows it.
+    void BeginProgressOn(UINT formatString, const CEDBASEINFO& database);
+    bool ProgressStep(UINT formatString, const CEDBASEINFO& database);
+
+    HWND owner = nullptr;
+    ArchiveHeader header = {};
+    DWORD entryOffset = 0; // where the current database entry starts
+    std::unique_ptr<Compressor> codec;
+    std::unique_ptr<ProgressDialog> progress;
+    std::unique_ptr<WaitCursor> waitCursor;
+    PasswordBlock password = {};
+    bool passwordFlag = false;
+
+protected:
+    // Makes the codec with its tables, or leaves none. The two failures are told apart.
+    enum class CodecResult { ready, noCodec, noTables };
+    CodecResult MakeCodec();
+};

@@ -1,0 +1,164 @@
+#include "backup/archivereader.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+#include "backup/compressor.h"
+#include "platform/files.h"
+#include "resources/resource.h"
+
+namespace {
+
+// A database block has 144 bytes. A little more is let pass, to be told from a lack of memory.
+constexpr DWORD kBlockExpandLimit = 1024 * 1024;
+
+} // namespace
+
+ArchiveReader::~ArchiveReader() {
+    CloseFile();
+}
+
+bool ArchiveReader::OpenFile(const WCHAR* path) {
+    CloseFile();
+    file = CreateFileW(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, 0);
+    if (file != INVALID_HANDLE_VALUE)
+        return true;
+    ReportFailure(IDS_UNABLE_TO_READ_FILE);
+    return false;
+}
+
+void ArchiveReader::CloseFile() {
+    if (file != INVALID_HANDLE_VALUE)
+        CloseHandle(file);
+    file = INVALID_HANDLE_VALUE;
+}
+
+// Neither the magic nor the header's size is looked at: any file that is long enough counts as an archive.
+bool ArchiveReader::ReadHeader() {
+    DWORD sizeHigh = 0;
+    const DWORD sizeLow = GetFileSize(file, &sizeHigh);
+    fileSize = static_cast<std::uint64_t>(sizeHigh) << 32 | sizeLow;
+    position = 0;
+    buffered = 0; // the file may have changed since
+    filePosition = UINT64_MAX;
+    bool whole = Read(&header, sizeof header) == sizeof header;
+    passwordFlag = whole && (header.flags & kPasswordFollows);
+    if (passwordFlag) {
+        whole = Read(&password, sizeof password) == sizeof password;
+        password.text[kPasswordCapacity - 1] = 0;
+    }
+    if (!whole)
+        ReportFailure(IDS_UNABLE_TO_READ_FILE);
+    return whole;
+}
+
+bool ArchiveReader::ReadDatabaseBlock(DatabaseBlock* block) {
+    switch (LoadDatabaseBlock(block)) {
+    case Failure::none:
+        return true;
+    case Failure::file:
+        ReportFailure(IDS_UNABLE_TO_READ_FILE);
+        break;
+    case Failure::memory:
+        ReportFailure(IDS_UNCOMPRESS_NO_MEMORY);
+        break;
+    }
+    return false;
+}
+
+bool ArchiveReader::PeekDatabaseBlock(DWORD offset, DatabaseBlock* block) {
+    const DWORD before = entryOffset;
+    entryOffset = offset;
+    const Failure failure = LoadDatabaseBlock(block);
+    entryOffset = before;
+    return failure == Failure::none;
+}
+
+ArchiveReader::Failure ArchiveReader::LoadDatabaseBlock(DatabaseBlock* block) {
+    position = entryOffset;
+    if (header.compressed) {
+        const Failure failure = LoadCompressedBlock(block);
+        if (failure != Failure::none)
+            return failure;
+    } else if (Read(block, sizeof *block) != sizeof *block) {
+        return Failure::file;
+    }
+    block->info.szDbaseName[CEDB_MAXDBASENAMELEN - 1] = 0;
+    recordsStart = position;
+    entryEnd = block->nextEntry >= recordsStart && block->nextEntry < fileSize ? block->nextEntry : fileSize;
+    return Failure::none;
+}
+
+ArchiveReader::Failure ArchiveReader::LoadCompressedBlock(DatabaseBlock* block) {
+    EntryPrefix prefix;
+    if (!codec || Read(&prefix, sizeof prefix) != sizeof prefix || position > fileSize ||
+        prefix.blockLength > fileSize - position)
+        return Failure::file;
+    const std::unique_ptr<BYTE[]> stored(new (std::nothrow) BYTE[prefix.blockLength + std::size_t(1)]);
+    if (!stored)
+        return Failure::memory;
+    if (Read(stored.get(), prefix.blockLength) != prefix.blockLength)
+        return Failure::file;
+    if (!codec->Expand(stored.get(), prefix.blockLength, kBlockExpandLimit))
+        return Failure::memory;
+    if (codec->OutputLength() != sizeof *block)
+        return Failure::file;
+    std::memcpy(block, codec->Output(), sizeof *block);
+    block->nextEntry = prefix.nextEntry;
+    return Failure::none;
+}
+
+bool ArchiveReader::MoveToNextEntry(const DatabaseBlock& block) {
+    if (block.nextEntry < recordsStart) {
+        ReportFailure(IDS_UNABLE_TO_READ_FILE);
+        return false;
+    }
+    entryOffset = block.nextEntry;
+    return true;
+}
+
+std::uint64_t ArchiveReader::BytesLeftInEntry() const {
+    return position < entryEnd ? entryEnd - position : 0;
+}
+
+DWORD ArchiveReader::Read(void* data, DWORD count) {
+    BYTE* out = static_cast<BYTE*>(data);
+    DWORD done = 0;
+    while (done < count) {
+        if (position < bufferStart || position >= bufferStart + buffered) {
+            if (count - done >= kBufferSize) {
+                const DWORD direct = ReadAt(position, out + done, count - done);
+                position += direct;
+                return done + direct;
+            }
+            bufferStart = position;
+            buffered = ReadAt(position, buffer, kBufferSize);
+            if (!buffered)
+                break;
+        }
+        const DWORD inBuffer = static_cast<DWORD>(position - bufferStart);
+        const DWORD piece = std::min(count - done, buffered - inBuffer);
+        std::memcpy(out + done, buffer + inBuffer, piece);
+        position += piece;
+        done += piece;
+    }
+    return done;
+}
+
+DWORD ArchiveReader::ReadAt(std::uint64_t offset, void* data, DWORD count) {
+    if (offset != filePosition) {
+        LONG high = static_cast<LONG>(offset >> 32);
+        const DWORD low = static_cast<DWORD>(offset);
+        filePosition = UINT64_MAX;
+        if (SetFilePointer(file, static_cast<LONG>(low), &high, FILE_BEGIN) != low)
+            return 0;
+    }
+    DWORD read = 0;
+    if (!ReadFile(file, data, count, &read, nullptr)) {
+        filePosition = UINT64_MAX;
+        return 0;
+    }
+    filePosition = offset + read;
+    return read;
+}

@@ -1,0 +1,114 @@
+#include "backup/backup.h"
+
+#include "app/application.h"
+#include "backup/compressor.h"
+#include "platform/datetime.h"
+#include "platform/files.h"
+#include "platform/text.h"
+#include "resources/resource.h"
+
+BackupEngine::~BackupEngine() = default;
+
+bool BackupEngine::BeginBackup(HWND ownerWindow, bool showOptions, const WCHAR* path) {
+    owner = ownerWindow;
+    if (showOptions && RunsInteractively() && !ShowBackupOptions(owner, this))
+        return false;
+    if (compress && !codec && MakeCodec() != CodecResult::ready) {
+        ReportOutOfMemory();
+        return false;
+    }
+    WCHAR picked[MAX_PATH] = {};
+    if (!path && !PickFile(owner, picked, false, IDS_FILTER_BACKUP, u"*.bkp"))
+        return false;
+    file = CreateFileForWriting(owner, path ? path : picked, archivePath);
+    if (file == INVALID_HANDLE_VALUE)
+        return false;
+    header.databaseCount = 0;
+    if (!WriteHeader()) {
+        CloseFile();
+        return false;
+    }
+    entryOffset = header.firstEntry;
+    if (generateScript)
+        script.Create(owner, archivePath, codec != nullptr, passwordFlag ? &password : nullptr);
+    BeginProgress(IDS_CONFIRM_ABORT_BACKUP, IDS_BACKUP_DATABASES);
+    return true;
+}
+
+bool BackupEngine::WriteDatabase(const WCHAR* name) {
+    DbHandle database(MessageOwner());
+    if (database.Open(name, 0, 0) == INVALID_HANDLE_VALUE)
+        return false;
+    DatabaseBlock block = {};
+    block.blockSize = sizeof block;
+    if (!database.GetInfo(&block.info))
+        return false;
+    GetLocalTime(&block.backupTime);
+    Walk walk = WriteEntry(database, &block);
+    // A reader goes by the block's count alone. When a record could not be read, or another program deleted
+    // some meanwhile, the entry is written anew with the count that was found.
+    while (walk == Walk::shorter) {
+        const QuietReports quiet(database);
+        walk = WriteEntry(database, &block);
+    }
+    if (walk == Walk::refused)
+        return false;
+    // An entry that ends early counts too: the archive is kept as far as it got.
+    header.databaseCount++;
+    script.Append(MessageOwner(), name);
+    return walk == Walk::complete;
+}
+
+BackupEngine::Walk BackupEngine::WriteEntry(DbHandle& database, DatabaseBlock* block) {
+    std::int64_t offset = std::int64_t(entryOffset) + (codec ? sizeof(EntryPrefix) : 0);
+    const std::int64_t blockLength = WriteDatabaseBlock(*block, offset);
+    if (blockLength < 0)
+        return Walk::refused;
+    offset += blockLength;
+    BeginProgressOn(IDS_STORING_RECORD, block->info);
+    RecordHeader recordHeader = {};
+    if (block->info.wNumRecords && !WriteRecords(database, *block, &recordHeader, &offset)) {
+        Flush();
+        return Walk::stopped;
+    }
+    if (recordHeader.ordinal < block->info.wNumRecords) {
+        block->info.wNumRecords = static_cast<WORD>(recordHeader.ordinal);
+        return Flush() ? Walk::shorter : Walk::stopped;
+    }
+    return CompleteEntry(block, static_cast<DWORD>(blockLength), offset) ? Walk::complete : Walk::stopped;
+}
+
+// Writes as many records as the block declares, or as many as there are; false when the user cancelled or a
+// write failed.
+bool BackupEngine::WriteRecords(DbHandle& database, const DatabaseBlock& block, RecordHeader* recordHeader,
+                                std::int64_t* offset) {
+    RecordBuffer record;
+    DWORD index = 0;
+    bool goesOn = true;
+    bool found = database.SeekFirst(&index);
+    while (found && recordHeader->ordinal < block.info.wNumRecords) {
+        goesOn = ProgressStep(IDS_STORING_RECORD, block.info);
+        if (goesOn && database.ReadRecordForStorage(&record)) {
+            const std::int64_t end = WriteRecord(record, recordHeader, *offset);
+            goesOn = end >= 0;
+            if (goesOn)
+                *offset = end;
+        }
+        if (!goesOn)
+            break;
+        found = WalkToNext(database, &index);
+    }
+    LocalFree(record.data);
+    return goesOn;
+}
+
+bool BackupEngine::Finish() {
+    if (file == INVALID_HANDLE_VALUE)
+        return false;
+    const bool written = WriteHeader();
+    const bool closed = CloseFile();
+    codec.reset();
+    EndProgress();
+    script.Complete(owner, header.databaseCount);
+    return written && closed;
+}

@@ -1,0 +1,37 @@
+// The backup of whole databases into an archive.
+#pragma once
+
+#include "backup/archivewriter.h"
+#include "backup/autobackup.h"
+
+// One backup: BeginBackup, then WriteDatabase for each name until one is refused, then Finish.
+class BackupEngine : public ArchiveWriter {
+public:
+    ~BackupEngine() override;
+
+    // Asks for the options when wanted (never when the program does not run interactively), takes `path` or
+    // lets the user pick one, and creates the archive. False when the user cancelled and on failures, which
+    // are reported here; nothing is left open then.
+    bool BeginBackup(HWND ownerWindow, bool showOptions, const WCHAR* path);
+    // Appends one database. False when it cannot be opened, a write failed or the user cancelled: the backup
+    // ends then, with what was written so far.
+    bool WriteDatabase(const WCHAR* name);
+    // Completes and closes the archive and the script; true unless a write failed. Without an archive
+    // it does nothing.
+    bool Finish();
+
+    bool compress = true;
+    bool allDatabases = false; // "All databases" was chosen: the caller then takes them all
+    bool generateScript = false;
+    ScriptWriter script;
+    WCHAR archivePath[MAX_PATH] = {}; // where the archive is written
+
+private:
+    enum class Walk { complete, shorter, stopped, refused };
+    Walk WriteEntry(DbHandle& database, DatabaseBlock* block);
+    bool WriteRecords(DbHandle& database, const DatabaseBlock& block, RecordHeader* recordHeader,
+                      std::int64_t* offset);
+};
+
+// The "Backup Databases" options; false when the user cancelled. Fills the options of the engine.
+bool ShowBackupOptions(HWND owner, BackupEngine* engine);

@@ -1,0 +1,102 @@
+// The "Backup Databases" options.
+#include "app/application.h"
+#include "app/dialogframe.h"
+#include "backup/backup.h"
+#include "backup/passworddialogs.h"
+#include "platform/text.h"
+#include "resources/resource.h"
+
+namespace {
+
+bool ListHasSelection() {
+    return App().listView && SendMessageW(App().listView, LVM_GETSELECTEDCOUNT, 0, 0) > 0;
+}
+
+bool IsChecked(HWND dialog, int id) {
+    return IsDlgButtonChecked(dialog, id) == BST_CHECKED;
+}
+
+void Init(HWND dialog, const BackupEngine& engine) {
+    InitDialogFrame(dialog, true, true);
+    const bool selection = ListHasSelection();
+    CheckRadioButton(dialog, IDC_BACKUP_SELECTED, IDC_BACKUP_ALL,
+                     selection ? IDC_BACKUP_SELECTED : IDC_BACKUP_ALL);
+    EnableWindow(GetDlgItem(dialog, IDC_BACKUP_SELECTED), selection);
+    EnableWindow(GetDlgItem(dialog, IDC_BACKUP_ALL), selection);
+    CheckDlgButton(dialog, IDC_BACKUP_COMPRESS, engine.compress ? BST_CHECKED : BST_UNCHECKED);
+    SendDlgItemMessageW(dialog, IDC_BACKUP_SCRIPT_PATH, EM_SETLIMITTEXT, MAX_PATH, 0);
+    SetDlgItemTextW(dialog, IDC_BACKUP_SCRIPT_PATH, App().settings->scriptName);
+    EnableWindow(GetDlgItem(dialog, IDC_BACKUP_SCRIPT_PATH), FALSE);
+    EnableWindow(GetDlgItem(dialog, IDC_BACKUP_SCRIPT_BROWSE), FALSE);
+}
+
+void EnableScriptPath(HWND dialog) {
+    const bool enable = IsChecked(dialog, IDC_BACKUP_SCRIPT);
+    EnableWindow(GetDlgItem(dialog, IDC_BACKUP_SCRIPT_PATH), enable);
+    EnableWindow(GetDlgItem(dialog, IDC_BACKUP_SCRIPT_BROWSE), enable);
+}
+
+void BrowseForScript(HWND dialog) {
+    WCHAR path[MAX_PATH] = {};
+    GetDlgItemTextW(dialog, IDC_BACKUP_SCRIPT_PATH, path, MAX_PATH);
+    if (PickFile(dialog, path, false, IDS_FILTER_SCRIPT, u"*.abk"))
+        SetDlgItemTextW(dialog, IDC_BACKUP_SCRIPT_PATH, path);
+}
+
+void Accept(HWND dialog, BackupEngine* engine) {
+    engine->compress = IsChecked(dialog, IDC_BACKUP_COMPRESS);
+    engine->allDatabases = IsChecked(dialog, IDC_BACKUP_ALL);
+    engine->generateScript = IsChecked(dialog, IDC_BACKUP_SCRIPT);
+    engine->passwordFlag = IsChecked(dialog, IDC_BACKUP_PASSWORD);
+    if (engine->passwordFlag) {
+        PasswordBlock typed = {};
+        // Without a password these options stay up; that is meant, for no archive may be less protected than
+        // its owner believes.
+        if (!AskNewPassword(&typed, dialog) || !typed.text[0])
+            return;
+        engine->password = typed;
+        ScramblePassword(&engine->password);
+    }
+    if (engine->generateScript)
+        GetDlgItemTextW(dialog, IDC_BACKUP_SCRIPT_PATH, App().settings->scriptName, MAX_PATH);
+    EndDialog(dialog, IDOK);
+}
+
+void OnCommand(HWND dialog, UINT command) {
+    switch (command) {
+    case IDC_BACKUP_SCRIPT:
+        EnableScriptPath(dialog);
+        break;
+    case IDC_BACKUP_SCRIPT_BROWSE:
+        BrowseForScript(dialog);
+        break;
+    case IDOK:
+        Accept(dialog, DialogState<BackupEngine>(dialog));
+        break;
+    case IDCANCEL:
+        EndDialog(dialog, IDCANCEL);
+        break;
+    }
+}
+
+LONG_PTR Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (HandleFrameMessage(dialog, message, wParam, lParam, u"tarnwickscope.htm#backup"))
+        return TRUE;
+    switch (message) {
+    case WM_INITDIALOG:
+        SetDialogState(dialog, lParam);
+        Init(dialog, *DialogState<BackupEngine>(dialog));
+        return TRUE;
+    case WM_COMMAND:
+        OnCommand(dialog, LOWORD(wParam));
+        return TRUE;
+    }
+    return FALSE;
+}
+
+} // namespace
+
+bool ShowBackupOptions(HWND owner, BackupEngine* engine) {
+    return RunDialog(IDD_BACKUP_OPTIONS, IDD_BACKUP_OPTIONS_LANDSCAPE, owner, Procedure,
+                     reinterpret_cast<LPARAM>(engine)) == IDOK;
+}

@@ -1,0 +1,223 @@
+#include "backup/restore.h"
+
+#include <cstring>
+
+#include "app/application.h"
+#include "app/databaseexists.h"
+#include "backup/compressor.h"
+#include "backup/passworddialogs.h"
+#include "dblist/databasename.h"
+#include "platform/controls.h"
+#include "platform/text.h"
+#include "resources/resource.h"
+
+namespace {
+
+// A few kilobytes of code stream can stand for any amount of bytes. More than this fits no heap together with
+// what else it holds.
+constexpr DWORD kMaxRecordSize = 256 * 1024 * 1024;
+
+bool RowIsSelected(HWND list, DWORD row) {
+    return SendMessageW(list, LVM_GETITEMSTATE, row, LVIS_SELECTED) & LVIS_SELECTED;
+}
+
+// Neither a run without dialogs nor one without messages has anybody to answer: it overwrites.
+bool MayAsk() {
+    return RunsInteractively() && !RunsUnattended();
+}
+
+bool LeaveOut(const CEDBASEINFO& database) {
+    return database.szDbaseName[0] == u'\\' && !App().settings->includeSystemDatabases;
+}
+
+// Room for `size` bytes at the record's data, whatever is there now.
+bool MakeRoom(RecordBuffer* record, DWORD size) {
+    if (!record->data || LocalSize(record->data) < size) {
+        LocalFree(record->data);
+        record->data = static_cast<BYTE*>(LocalAlloc(LMEM_ZEROINIT, size));
+    }
+    return record->data;
+}
+
+} // namespace
+
+bool RestoreCommand(HWND owner, const WCHAR* path) {
+    WCHAR picked[MAX_PATH] = {};
+    if (!path && !PickFile(owner, picked, true, IDS_FILTER_BACKUP, u"*.bkp"))
+        return false;
+    RestoreEngine engine;
+    if (!engine.Open(owner, path ? path : picked))
+        return false;
+    if (RunsInteractively())
+        ShowRestoreList(owner, &engine);
+    else
+        engine.RestoreDatabases(nullptr);
+    return true;
+}
+
+bool RestoreEngine::Open(HWND ownerWindow, const WCHAR* path) {
+    owner = ownerWindow;
+    if (!OpenFile(path) || !ReadHeader())
+        return false;
+    if (header.compressed) {
+        const CodecResult result = MakeCodec();
+        if (result == CodecResult::noCodec)
+            ReportFailure(IDS_UNCOMPRESS_NO_MEMORY);
+        else if (result == CodecResult::noTables)
+            ReportOutOfMemory();
+        if (result != CodecResult::ready)
+            return false;
+    }
+    if (!passwordFlag || !password.text[0])
+        return true;
+    ScramblePassword(&password);
+    const PasswordBlock stored = password;
+    return AskPassword(stored, owner);
+}
+
+bool RestoreEngine::RestoreDatabases(HWND list) {
+    if (!ReadHeader())
+        return false;
+    entryOffset = header.firstEntry;
+    BeginProgress(IDS_CONFIRM_ABORT_RESTORE, IDS_RESTORE_DATABASES);
+    const bool whole = RestoreEntries(list);
+    EndProgress();
+    return whole;
+}
+
+// Only a row that is not selected and a restored database lead on to the next entry. That is meant: after any
+// other skip the next turn comes back to the same entry, asks about it again, and the archive's last
+// databases stay unvisited.
+bool RestoreEngine::RestoreEntries(HWND list) {
+    for (DWORD i = 0; i < header.databaseCount; i++) {
+        DatabaseBlock block;
+        if (!ReadDatabaseBlock(&block))
+            return false;
+        if (!list && LeaveOut(block.info))
+            return true; // nobody is asked, so each further turn would come back and leave it out again
+        if (!list || RowIsSelected(list, i)) {
+            const Entry entry = RestoreEntry(block);
+            if (entry == Entry::stopped)
+                return false;
+            if (entry == Entry::skipped)
+                continue;
+        }
+        const bool last = i + 1 == header.databaseCount;
+        if (!last && !MoveToNextEntry(block))
+            return false;
+    }
+    return true;
+}
+
+RestoreEngine::Entry RestoreEngine::RestoreEntry(const DatabaseBlock& block) {
+    BeginProgressOn(IDS_RESTORING_RECORD, block.info);
+    DbHandle database(MessageOwner());
+    WCHAR target[kNameCapacity];
+    CopyText(target, block.info.szDbaseName);
+    const Target choice = ChooseTarget(database, target);
+    if (choice == Target::skip)
+        return Entry::skipped;
+    if (choice == Target::stop)
+        return Entry::stopped;
+    if (choice == Target::create && database.Create(target, block.info) == INVALID_HANDLE_VALUE)
+        return Entry::stopped;
+    if (RestoreRecords(database, block.info, target)) {
+        database.Close();
+        return Entry::restored;
+    }
+    // A database of ours goes; one that was there before can only be left empty.
+    if (choice == Target::reuse)
+        database.DeleteAllRecords();
+    database.Close();
+    if (choice == Target::create)
+        database.DeleteDatabase(target);
+    return Entry::stopped;
+}
+
+// Takes the archived name and leaves the one to restore to. A database to be reused is left open and empty.
+RestoreEngine::Target RestoreEngine::ChooseTarget(DbHandle& database, WCHAR (&name)[kNameCapacity]) {
+    {
+        const QuietReports quiet(database);
+        if (database.Open(name, 0, 0) == INVALID_HANDLE_VALUE)
+            return Target::create;
+        database.Close();
+    }
+    const int answer = MayAsk() ? AskDatabaseExists(MessageOwner(), name) : IDC_EXISTS_OVERWRITE;
+    if (answer == IDC_EXISTS_OVERWRITE)
+        return Overwrite(database, name);
+    if (answer != IDOK)
+        return Target::skip;
+    const WCHAR* newName = AskNewDatabaseName(MessageOwner(), name);
+    if (!newName)
+        return Target::skip;
+    CopyText(name, newName);
+    return Target::create;
+}
+
+RestoreEngine::Target RestoreEngine::Overwrite(DbHandle& database, const WCHAR* name) {
+    {
+        const QuietReports quiet(database);
+        if (database.DeleteDatabase(name))
+            return Target::create;
+    }
+    // It is open elsewhere.
+    if (MayAsk()) {
+        constexpr UINT kStyle = MB_YESNOCANCEL | MB_ICONEXCLAMATION;
+        const int answer = MessageFromString(MessageOwner(), IDS_CONFIRM_RESTORE_IN_USE, name, kStyle);
+        if (answer != IDYES)
+            return answer == IDNO ? Target::skip : Target::stop;
+    }
+    if (database.Open(name, 0, 0) == INVALID_HANDLE_VALUE)
+        return Target::stop;
+    database.DeleteAllRecords();
+    return Target::reuse;
+}
+
+bool RestoreEngine::RestoreRecords(DbHandle& database, const CEDBASEINFO& info, const WCHAR* target) {
+    RecordBuffer record;
+    RecordBuffer stored;
+    bool goesOn = true;
+    for (DWORD i = 0; goesOn && i < info.wNumRecords; i++) {
+        goesOn = ProgressStep(IDS_RESTORING_RECORD, info) && ReadRecord(target, &record, &stored) &&
+                 database.WriteRecordFromStorage(0, &record);
+    }
+    LocalFree(record.data);
+    LocalFree(stored.data);
+    return goesOn;
+}
+
+// Reads the next record. `stored` holds the compressed bytes meanwhile; both blocks are used again for the
+// records that follow.
+bool RestoreEngine::ReadRecord(const WCHAR* target, RecordBuffer* record, RecordBuffer* stored) {
+    RecordHeader recordHeader;
+    const bool headerWhole = BytesLeftInEntry() >= sizeof recordHeader &&
+                             Read(&recordHeader, sizeof recordHeader) == sizeof recordHeader;
+    if (!headerWhole || recordHeader.propCount > 0xFFFF || recordHeader.length > BytesLeftInEntry()) {
+        ReportFailure(IDS_ARCHIVE_CORRUPTED, target);
+        return false;
+    }
+    // A record without properties has nothing to compress.
+    const bool compressed = header.compressed && recordHeader.length;
+    RecordBuffer* const read = compressed ? stored : record;
+    if (!MakeRoom(read, recordHeader.length)) {
+        ReportFailure(IDS_RESTORE_NO_MEMORY, target);
+        return false;
+    }
+    if (Read(read->data, recordHeader.length) != recordHeader.length) {
+        ReportFailure(IDS_ARCHIVE_CORRUPTED, target);
+        return false;
+    }
+    record->propCount = static_cast<WORD>(recordHeader.propCount);
+    record->size = recordHeader.length;
+    return !compressed || ExpandRecord(*stored, recordHeader.length, record);
+}
+
+bool RestoreEngine::ExpandRecord(const RecordBuffer& stored, DWORD length, RecordBuffer* record) {
+    if (!codec->Expand(stored.data, length, kMaxRecordSize) || !MakeRoom(record, codec->OutputLength())) {
+        ReportOutOfMemory();
+        return false;
+    }
+    record->size = codec->OutputLength();
+    std::memcpy(record->data, codec->Output(), record->size);
+    return true;
+}

@@ -1,0 +1,33 @@
+// Restoring databases from an archive.
+#pragma once
+
+#include "backup/archivereader.h"
+#include "store/dbhandle.h"
+
+// Restores from the archive at `path`, or from one that the user picks when it is null. The user chooses
+// databases from a list when the program runs interactively; otherwise all are restored. True when the
+// archive could be opened and the user did not turn back before the list.
+bool RestoreCommand(HWND owner, const WCHAR* path);
+
+class RestoreEngine : public ArchiveReader {
+public:
+    // Opens the archive, makes the codec and asks for the password; false on failure or Cancel.
+    bool Open(HWND ownerWindow, const WCHAR* path);
+    // Restores the databases whose rows are selected in the list view, or all without one (null). True unless
+    // it was ended by a failure or by the user.
+    bool RestoreDatabases(HWND list);
+
+private:
+    enum class Target { create, reuse, skip, stop };
+    enum class Entry { restored, skipped, stopped };
+    bool RestoreEntries(HWND list);
+    Entry RestoreEntry(const DatabaseBlock& block);
+    Target ChooseTarget(DbHandle& database, WCHAR (&name)[kNameCapacity]);
+    Target Overwrite(DbHandle& database, const WCHAR* name);
+    bool RestoreRecords(DbHandle& database, const CEDBASEINFO& info, const WCHAR* target);
+    bool ReadRecord(const WCHAR* target, RecordBuffer* record, RecordBuffer* stored);
+    bool ExpandRecord(const RecordBuffer& stored, DWORD length, RecordBuffer* record);
+};
+
+// The list of an archive's databases. True when all that the user selected was restored.
+bool ShowRestoreList(HWND owner, RestoreEngine* engine);

@@ -1,0 +1,232 @@
+#include "dblist/commands.h"
+
+#include <memory>
+#include <new>
+
+#include "app/application.h"
+#include "app/uiservices.h"
+#include "backup/autobackup.h"
+#include "backup/backup.h"
+#include "backup/restore.h"
+#include "dblist/databaselist.h"
+#include "dblist/listsort.h"
+#include "dblist/management.h"
+#include "dblist/viewmodify.h"
+#include "platform/menu.h"
+#include "platform/shell.h"
+#include "resources/resource.h"
+
+namespace {
+
+using DatabaseCommand = bool (*)(HWND owner, const WCHAR* name);
+
+// Runs a command on the selected database; does nothing without one.
+bool OnSelectedDatabase(HWND mainWindow, DatabaseCommand command) {
+    WCHAR name[kNameCapacity];
+    return SelectedDatabaseName(name) && command(mainWindow, name);
+}
+
+void SaveSelectionAndRebuild() {
+    SaveListSelection();
+    RebuildDatabaseList();
+}
+
+bool RenameWithDialog(HWND owner, const WCHAR* name) {
+    return RenameDatabaseCommand(owner, name, true);
+}
+
+void ChooseView(DWORD style) {
+    if (CurrentListStyle() == style)
+        return;
+    SetListStyle(style);
+    App().settings->listStyle = style;
+    SortDatabaseList();
+}
+
+// The direction stays; only a tap on the column turns it.
+void Arrange(DWORD key) {
+    if (App().settings->sortKey == key)
+        return;
+    App().settings->sortKey = key;
+    SortDatabaseList();
+}
+
+void ChangeOptions(HWND mainWindow) {
+    if (!ShowOptionsDialog(mainWindow))
+        return;
+    ApplyListOptions();
+    RebuildDatabaseList();
+}
+
+bool IsRowSelected(int row) {
+    return SendMessageW(App().listView, LVM_GETITEMSTATE, row, LVIS_SELECTED) & LVIS_SELECTED;
+}
+
+void BackUpDatabases(HWND mainWindow) {
+    const std::unique_ptr<BackupEngine> engine(new (std::nothrow) BackupEngine);
+    if (!engine) {
+        SHShowOutOfMemory(mainWindow, 0);
+        return;
+    }
+    if (!engine->BeginBackup(mainWindow, true, nullptr))
+        return;
+    const int count = DatabaseRowCount();
+    for (int row = 0; row < count; ++row) {
+        if (!engine->allDatabases && !IsRowSelected(row))
+            continue;
+        WCHAR name[kNameCapacity];
+        DatabaseNameOfRow(row, name);
+        if (!engine->WriteDatabase(name))
+            break;
+    }
+    engine->Finish();
+    RebuildDatabaseList();
+}
+
+void ReplayScript(HWND mainWindow) {
+    Settings& settings = *App().settings;
+    // The picker's proposal replaces the path even when the user turns back.
+    if (settings.promptScript &&
+        !PickFile(mainWindow, settings.scriptName, true, IDS_FILTER_SCRIPT, u"*.abk"))
+        return;
+    RunAutobackup(mainWindow);
+}
+
+void RunViewCommand(UINT command) {
+    switch (command) {
+    case IDM_VIEW_LARGE_ICONS:
+        ChooseView(LVS_ICON);
+        break;
+    case IDM_VIEW_DETAILS:
+        ChooseView(LVS_REPORT);
+        break;
+    case IDM_VIEW_SMALL_ICONS:
+        ChooseView(LVS_SMALLICON);
+        break;
+    case IDM_VIEW_LIST:
+        ChooseView(LVS_LIST);
+        break;
+    case IDM_ARRANGE_BY_NAME:
+        Arrange(kSortByName);
+        break;
+    case IDM_ARRANGE_BY_SIZE:
+        Arrange(kSortBySize);
+        break;
+    case IDM_ARRANGE_BY_DATE:
+        Arrange(kSortByDate);
+        break;
+    case IDM_REFRESH:
+        SaveSelectionAndRebuild();
+        break;
+    }
+}
+
+void RunDatabaseCommand(HWND mainWindow, UINT command) {
+    switch (command) {
+    case IDM_DELETE:
+        if (OnSelectedDatabase(mainWindow, DeleteDatabaseCommand))
+            RebuildDatabaseList();
+        break;
+    case IDM_RENAME:
+        if (OnSelectedDatabase(mainWindow, RenameWithDialog))
+            RebuildDatabaseList();
+        break;
+    case IDM_COPY:
+        if (OnSelectedDatabase(mainWindow, CopyDatabaseCommand))
+            RebuildDatabaseList();
+        break;
+    case IDM_EMPTY:
+        if (OnSelectedDatabase(mainWindow, EmptyDatabaseCommand))
+            SaveSelectionAndRebuild();
+        break;
+    case IDM_PROPERTIES:
+        if (SelectedRowCount() == 1)
+            ShowDatabaseProperties(mainWindow);
+        break;
+    case IDM_VIEW_MODIFY:
+        ViewSelectedDatabase(mainWindow);
+        break;
+    }
+}
+
+void RunProgramCommand(HWND mainWindow, UINT command) {
+    switch (command) {
+    case IDM_ABOUT:
+        ShowAboutDialog(mainWindow);
+        break;
+    case IDM_QUIT:
+        PostMessageW(mainWindow, WM_CLOSE, 0, 0);
+        break;
+    case IDM_HELP:
+        OpenHelp(u"tarnwickscope.htm#tarnwickscope_help");
+        break;
+    case IDM_OPTIONS:
+        ChangeOptions(mainWindow);
+        break;
+    case IDM_BACKUP:
+        BackUpDatabases(mainWindow);
+        break;
+    case IDM_RESTORE:
+        if (RestoreCommand(mainWindow, nullptr))
+            RebuildDatabaseList();
+        break;
+    case IDM_AUTOBACKUP:
+        ReplayScript(mainWindow);
+        break;
+    }
+}
+
+constexpr UINT kOneDatabaseCommands[] = {IDM_SEND,   IDM_DELETE, IDM_EMPTY,     IDM_EXPORT,
+                                         IDM_RENAME, IDM_COPY,   IDM_PROPERTIES};
+constexpr UINT kOneDatabaseButtons[] = {IDM_DELETE, IDM_PROPERTIES};
+
+UINT ViewCommand(DWORD style) {
+    switch (style) {
+    case LVS_ICON:
+        return IDM_VIEW_LARGE_ICONS;
+    case LVS_SMALLICON:
+        return IDM_VIEW_SMALL_ICONS;
+    case LVS_LIST:
+        return IDM_VIEW_LIST;
+    }
+    return IDM_VIEW_DETAILS;
+}
+
+UINT ArrangeCommand(DWORD sortKey) {
+    switch (sortKey) {
+    case kSortByDate:
+        return IDM_ARRANGE_BY_DATE;
+    case kSortBySize:
+        return IDM_ARRANGE_BY_SIZE;
+    }
+    return IDM_ARRANGE_BY_NAME;
+}
+
+} // namespace
+
+void RunMainCommand(HWND mainWindow, UINT command) {
+    App().idle = 0;
+    if (command >= IDM_FIRST_COMMAND && command <= IDM_LAST_COMMAND) {
+        RunDatabaseCommand(mainWindow, command);
+        RunViewCommand(command);
+        RunProgramCommand(mainWindow, command);
+    }
+    App().idle = 1;
+    UpdateMainMenu(nullptr);
+}
+
+void UpdateMainMenu(HMENU menu) {
+    if (!menu)
+        menu = reinterpret_cast<HMENU>(SendMessageW(App().menuBar, SHCMBM_GETMENU, 0, 0));
+    if (!menu || !App().menuBar || !App().settings)
+        return;
+    const bool one = SelectedRowCount() == 1;
+    for (const UINT command : kOneDatabaseCommands)
+        EnableMenuItem(menu, command, MF_BYCOMMAND | (one ? MF_ENABLED : MF_GRAYED));
+    for (const UINT command : kOneDatabaseButtons)
+        SendMessageW(App().menuBar, TB_ENABLEBUTTON, command, one);
+    CheckMenuRadioItem(menu, IDM_VIEW_SMALL_ICONS, IDM_VIEW_LARGE_ICONS, ViewCommand(CurrentListStyle()),
+                       MF_BYCOMMAND);
+    CheckMenuRadioItem(menu, IDM_ARRANGE_BY_NAME, IDM_ARRANGE_BY_DATE,
+                       ArrangeCommand(App().settings->sortKey), MF_BYCOMMAND);
+}

@@ -1,0 +1,38 @@
+// The main window's list of databases: one row a database, kept nowhere else.
+#pragma once
+
+#include "platform/controls.h"
+#include "platform/types.h"
+#include "store/dbhandle.h"
+
+enum DatabaseColumn { kNameColumn, kSizeColumn, kDateColumn, kDatabaseColumnCount };
+
+// Makes the settings, the menu bar and the list in the main window; false on failure.
+bool CreateDatabaseList(HWND mainWindow);
+// Moves the list below the menu bar, whose height is read anew.
+void LayOutDatabaseList(HWND mainWindow);
+// The three columns as shares of the width, in pixels.
+void SetListColumnWidths(int width);
+// Applies the settings' fullRow and listFont.
+void ApplyListOptions();
+// The view: LVS_ICON, LVS_REPORT, LVS_SMALLICON or LVS_LIST.
+DWORD CurrentListStyle();
+void SetListStyle(DWORD listStyle);
+
+// Reads all databases from the store anew, sorts and selects as before. Does nothing without a list.
+void RebuildDatabaseList();
+// Reads icon, size and date of the selected rows' databases anew; the order of the rows stays.
+void UpdateSelectedRows();
+// Remembers the selected rows in the settings.
+void SaveListSelection();
+
+int DatabaseRowCount();
+// The next selected row after one (-1: from the first on), -1 for none.
+int NextSelectedRow(int after);
+int SelectedRowCount();
+void DatabaseNameOfRow(int row, WCHAR (&name)[kNameCapacity]);
+// The first selected row's name; false when no row is selected.
+bool SelectedDatabaseName(WCHAR (&name)[kNameCapacity]);
+
+// A database of the system's own: its name begins with a backslash.
+bool IsSystemDatabase(const WCHAR* name);

@@ -1,0 +1,118 @@
+#include "dblist/header.h"
+
+#include "app/application.h"
+#include "dblist/listsort.h"
+#include "platform/gdi.h"
+#include "platform/text.h"
+
+namespace {
+
+enum ArrowImage { kNoArrow = 0, kArrowDown = 1, kArrowUp = 2 };
+
+constexpr int kImageLeft = 2;    // pixels from the item's left edge
+constexpr int kImageHeight = 10; // that the image is centred by, whatever its real height
+constexpr int kPressedRight = 1;
+constexpr int kPressedDown = 2;
+constexpr int kEllipsisLength = 3;
+
+bool IsSortedColumn(UINT column, int sortKind) {
+    switch (static_cast<SortKind>(sortKind)) {
+    case SortKind::Name:
+        return column == 0;
+    case SortKind::Size:
+        return column == 1;
+    case SortKind::Date:
+    case SortKind::Integer:
+        return column == 2;
+    case SortKind::NameToo:
+        return false;
+    }
+    return false;
+}
+
+LONG TextWidth(HDC dc, const WCHAR* text, int length) {
+    SIZE size = {};
+    GetTextExtentPoint32W(dc, text, length, &size);
+    return size.cx;
+}
+
+// Takes characters off the end until the rest and "..." fit; one always stays.
+void ShortenText(HDC dc, WCHAR (&text)[MAX_PATH + kEllipsisLength], LONG width) {
+    int length = lstrlenW(text);
+    if (length == 0 || TextWidth(dc, text, length) <= width)
+        return;
+    do {
+        --length;
+        CopyText(text + length, kEllipsisLength + 1, u"...");
+    } while (length > 1 && TextWidth(dc, text, length + kEllipsisLength) > width);
+}
+
+UINT AlignmentOf(int headerFormat) {
+    if (headerFormat & HDF_CENTER)
+        return DT_CENTER;
+    return headerFormat & HDF_RIGHT ? DT_RIGHT : DT_LEFT;
+}
+
+// Returns the pixels that the image takes, its left margin included.
+int DrawArrow(const DRAWITEMSTRUCT& item, ArrowImage image) {
+    int width = 0;
+    int height = 0;
+    if (!ImageList_GetIconSize(App().headerImages, &width, &height))
+        return 0;
+    const int y = (item.rcItem.bottom - item.rcItem.top - kImageHeight) / 2;
+    ImageList_Draw(App().headerImages, image, item.hDC, item.rcItem.left + kImageLeft,
+                   item.rcItem.top + (y < 1 ? 1 : y), ILD_NORMAL);
+    return kImageLeft + width;
+}
+
+void DrawLabel(const DRAWITEMSTRUCT& item, RECT rect) {
+    WCHAR text[MAX_PATH + kEllipsisLength] = {};
+    HDITEMW header = {};
+    header.mask = HDI_TEXT | HDI_FORMAT;
+    header.pszText = text;
+    header.cchTextMax = MAX_PATH;
+    SendMessageW(item.hwndItem, HDM_GETITEMW, item.itemID, reinterpret_cast<LPARAM>(&header));
+
+    if (item.itemState & ODS_SELECTED) {
+        rect.left += kPressedRight;
+        rect.right += kPressedRight;
+        rect.top += kPressedDown;
+    }
+    const LONG margin = TextWidth(item.hDC, u" ", 1);
+    rect.left += margin;
+    rect.right -= 2 * margin;
+    if (rect.left >= rect.right)
+        return;
+    ShortenText(item.hDC, text, rect.right - rect.left);
+    DrawTextW(item.hDC, text, -1, &rect, AlignmentOf(header.fmt) | DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX);
+}
+
+} // namespace
+
+void MakeHeaderOwnerDrawn(HWND list) {
+    const HWND header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
+    const int count = static_cast<int>(SendMessageW(header, HDM_GETITEMCOUNT, 0, 0));
+    for (int column = 0; column < count; ++column) {
+        HDITEMW item = {};
+        item.mask = HDI_FORMAT;
+        SendMessageW(header, HDM_GETITEMW, column, reinterpret_cast<LPARAM>(&item));
+        item.fmt |= HDF_OWNERDRAW;
+        SendMessageW(header, HDM_SETITEMW, column, reinterpret_cast<LPARAM>(&item));
+    }
+}
+
+void DrawHeaderItem(const DRAWITEMSTRUCT& item, int sortKind, bool ascending) {
+    const int saved = SaveDC(item.hDC);
+    const HBRUSH background = CreateSolidBrush(GetBkColor(item.hDC));
+    FillRect(item.hDC, &item.rcItem, background);
+    DeleteObject(background);
+    SetBkMode(item.hDC, TRANSPARENT);
+
+    ArrowImage image = kNoArrow;
+    if (IsSortedColumn(item.itemID, sortKind))
+        image = ascending ? kArrowUp : kArrowDown;
+    RECT rect = item.rcItem;
+    rect.left += DrawArrow(item, image);
+    DrawLabel(item, rect);
+    RestoreDC(item.hDC, saved);
+}

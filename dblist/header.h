@@ -1,0 +1,9 @@
+// The owner-drawn header of the lists, with its sort arrows.
+#pragma once
+
+#include "platform/controls.h"
+
+// Makes every item of the list view's header owner-drawn.
+void MakeHeaderOwnerDrawn(HWND list);
+// Draws one item for WM_DRAWITEM, with an arrow when its column is the sorted one.
+void DrawHeaderItem(const DRAWITEMSTRUCT& item, int sortKind, bool ascending);

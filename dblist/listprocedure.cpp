@@ -1,0 +1,70 @@
+#include "dblist/listprocedure.h"
+
+#include "app/application.h"
+#include "dblist/header.h"
+#include "platform/controls.h"
+#include "platform/menu.h"
+#include "platform/shell.h"
+#include "resources/resource.h"
+
+namespace {
+
+LRESULT PassOn(HWND list, UINT message, WPARAM wParam, LPARAM lParam) {
+    return CallWindowProcW(App().listViewProc, list, message, wParam, lParam);
+}
+
+bool IsTapAndHold(HWND list, POINT point) {
+    SHRGINFO gesture = {};
+    gesture.cbSize = sizeof(gesture);
+    gesture.hwndClient = list;
+    gesture.ptDown = point;
+    gesture.dwFlags = SHRG_RETURNCMD;
+    return SHRecognizeGesture(&gesture) == GN_CONTEXTMENU;
+}
+
+void ShowContextMenu(HWND list, POINT point) {
+    const HMENU menu = LoadMenuW(AppInstance(), MAKEINTRESOURCEW(IDR_LIST_MENU));
+    ClientToScreen(list, &point);
+    TrackPopupMenuEx(GetSubMenu(menu, 0), TPM_RIGHTALIGN, point.x, point.y, App().mainWindow, nullptr);
+    DestroyMenu(menu);
+}
+
+LRESULT OnStylusDown(HWND list, WPARAM wParam, LPARAM lParam) {
+    const POINT point = {SignedLoWord(lParam), SignedHiWord(lParam)};
+    if (IsTapAndHold(list, point)) {
+        // The list must not wait for a lift that the menu swallows.
+        PostMessageW(list, WM_LBUTTONUP, wParam, lParam);
+        const LRESULT result = PassOn(list, WM_LBUTTONDOWN, wParam, lParam);
+        ShowContextMenu(list, point);
+        return result;
+    }
+    const LRESULT result = PassOn(list, WM_LBUTTONDOWN, wParam, lParam);
+    if (!App().settings->doubleTap)
+        PostMessageW(App().mainWindow, WM_COMMAND, IDM_VIEW_MODIFY, 0);
+    return result;
+}
+
+} // namespace
+
+LRESULT DatabaseListProcedure(HWND list, UINT message, WPARAM wParam, LPARAM lParam) {
+    // The viewer's list has this procedure for its header's sake; what opens a viewer belongs to the main
+    // list.
+    const bool mainList = list == App().listView;
+    switch (message) {
+    case WM_DRAWITEM:
+        DrawHeaderItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam),
+                       static_cast<int>(App().settings->sortKey), App().settings->sortAscending != 0);
+        return TRUE;
+    case WM_KEYDOWN:
+        if (mainList && wParam == VK_RETURN) {
+            PostMessageW(App().mainWindow, WM_COMMAND, IDM_VIEW_MODIFY, 0);
+            return 0;
+        }
+        break;
+    case WM_LBUTTONDOWN:
+        if (mainList)
+            return OnStylusDown(list, wParam, lParam);
+        break;
+    }
+    return PassOn(list, message, wParam, lParam);
+}

@@ -1,0 +1,189 @@
+// The rows of the database list: read from the store, selected, remembered.
+#include "dblist/databaselist.h"
+
+#include <cstring>
+
+#include "app/application.h"
+#include "app/uiservices.h"
+#include "dblist/listsort.h"
+#include "platform/objectstore.h"
+#include "store/datetimetext.h"
+#include "store/sizetext.h"
+
+namespace {
+
+enum RowIcon { kOrdinaryIcon = 0, kSystemIcon = 1, kInUseIcon = 2, kEmptyIcon = 4 };
+
+RowIcon IconFor(const CEDBASEINFO& info) {
+    if (IsSystemDatabase(info.szDbaseName))
+        return kSystemIcon;
+    if (info.wNumRecords == 0)
+        return kEmptyIcon;
+    CEOID oid = 0;
+    const HANDLE opened = CeOpenDatabase(&oid, info.szDbaseName, 0, 0, nullptr);
+    if (opened == INVALID_HANDLE_VALUE)
+        return kInUseIcon;
+    CloseHandle(opened);
+    return kOrdinaryIcon;
+}
+
+void SetSubItemText(int row, int column, const WCHAR* text) {
+    LVITEMW item = {};
+    item.iSubItem = column;
+    item.pszText = const_cast<WCHAR*>(text);
+    SendMessageW(App().listView, LVM_SETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
+}
+
+void SetSizeAndDate(int row, const CEDBASEINFO& info) {
+    WCHAR size[kSizeTextCapacity];
+    FormatSizeText(info.dwSize, size);
+    SetSubItemText(row, kSizeColumn, size);
+    SetSubItemText(row, kDateColumn, DateTimeText(info.ftLastModified).DateText());
+}
+
+void InsertRow(int row, const CEDBASEINFO& info) {
+    LVITEMW item = {};
+    item.mask = LVIF_TEXT | LVIF_IMAGE | LVIF_STATE | LVIF_PARAM;
+    item.iItem = row;
+    item.iImage = IconFor(info);
+    item.lParam = row;
+    item.pszText = const_cast<WCHAR*>(info.szDbaseName);
+    SendMessageW(App().listView, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    SetSizeAndDate(row, info);
+}
+
+void InsertAllRows() {
+    const HANDLE databases = CeFindFirstDatabase(0);
+    if (databases == INVALID_HANDLE_VALUE)
+        return;
+    int row = 0;
+    while (const CEOID oid = CeFindNextDatabase(databases)) {
+        CEOIDINFO object = {};
+        if (!CeOidGetInfo(oid, &object) || object.wObjType != OBJTYPE_DATABASE)
+            continue;
+        if (IsSystemDatabase(object.infDatabase.szDbaseName) && !App().settings->showSystemDatabases)
+            continue;
+        InsertRow(row++, object.infDatabase);
+    }
+    CloseHandle(databases);
+}
+
+void SelectRow(int row, UINT state) {
+    LVITEMW item = {};
+    item.state = state;
+    item.stateMask = state;
+    SendMessageW(App().listView, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
+}
+
+void MakeVisible(int row) {
+    SendMessageW(App().listView, LVM_ENSUREVISIBLE, row, FALSE);
+}
+
+// True when the remembered selection selected a row. The byte of no selection is a row's number too, once
+// there are that many.
+bool RestoreListSelection() {
+    const int count = DatabaseRowCount();
+    bool any = false;
+    for (const BYTE row : App().settings->selection) {
+        if (row < count) {
+            SelectRow(row, LVIS_SELECTED);
+            any = true;
+        }
+    }
+    return any;
+}
+
+void SelectAfterRebuild(int selected, int pageBottom) {
+    if (RestoreListSelection()) {
+        MakeVisible(pageBottom);
+        return;
+    }
+    const int count = DatabaseRowCount();
+    if (count == 0)
+        return;
+    const int row = selected < count ? selected : count - 1;
+    SelectRow(row, LVIS_SELECTED | LVIS_FOCUSED);
+    MakeVisible(pageBottom);
+    MakeVisible(row);
+}
+
+} // namespace
+
+void RebuildDatabaseList() {
+    const HWND list = App().listView;
+    if (!list)
+        return;
+    {
+        const WaitCursor wait;
+        SendMessageW(list, WM_SETREDRAW, FALSE, 0);
+        const int selected = NextSelectedRow(-1);
+        const int pageBottom = static_cast<int>(SendMessageW(list, LVM_GETTOPINDEX, 0, 0) +
+                                                SendMessageW(list, LVM_GETCOUNTPERPAGE, 0, 0)) -
+                               1;
+        SendMessageW(list, LVM_DELETEALLITEMS, 0, 0);
+        InsertAllRows();
+        SortDatabaseList();
+        SelectAfterRebuild(selected < 0 ? 0 : selected, pageBottom);
+    }
+    SendMessageW(list, WM_SETREDRAW, TRUE, 0);
+    SetFocus(list);
+}
+
+void UpdateSelectedRows() {
+    for (int row = NextSelectedRow(-1); row >= 0; row = NextSelectedRow(row)) {
+        WCHAR name[kNameCapacity];
+        DatabaseNameOfRow(row, name);
+        DbHandle database(nullptr);
+        CEDBASEINFO info;
+        if (database.Open(name, 0, 0) == INVALID_HANDLE_VALUE || !database.GetInfo(&info))
+            continue;
+        LVITEMW item = {};
+        item.mask = LVIF_IMAGE;
+        item.iItem = row;
+        item.iImage = IconFor(info);
+        SendMessageW(App().listView, LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+        SetSizeAndDate(row, info);
+    }
+}
+
+void SaveListSelection() {
+    BYTE(&selection)[kSelectionBytes] = App().settings->selection;
+    std::memset(selection, kNoSelection, kSelectionBytes);
+    int count = 0;
+    for (int row = NextSelectedRow(-1); row >= 0 && count < kSelectionBytes; row = NextSelectedRow(row))
+        selection[count++] = static_cast<BYTE>(row);
+}
+
+int DatabaseRowCount() {
+    return static_cast<int>(SendMessageW(App().listView, LVM_GETITEMCOUNT, 0, 0));
+}
+
+int NextSelectedRow(int after) {
+    return static_cast<int>(
+        SendMessageW(App().listView, LVM_GETNEXTITEM, static_cast<WPARAM>(after), LVNI_SELECTED));
+}
+
+void DatabaseNameOfRow(int row, WCHAR (&name)[kNameCapacity]) {
+    name[0] = 0;
+    LVITEMW item = {};
+    item.pszText = name;
+    item.cchTextMax = kNameCapacity;
+    SendMessageW(App().listView, LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
+}
+
+bool SelectedDatabaseName(WCHAR (&name)[kNameCapacity]) {
+    name[0] = 0;
+    const int row = NextSelectedRow(-1);
+    if (row < 0)
+        return false;
+    DatabaseNameOfRow(row, name);
+    return true;
+}
+
+int SelectedRowCount() {
+    return static_cast<int>(SendMessageW(App().listView, LVM_GETSELECTEDCOUNT, 0, 0));
+}
+
+bool IsSystemDatabase(const WCHAR* name) {
+    return name[0] == u'\\';
+}

@@ -1,0 +1,173 @@
+#include "dblist/listsort.h"
+
+#include "app/application.h"
+#include "app/uiservices.h"
+#include "platform/controls.h"
+#include "platform/datetime.h"
+#include "platform/objectstore.h"
+#include "platform/text.h"
+#include "store/dbhandle.h"
+
+namespace {
+
+constexpr int kNameColumn = 0;
+constexpr int kIntegerColumn = 2; // the viewer's ids
+constexpr int kHundredths = 100;  // in one kilobyte's text
+constexpr WCHAR kDot = u'.';
+
+int RowOfParameter(HWND list, LPARAM parameter) {
+    LVFINDINFOW find = {};
+    find.flags = LVFI_PARAM;
+    find.lParam = parameter;
+    return static_cast<int>(
+        SendMessageW(list, LVM_FINDITEMW, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&find)));
+}
+
+void RowText(HWND list, int row, int subItem, WCHAR (&text)[MAX_PATH]) {
+    text[0] = 0;
+    LVITEMW item = {};
+    item.iSubItem = subItem;
+    item.pszText = text;
+    item.cchTextMax = MAX_PATH;
+    SendMessageW(list, LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
+}
+
+// Null when there is no dot.
+WCHAR* LastDot(WCHAR* text) {
+    WCHAR* dot = nullptr;
+    for (; *text; ++text) {
+        if (*text == kDot)
+            dot = text;
+    }
+    return dot;
+}
+
+// Digits up to the first other character, after a sign.
+std::int64_t ReadNumber(const WCHAR* text) {
+    const bool negative = *text == u'-';
+    if (negative)
+        ++text;
+    std::int64_t number = 0;
+    for (int digits = 0; *text >= u'0' && *text <= u'9' && digits < 18; ++text, ++digits)
+        number = number * 10 + (*text - u'0');
+    return negative ? -number : number;
+}
+
+template <typename T>
+int Compare(T first, T second) {
+    return first < second ? -1 : first > second;
+}
+
+// What follows the last dot of a name does not count, as if it were a file's extension.
+int CompareNames(WCHAR* first, WCHAR* second) {
+    for (WCHAR* text : {first, second}) {
+        if (WCHAR* dot = LastDot(text))
+            *dot = 0;
+    }
+    return lstrcmpiW(first, second);
+}
+
+std::int64_t SizeOfText(WCHAR* text) {
+    WCHAR* dot = LastDot(text);
+    return ReadNumber(text) * kHundredths + (dot ? ReadNumber(dot + 1) : 0);
+}
+
+std::optional<FILETIME> ReadModified(HWND list, int row) {
+    WCHAR name[MAX_PATH];
+    RowText(list, row, kNameColumn, name);
+    DbHandle database(nullptr);
+    const QuietReports quiet(database);
+    CEDBASEINFO info;
+    if (database.Open(name, 0, 0) == INVALID_HANDLE_VALUE || !database.GetInfo(&info))
+        return std::nullopt;
+    return info.ftLastModified;
+}
+
+const std::optional<FILETIME>& ModifiedOfRow(ListSort& sort, LPARAM parameter, int row) {
+    const auto place = static_cast<std::size_t>(parameter);
+    if (place >= sort.modified.size())
+        sort.modified.resize(place + 1);
+    ListSort::Modified& entry = sort.modified[place];
+    if (!entry.known)
+        entry = {true, ReadModified(sort.list, row)};
+    return entry.time;
+}
+
+int CompareDates(ListSort& sort, LPARAM firstParameter, int first, LPARAM secondParameter, int second) {
+    const std::optional<FILETIME> firstTime = ModifiedOfRow(sort, firstParameter, first);
+    const std::optional<FILETIME> secondTime = ModifiedOfRow(sort, secondParameter, second);
+    return firstTime && secondTime ? CompareFileTime(&*firstTime, &*secondTime) : 0;
+}
+
+int CompareTexts(const ListSort& sort, int first, int second) {
+    WCHAR firstText[MAX_PATH];
+    WCHAR secondText[MAX_PATH];
+    RowText(sort.list, first, sort.subItem, firstText);
+    RowText(sort.list, second, sort.subItem, secondText);
+    switch (static_cast<SortKind>(sort.kind)) {
+    case SortKind::Name:
+    case SortKind::NameToo:
+        return CompareNames(firstText, secondText);
+    case SortKind::Size:
+        return Compare(SizeOfText(firstText), SizeOfText(secondText));
+    case SortKind::Integer:
+        return Compare(ReadNumber(firstText), ReadNumber(secondText));
+    case SortKind::Date:
+        break;
+    }
+    return 0;
+}
+
+int CompareRows(LPARAM firstParameter, LPARAM secondParameter, LPARAM param) {
+    if (firstParameter == secondParameter)
+        return 0;
+    if ((firstParameter < 0) != (secondParameter < 0))
+        return firstParameter < 0 ? -1 : 1;
+    ListSort& sort = *reinterpret_cast<ListSort*>(param);
+    const int first = RowOfParameter(sort.list, firstParameter);
+    const int second = RowOfParameter(sort.list, secondParameter);
+    if (first == second)
+        return 0;
+    const int order = static_cast<SortKind>(sort.kind) == SortKind::Date && firstParameter >= 0
+                          ? CompareDates(sort, firstParameter, first, secondParameter, second)
+                          : CompareTexts(sort, first, second);
+    return sort.ascending ? order : -order;
+}
+
+} // namespace
+
+void SortListView(ListSort& sort) {
+    SendMessageW(sort.list, LVM_SORTITEMS, reinterpret_cast<WPARAM>(&sort),
+                 reinterpret_cast<LPARAM>(CompareRows));
+    InvalidateRect(reinterpret_cast<HWND>(SendMessageW(sort.list, LVM_GETHEADER, 0, 0)), nullptr, TRUE);
+}
+
+ListSort SettingsSort(HWND list) {
+    const Settings& settings = *App().settings;
+    const int key = static_cast<int>(settings.sortKey);
+    const int subItem = settings.sortKey == kSortByInteger ? kIntegerColumn : key;
+    return {settings.sortAscending != 0, subItem, key, list};
+}
+
+void SetSortKey(DWORD key) {
+    Settings& settings = *App().settings;
+    if (key == settings.sortKey)
+        settings.sortAscending = !settings.sortAscending;
+    settings.sortKey = key;
+}
+
+void SortDatabaseList() {
+    const WaitCursor wait;
+    ListSort sort = SettingsSort(App().listView);
+    SortListView(sort);
+}
+
+void SortByColumn(int column) {
+    DWORD key = kSortByName;
+    if (column == 1)
+        key = kSortBySize;
+    else if (column == 2)
+        key = kSortByDate;
+    SetSortKey(key);
+    SortDatabaseList();
+}

@@ -1,0 +1,102 @@
+// One open object-store database, with every failure reported in one way.
+#pragma once
+
+#include "platform/objectstore.h"
+#include "platform/window.h"
+
+constexpr int kNameCapacity = 32; // characters of a database name, terminator included
+
+// One record in memory: `propCount` CEPROPVAL entries followed by the strings and blobs that they point into.
+// `data` is a local-heap block that grows as records are read into it; its holder releases it with LocalFree.
+struct RecordBuffer {
+    WORD propCount = 0;
+    DWORD reserved = 0; // 0 after every read
+    DWORD size = 0;     // bytes of the record in `data`
+    BYTE* data = nullptr;
+
+    CEPROPVAL* Properties() const { return reinterpret_cast<CEPROPVAL*>(data); }
+};
+
+class DbHandle {
+public:
+    explicit DbHandle(HWND owner);
+    virtual ~DbHandle(); // closes silently
+    DbHandle(const DbHandle&) = delete;
+    DbHandle& operator=(const DbHandle&) = delete;
+
+    // Opening closes what was open. The invalid handle on failure.
+    HANDLE Open(const WCHAR* databaseName, CEPROPID sortProperty, DWORD flags);
+    HANDLE OpenWithNotify(HWND notify, const WCHAR* databaseName, CEPROPID sortProperty, DWORD flags);
+    HANDLE Create(const WCHAR* databaseName, const CEDBASEINFO& info);
+    bool Close(); // true also when nothing was open
+
+    // All below fail at once, without a message, when no database is open; all but SetInfo and
+    // DeleteDatabase.
+    bool GetInfo(CEDBASEINFO* info); // zeroed on failure
+    bool SetInfo(CEOID database, const CEDBASEINFO& info);
+
+    // The index is the record's 0-based position in the order that the database was opened with.
+    bool SeekFirst(DWORD* index, CEOID* record = nullptr);
+    bool SeekLast(DWORD* index, CEOID* record = nullptr);
+    bool SeekPrevious(DWORD* index, CEOID* record = nullptr);
+    bool SeekNext(DWORD* index, CEOID* record = nullptr);
+    bool SeekToRecord(CEOID record, DWORD* index);
+
+    // The current record, with pointers; returns its id, 0 on failure.
+    CEOID ReadRecord(RecordBuffer* buffer);
+    // The same with offsets from the start of the block in place of pointers (0 for an absent string or an
+    // empty blob): the form that files and wires carry.
+    CEOID ReadRecordForStorage(RecordBuffer* buffer);
+    // Record 0 makes a new one. Returns the record's id, 0 on failure.
+    CEOID WriteRecord(CEOID record, const RecordBuffer& buffer);
+    // Turns the offsets of `buffer` into pointers, then writes. Nothing in the buffer is trusted: entries,
+    // offsets, lengths or terminators that do not fit the block fail as ERROR_INVALID_PARAMETER. `data` must
+    // be a local-heap block.
+    CEOID WriteRecordFromStorage(CEOID record, RecordBuffer* buffer);
+    CEOID WriteProperty(CEOID record, CEPROPVAL* property);
+    CEOID DeleteProperty(CEOID record, CEPROPVAL* property);
+    bool DeleteRecord(CEOID record);
+    // From the last record back, silently; stops at the first that cannot be deleted.
+    bool DeleteAllRecords();
+    // By name; does not touch the database that is open here.
+    bool DeleteDatabase(const WCHAR* databaseName);
+
+    // Fills errorText with the last error in words and shows the message, unless switched off; the message's
+    // arguments are the name (null: this database's) and the error text, in this order whatever the format.
+    // Returns errorText.
+    const WCHAR* ReportError(const WCHAR* format, const WCHAR* nameForMessage);
+
+    static constexpr int kNameRoom = 36;
+    static constexpr int kTextRoom = 256;
+
+    HANDLE handle = INVALID_HANDLE_VALUE;
+    WCHAR name[kNameRoom] = {};
+    WCHAR messageText[kTextRoom] = {};
+    WCHAR errorText[kTextRoom] = {};
+    HWND ownerWindow;
+    BYTE reportErrors = 1;
+    CEOID oid = 0;
+
+private:
+    bool Seek(DWORD type, DWORD value, DWORD* index, CEOID* record);
+    void Report(UINT formatId, const WCHAR* nameForMessage = nullptr);
+    HANDLE Opened(HANDLE opened, const WCHAR* databaseName);
+};
+
+// Switches a handle's reports off while it lives: for steps whose failure is no news, such as running off the
+// last record.
+class QuietReports {
+public:
+    explicit QuietReports(DbHandle& db) : db(db), before(db.reportErrors) { db.reportErrors = 0; }
+    ~QuietReports() { db.reportErrors = before; }
+    QuietReports(const QuietReports&) = delete;
+    QuietReports& operator=(const QuietReports&) = delete;
+
+private:
+    DbHandle& db;
+    BYTE before;
+};
+
+// Steps of a walk over all records: false at the end, which is not reported, and on failures, which are.
+bool WalkToFirst(DbHandle& db, DWORD* index);
+bool WalkToNext(DbHandle& db, DWORD* index);

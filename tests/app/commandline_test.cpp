@@ -1,0 +1,125 @@
+#include "app/commandline.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "app/application.h"
+#include "platform/files.h"
+#include "platform/objectstore.h"
+#include "platform/registry.h"
+#include "platform/ui/testhooks.h"
+#include "tests/support/testdevice.h"
+
+namespace {
+
+class CommandLineTest : public testing::Test {
+protected:
+    CommandLineTest() {
+        TestHooks().messageBox = [this](const MessageBoxSeen& box) {
+            messages.push_back(box.text);
+            AnswerMessageBox(box.style & MB_YESNO ? IDYES : IDOK);
+        };
+    }
+    ~CommandLineTest() override { TestHooks().messageBox = nullptr; }
+
+    static void MakeDatabase(const WCHAR* name) { EXPECT_NE(CeCreateDatabase(name, 1, 0, nullptr), 0u); }
+    static bool Exists(const WCHAR* name) {
+        CEOID oid = 0;
+        const HANDLE opened = CeOpenDatabase(&oid, name, 0, 0, nullptr);
+        return opened != INVALID_HANDLE_VALUE && CloseHandle(opened);
+    }
+    bool HasFile(const char* name) const { return std::filesystem::exists(device.folder + "/root/" + name); }
+    // The program's verdict: invalid lines say so once and do nothing.
+    bool IsInvalid(const std::u16string& line) {
+        messages.clear();
+        EXPECT_EQ(RunCommandLine(line.c_str()), -1);
+        EXPECT_EQ(App().settings, nullptr);
+        return messages == std::vector<std::u16string>{u"Invalid command line parameters."};
+    }
+
+    TestDevice device;
+    std::vector<std::u16string> messages;
+};
+
+} // namespace
+
+TEST_F(CommandLineTest, RefusesWhatNamesNoJob) {
+    const std::u16string invalid[] = {
+        u" ",
+        u"\t\v",
+        u"all.bkp",
+        u"-D -I -P -S",
+        u"-B",
+        u"-B -R",
+        u"-B /D",
+        u"-R \\a.bkp -A \\b.abk",
+        u"-A \\a.abk -A \\b.abk",
+        u"-X -B \\a.bkp",
+        u"-1 -B \\a.bkp",
+        u"- -B \\a.bkp",
+        u"-\u00C2 -B \\a.bkp", // not a letter of this alphabet, whatever its case bit
+        u"-B \"-x\" -D",
+        std::u16string(100000, u'a')};
+    for (const std::u16string& line : invalid)
+        EXPECT_TRUE(IsInvalid(line)) << line.size();
+    EXPECT_FALSE(HasFile("a.bkp"));
+}
+
+TEST_F(CommandLineTest, BacksUpWithEveryFormOfSwitch) {
+    MakeDatabase(u"Plain");
+    MakeDatabase(u"\\System");
+    RunCommandLine(u"ignored -b \\one.bkp -D -P more");
+    EXPECT_TRUE(HasFile("one.bkp"));
+    RunCommandLine(u"/Backup \"\\with blanks.bkp\"/d/p"); // a quote ends its token, blank or not
+    EXPECT_TRUE(HasFile("with blanks.bkp"));
+    RunCommandLine(u"-B\u2003\"\\open quote.bkp -D");
+    EXPECT_TRUE(HasFile("open quote.bkp -D"));
+    RunCommandLine((u"-D -P -B \\" + std::u16string(100000, u'x')).c_str());
+    EXPECT_EQ(messages.size(), 1u); // too long a name: cannot be created
+    EXPECT_TRUE(Exists(u"Plain"));
+}
+
+TEST_F(CommandLineTest, LaterArchiveWinsAndSystemDatabasesNeedTheirSwitch) {
+    MakeDatabase(u"Plain");
+    MakeDatabase(u"\\System");
+    RunCommandLine(u"-B \\all.bkp -S -D -P");
+    RunCommandLine(u"-B \\plain.bkp -D -P");
+    const TestDevice other;
+    std::filesystem::copy(device.folder + "/root", other.folder + "/root",
+                          std::filesystem::copy_options::recursive);
+    RunCommandLine(u"-B \\never.bkp -R \\plain.bkp -D -P");
+    EXPECT_FALSE(std::filesystem::exists(other.folder + "/root/never.bkp"));
+    EXPECT_TRUE(Exists(u"Plain"));
+    EXPECT_FALSE(Exists(u"\\System"));
+    RunCommandLine(u"-R \\all.bkp -S -D -P");
+    EXPECT_TRUE(Exists(u"\\System"));
+    EXPECT_TRUE(messages.empty());
+}
+
+TEST_F(CommandLineTest, ScriptIsRememberedAndSwitchesAreNot) {
+    EXPECT_EQ(RunCommandLine(u"-A \\missing.abk -D -P"), -1);
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_NE(messages[0].find(u"Autobackup script file doesn't exist"), std::u16string::npos);
+    messages.clear();
+    RunCommandLine(u"-A \\missing.abk -D -P -I");
+    EXPECT_TRUE(messages.empty());
+    const Settings settings;
+    EXPECT_EQ(std::u16string(settings.scriptName), u"\\missing.abk");
+    EXPECT_EQ(settings.interactive, 1u);
+    EXPECT_EQ(settings.noProgress, 0u);
+}
+
+TEST_F(CommandLineTest, ReplacesLastNightsArchiveWithoutAsking) {
+    MakeDatabase(u"Plain");
+    RunCommandLine(u"-B \\nightly.bkp -D -P");
+    const auto first = std::filesystem::file_size(device.folder + "/root/nightly.bkp");
+    MakeDatabase(u"Newer");
+    RunCommandLine(u"-B \\nightly.bkp -D -P");
+    EXPECT_GT(std::filesystem::file_size(device.folder + "/root/nightly.bkp"), first);
+    EXPECT_TRUE(messages.empty());
+    RunCommandLine(u"-B \\nightly.bkp -P"); // with dialogs it is asked once
+    EXPECT_EQ(messages, (std::vector<std::u16string>{u"File \"\\nightly.bkp\" already exists; overwrite?"}));
+}

@@ -1,0 +1,211 @@
+// Archives as they are written, against bytes written down by hand.
+#include <csignal>
+#include <cstring>
+#include <sys/resource.h>
+
+#include "backup/backup.h"
+#include "backup/compressor.h"
+#include "backup/restore.h"
+#include "platform/datetime.h"
+#include "tests/backup/backupfixture.h"
+
+#include <sqlite3.h>
+
+namespace {
+
+constexpr const WCHAR* kPath = u"\\all.bkp";
+
+class ArchiveTest : public BackupTest {
+protected:
+    static bool BackUp(BackupEngine& engine, std::initializer_list<const WCHAR*> names) {
+        if (!engine.BeginBackup(nullptr, false, kPath))
+            return false;
+        bool whole = true;
+        for (const WCHAR* name : names)
+            whole = whole && engine.WriteDatabase(name);
+        return engine.Finish() && whole;
+    }
+
+    // The times in a database block are those of the test's run: they are looked at, then put back to those
+    // of the bytes written by hand.
+    static void TakeTimes(const Bytes& pattern, Bytes* block) {
+        SYSTEMTIME now, stored;
+        GetLocalTime(&now);
+        std::memcpy(&stored, block->data() + 124, sizeof stored);
+        EXPECT_EQ(now.wYear, stored.wYear);
+        std::copy_n(pattern.begin() + 84, 8, block->begin() + 84);
+        std::copy_n(pattern.begin() + 124, 16, block->begin() + 124);
+    }
+};
+
+TEST_F(ArchiveTest, PlainArchiveHasTheDocumentedBytes) {
+    MakeSample();
+    BackupEngine engine;
+    engine.compress = false;
+    ASSERT_TRUE(BackUp(engine, {u"Ab"}));
+    const Bytes expected = FromHex(kPlainArchive);
+    Bytes written = FileBytes(kPath);
+    ASSERT_EQ(written.size(), expected.size());
+    Bytes block = Slice(written, kPlainBlock, 144);
+    TakeTimes(Slice(expected, kPlainBlock, 144), &block);
+    std::copy(block.begin(), block.end(), written.begin() + kPlainBlock);
+    EXPECT_EQ(written, expected);
+}
+
+TEST_F(ArchiveTest, CompressedArchiveWithPasswordHasTheDocumentedBytes) {
+    MakeSample();
+    BackupEngine engine;
+    std::memcpy(engine.password.text, u"open", sizeof u"open");
+    ScramblePassword(&engine.password);
+    engine.passwordFlag = true;
+    ASSERT_TRUE(BackUp(engine, {u"Ab"}));
+    const Bytes expected = FromHex(kCompressedArchive);
+    const Bytes written = FileBytes(kPath);
+    ASSERT_GT(written.size(), 72u);
+    EXPECT_EQ(Slice(written, 0, 64), Slice(expected, 0, 64));
+    EXPECT_EQ(NumberAt(written, 64), written.size()); // the next entry
+    const DWORD blockLength = NumberAt(written, 68);
+    EXPECT_EQ(Slice(written, 72 + blockLength, SIZE_MAX), Slice(expected, 72 + 59, SIZE_MAX));
+
+    Compressor codec;
+    ASSERT_TRUE(codec.AllocateTables());
+    const Bytes stream = Slice(written, 72, blockLength);
+    ASSERT_TRUE(codec.Expand(stream.data(), blockLength));
+    Bytes block(codec.Output(), codec.Output() + codec.OutputLength());
+    ASSERT_EQ(block.size(), 144u);
+    Bytes plain = Slice(FromHex(kPlainArchive), kPlainBlock, 144);
+    TakeTimes(plain, &block);
+    PutNumber(&plain, 140, 0);
+    EXPECT_EQ(block, plain);
+}
+
+TEST_F(ArchiveTest, EmptyArchiveAndEmptyDatabase) {
+    BackupEngine none;
+    ASSERT_TRUE(BackUp(none, {}));
+    EXPECT_EQ(FileBytes(kPath).size(), 24u);
+
+    CEDBASEINFO info = {};
+    DbHandle(nullptr).Create(u"Nothing", info);
+    MakeSample();
+    BackupEngine engine;
+    engine.compress = false;
+    ASSERT_TRUE(BackUp(engine, {u"Nothing", u"Ab"}));
+    const Bytes written = FileBytes(kPath);
+    EXPECT_EQ(NumberAt(written, 8), 2u);
+    EXPECT_EQ(NumberAt(written, 24 + 140), 24u + 144); // the second entry follows the first one's block
+    EXPECT_EQ(written.size(), 224u + 144);
+}
+
+TEST_F(ArchiveTest, PasswordsAreScrambledInPlaceAndEndInTheirBlock) {
+    PasswordBlock password = {};
+    std::fill(std::begin(password.text), std::end(password.text), u'x'); // no end at all
+    ScramblePassword(&password);
+    EXPECT_EQ(password.text[18], u'x' ^ 0x5C3A);
+    EXPECT_EQ(password.text[19], 0);
+    ScramblePassword(&password);
+    EXPECT_EQ(std::u16string(password.text), std::u16string(19, u'x'));
+
+    PasswordBlock cut = {{u'a', 0x5C3A, u'b', u'c'}};
+    ScramblePassword(&cut);
+    EXPECT_EQ(cut.text[0], u'a' ^ 0x5C3A);
+    EXPECT_EQ(std::u16string(cut.text + 1, 19), std::u16string(19, u'\0'));
+}
+
+TEST_F(ArchiveTest, MissingDatabaseEndsTheBackupAndKeepsWhatIsThere) {
+    MakeSample();
+    BackupEngine engine;
+    engine.compress = false;
+    ASSERT_TRUE(engine.BeginBackup(nullptr, false, kPath));
+    EXPECT_TRUE(engine.WriteDatabase(u"Ab"));
+    ExpectMessage(u"Couldn't open \"Missing\" database: The system cannot find the file specified");
+    EXPECT_FALSE(engine.WriteDatabase(u"Missing"));
+    EXPECT_TRUE(engine.Finish());
+    EXPECT_EQ(FileBytes(kPath).size(), 224u);
+    EXPECT_EQ(NumberAt(FileBytes(kPath), 8), 1u);
+}
+
+// A reader goes by the block's count, so an unreadable record must not be counted.
+TEST_F(ArchiveTest, UnreadableRecordIsLeftOutOfTheCount) {
+    for (const bool compress : {false, true}) {
+        SCOPED_TRACE(compress);
+        const std::u16string name = compress ? u"Packed" : u"Plain";
+        MakeRecords(name.c_str(), 5);
+        storage::CloseStore();
+        sqlite3* raw = nullptr;
+        ASSERT_EQ(sqlite3_open((device.folder + "/objectstore.db").c_str(), &raw), SQLITE_OK);
+        const char* const damage =
+            "UPDATE records SET data = x'00' WHERE id = (SELECT max(id) - 2 FROM records)";
+        EXPECT_EQ(sqlite3_exec(raw, damage, nullptr, nullptr, nullptr), SQLITE_OK);
+        EXPECT_EQ(sqlite3_changes(raw), 1);
+        sqlite3_close(raw);
+
+        BackupEngine engine;
+        engine.compress = compress;
+        ExpectMessage(u"Couldn't read record in \"" + name + u"\" database: Unknown error");
+        ASSERT_TRUE(BackUp(engine, {name.c_str()}));
+        DeleteAllBut(u"");
+        ASSERT_TRUE(RestoreCommand(nullptr, kPath));
+        EXPECT_EQ(Contents(name.c_str()), u"1=0 2= 3=<Binary Data>\n1=1 2=x 3=<Binary Data>\n"
+                                          u"1=3 2=xxx 3=<Binary Data>\n1=4 2=xxxx 3=<Binary Data>\n");
+    }
+}
+
+TEST_F(ArchiveTest, StopsBeforeFourGibibytes) {
+    MakeSample();
+    for (const DWORD room : {143u, 144u, 199u}) {
+        SCOPED_TRACE(room);
+        BackupEngine engine;
+        engine.compress = false;
+        ASSERT_TRUE(engine.BeginBackup(nullptr, false, kPath));
+        engine.entryOffset = 0xFFFFFFFF - room;
+        ExpectMessage(u"Unable to write the file. Possibly not enough storage space.");
+        EXPECT_FALSE(engine.WriteDatabase(u"Ab"));
+        EXPECT_EQ(engine.entryOffset, 0xFFFFFFFF - room);
+        EXPECT_TRUE(engine.Finish());
+        // Without a block there is no entry; with one it counts although it is cut.
+        EXPECT_EQ(engine.header.databaseCount, room < 144 ? 0u : 1u);
+    }
+    BackupEngine engine;
+    engine.compress = false;
+    ASSERT_TRUE(engine.BeginBackup(nullptr, false, kPath));
+    engine.entryOffset = 0xFFFFFFFF - 200;
+    EXPECT_TRUE(engine.WriteDatabase(u"Ab"));
+    EXPECT_EQ(engine.entryOffset, 0xFFFFFFFF);
+}
+
+// What was written before the disk was full can be restored; the entry that was cut cannot.
+TEST_F(ArchiveTest, DiskThatFillsUpPartWay) {
+    MakeSample();
+    MakeRecords(u"Many", 200);
+    rlimit before;
+    getrlimit(RLIMIT_FSIZE, &before);
+    const auto ignored = std::signal(SIGXFSZ, SIG_IGN);
+    BackupEngine engine;
+    engine.compress = false;
+    ASSERT_TRUE(engine.BeginBackup(nullptr, false, kPath));
+    EXPECT_TRUE(engine.WriteDatabase(u"Ab"));
+    const rlimit small = {100'000, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
+    ExpectMessage(u"Unable to write the file. Possibly not enough storage space.");
+    EXPECT_FALSE(engine.WriteDatabase(u"Many"));
+    EXPECT_TRUE(engine.Finish());
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, ignored);
+
+    DeleteAllBut(u"");
+    ExpectMessage(u"Unable to restore \"Many\" database from the archive. Archive file may be corrupted.");
+    EXPECT_TRUE(RestoreCommand(nullptr, kPath));
+    EXPECT_EQ(DatabaseNames(), std::vector<std::u16string>{u"Ab"});
+}
+
+TEST_F(ArchiveTest, FullDiskIsReportedAndLeavesNothingOpen) {
+    MakeSample();
+    BackupEngine engine;
+    ExpectMessage(u"Unable to write the file. Possibly not enough storage space.");
+    EXPECT_FALSE(engine.BeginBackup(nullptr, false, u"\\Storage Card\\dev\\full"));
+    EXPECT_EQ(engine.file, INVALID_HANDLE_VALUE);
+    settings.unattended = 1;
+    EXPECT_FALSE(engine.BeginBackup(nullptr, false, u"\\Storage Card\\dev\\full"));
+}
+
+} // namespace

@@ -1,0 +1,218 @@
+// Restoring without dialogs: good archives, clashes, and everything that a file may hold.
+#include "backup/backup.h"
+#include "backup/restore.h"
+#include "tests/backup/backupfixture.h"
+
+namespace {
+
+constexpr const WCHAR* kPath = u"\\all.bkp";
+const std::u16string kUnreadable = u"Unable to read from file. File may be corrupted.";
+const std::u16string kNoMemory =
+    u"The file you're trying to restore is compressed. There is not enough memory "
+    u"to uncompress the data.";
+
+std::u16string Corrupted(const std::u16string& name) {
+    return u"Unable to restore \"" + name + u"\" database from the archive. Archive file may be corrupted.";
+}
+
+class RestoreTest : public BackupTest {
+protected:
+    static bool Restore(const Bytes& archive) {
+        WriteBytes(kPath, archive);
+        return RestoreCommand(nullptr, kPath);
+    }
+};
+
+TEST_F(RestoreTest, HandMadeArchiveGivesTheDatabaseBack) {
+    ASSERT_TRUE(Restore(FromHex(kPlainArchive)));
+    EXPECT_EQ(Contents(u"Ab"), kSampleContents);
+    CEDBASEINFO info = {};
+    DbHandle database(nullptr);
+    database.Open(u"Ab", 0, 0);
+    EXPECT_TRUE(database.GetInfo(&info));
+    database.Close();
+    EXPECT_EQ(info.dwDbaseType, 1u);
+    ASSERT_EQ(info.wNumSortOrder, 1);
+    EXPECT_EQ(info.rgSortSpecs[0].propid, 0x00010003u);
+
+    // The same compressed, without its password.
+    DeleteAllBut(u"");
+    Bytes compressed = FromHex(kCompressedArchive);
+    std::fill(compressed.begin() + 24, compressed.begin() + 64, BYTE(0));
+    ASSERT_TRUE(Restore(compressed));
+    EXPECT_EQ(Contents(u"Ab"), kSampleContents);
+}
+
+// Restored, everything is backed up to the same bytes again, but for the times in the blocks.
+TEST_F(RestoreTest, WhatWasBackedUpComesBack) {
+    MakeRecords(u"Many", 300);
+    MakeRecords(u"\\System", 3);
+    MakeRecords(u"Empty", 0);
+    settings.includeSystemDatabases = 1;
+    Bytes before;
+    for (const bool compress : {false, true, false}) {
+        BackupEngine engine;
+        engine.compress = compress;
+        ASSERT_TRUE(engine.BeginBackup(nullptr, false, kPath));
+        for (const WCHAR* name : {u"Many", u"\\System", u"Empty"})
+            EXPECT_TRUE(engine.WriteDatabase(name));
+        EXPECT_TRUE(engine.Finish());
+        if (!compress) {
+            Bytes archive = FileBytes(kPath);
+            for (std::size_t entry = 24; entry < archive.size(); entry = NumberAt(archive, entry + 140)) {
+                std::fill_n(archive.begin() + entry + 84, 8, BYTE(0));
+                std::fill_n(archive.begin() + entry + 124, 16, BYTE(0));
+            }
+            EXPECT_TRUE(before.empty() || archive == before);
+            before = archive;
+        }
+        DeleteAllBut(u"");
+        ASSERT_TRUE(RestoreCommand(nullptr, kPath));
+    }
+}
+
+TEST_F(RestoreTest, SystemDatabasesOnlyWhenAskedFor) {
+    // An entry that is left out does not lead on to the next, however often the header says to go on.
+    Bytes archive = ArchiveOf(u"A\\B");
+    PutNumber(&archive, 8, 0xFFFFFFFF);
+    ASSERT_TRUE(Restore(archive));
+    EXPECT_EQ(DatabaseNames(), std::vector<std::u16string>{u"Ab"});
+
+    settings.includeSystemDatabases = 1;
+    ASSERT_TRUE(Restore(ArchiveOf(u"A\\B")));
+    EXPECT_EQ(DatabaseNames(), (std::vector<std::u16string>{u"Ab", u"\\b", u"Bb"}));
+}
+
+TEST_F(RestoreTest, ExistingDatabaseIsReplaced) {
+    MakeRecords(u"Ab", 3);
+    const Bytes archive = FromHex(kPlainArchive);
+    ASSERT_TRUE(Restore(archive));
+    EXPECT_EQ(Contents(u"Ab"), kSampleContents);
+
+    // One that somebody has open cannot be deleted: its records are, and it stays the same database.
+    DbHandle user(nullptr);
+    ASSERT_NE(user.Open(u"Ab", 0, 0), INVALID_HANDLE_VALUE);
+    const CEOID oid = user.oid;
+    ASSERT_TRUE(Restore(archive));
+    EXPECT_EQ(Contents(u"Ab"), kSampleContents);
+    DbHandle again(nullptr);
+    again.Open(u"Ab", 0, 0);
+    EXPECT_EQ(again.oid, oid);
+
+    // Interrupted, that leaves it empty.
+    ExpectMessage(Corrupted(u"Ab"));
+    Restore(Slice(archive, 0, archive.size() - 1));
+    EXPECT_EQ(Contents(u"Ab"), u"");
+}
+
+TEST_F(RestoreTest, FailureKeepsWhatWasRestoredBeforeAndNothingHalf) {
+    MakeRecords(u"Keep", 3);
+    const std::u16string kept = Contents(u"Keep");
+    Bytes archive = ArchiveOf(u"ABC");
+    PutNumber(&archive, 24 + 200 + 144 + 12, 0x7FFFFFFF); // the second database's record is too long
+    ExpectMessage(Corrupted(u"Bb"));
+    ASSERT_TRUE(Restore(archive));
+    EXPECT_EQ(DatabaseNames(), (std::vector<std::u16string>{u"Keep", u"Ab"}));
+    EXPECT_EQ(Contents(u"Keep"), kept);
+}
+
+struct BadArchive {
+    const char* what;
+    Bytes bytes;
+    std::u16string message; // empty: none, it is taken as an archive
+};
+
+Bytes Changed(const char* archive, std::size_t offset, DWORD value) {
+    Bytes bytes = FromHex(archive);
+    PutNumber(&bytes, offset, value);
+    return bytes;
+}
+
+Bytes WithoutPassword(Bytes archive) {
+    PutNumber(&archive, 16, 0); // the first entry's offset stays as it is
+    return archive;
+}
+
+TEST_F(RestoreTest, BadArchives) {
+    const std::u16string cannotWrite =
+        u"Couldn't create a new record in \"Ab\" database: The parameter is incorrect";
+    const std::size_t record = kPlainRecord;
+    const BadArchive cases[] = {
+        {"empty", {}, kUnreadable},
+        {"too short for a header", Bytes(23), kUnreadable},
+        {"nothing but zeros", Bytes(24), u""},
+        {"no magic", Changed(kPlainArchive, 0, 0), u""},
+        {"password block cut", Slice(FromHex(kCompressedArchive), 0, 63), kUnreadable},
+        {"garbage throughout", Bytes(1000, 0xA5), kUnreadable},
+        {"first entry behind the end", Changed(kPlainArchive, 20, 0xFFFFFFF0), kUnreadable},
+        {"count too large", Changed(kPlainArchive, 8, 0xFFFFFFFF), kUnreadable},
+        {"more sort orders than there can be", Changed(kPlainArchive, 24 + 76, 0x00050001),
+         u"Couldn't create \"Ab\" database: The parameter is incorrect"},
+        {"no name", Changed(kPlainArchive, 24 + 8, 0),
+         u"Couldn't create \"\" database: The parameter is incorrect"},
+        {"more records than there are", Changed(kPlainArchive, 24 + 76, 0x0001FFFF), Corrupted(u"Ab")},
+        {"record longer than the file", Changed(kPlainArchive, record + 12, 41), Corrupted(u"Ab")},
+        {"record cut in its header", Slice(FromHex(kPlainArchive), 0, record + 15), Corrupted(u"Ab")},
+        {"more properties than the record holds", Changed(kPlainArchive, record, 3), cannotWrite},
+        {"more properties than can be", Changed(kPlainArchive, record, 0x10002), Corrupted(u"Ab")},
+        {"text outside of the record", Changed(kPlainArchive, record + 40, 0xFFFFFFF0), cannotWrite},
+        {"text without an end", Changed(kPlainArchive, record + 52, 0x006E006E), cannotWrite},
+        {"blob outside of the record", Changed(kPlainArchive, record + 32, 0x00020041), cannotWrite},
+        {"compressed block longer than the file", WithoutPassword(Changed(kCompressedArchive, 68, 101)),
+         kUnreadable},
+        {"compressed block empty", WithoutPassword(Changed(kCompressedArchive, 68, 0)), kNoMemory},
+        {"compressed block cut", WithoutPassword(Changed(kCompressedArchive, 68, 58)), kUnreadable},
+        {"compressed record cut", WithoutPassword(Slice(FromHex(kCompressedArchive), 0, 171)),
+         Corrupted(u"Ab")},
+    };
+    for (const BadArchive& bad : cases) {
+        SCOPED_TRACE(bad.what);
+        if (!bad.message.empty())
+            ExpectMessage(bad.message);
+        Restore(bad.bytes);
+        DeleteAllBut(u"");
+    }
+    ExpectMessage(kUnreadable);
+    EXPECT_FALSE(RestoreCommand(nullptr, u"\\missing.bkp"));
+}
+
+TEST_F(RestoreTest, EntryThatLeadsBackwardsEndsTheRestore) {
+    for (const DWORD next : {0u, 24u, 24u + 143}) {
+        SCOPED_TRACE(next);
+        Bytes archive = ArchiveOf(u"AB");
+        PutNumber(&archive, 24 + 140, next);
+        PutNumber(&archive, 8, 0xFFFFFFFF);
+        ExpectMessage(kUnreadable);
+        Restore(archive);
+        EXPECT_EQ(DatabaseNames(), std::vector<std::u16string>{u"Ab"});
+    }
+}
+
+TEST_F(RestoreTest, NoTruncationAndNoChangedByteDoesHarm) {
+    MakeSample(u"Keep");
+    settings.unattended = 1;
+    const auto check = [this](const Bytes& archive) {
+        Restore(archive);
+        ASSERT_EQ(Contents(u"Keep"), kSampleContents);
+        DeleteAllBut(u"Keep");
+    };
+    for (const char* hex : {kPlainArchive, kCompressedArchive}) {
+        const Bytes archive = WithoutPassword(FromHex(hex));
+        for (std::size_t length = 0; length < archive.size(); length++) {
+            SCOPED_TRACE(length);
+            check(Slice(archive, 0, length));
+        }
+        for (std::size_t offset = 0; offset < archive.size(); offset++) {
+            for (const BYTE mask : {0x01, 0x10, 0x80, 0xFF}) {
+                SCOPED_TRACE(testing::Message() << "byte " << offset << " mask " << int(mask));
+                if (offset == 16 && (mask & 0x10))
+                    continue; // that asks for a password
+                Bytes changed = archive;
+                changed[offset] ^= mask;
+                check(changed);
+            }
+        }
+    }
+}
+
+} // namespace

@@ -1,0 +1,199 @@
+#include "store/dbhandle.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "app/application.h"
+#include "platform/errors.h"
+#include "platform/ui/testhooks.h"
+#include "tests/support/testdevice.h"
+
+namespace {
+
+// Collects the texts of message boxes and answers them.
+class DbHandleTest : public testing::Test {
+protected:
+    DbHandleTest() {
+        TestHooks().messageBox = [this](const MessageBoxSeen& box) {
+            messages.push_back(box.text);
+            AnswerMessageBox(IDOK);
+        };
+    }
+    ~DbHandleTest() override {
+        TestHooks().messageBox = nullptr;
+        delete App().settings;
+        App().settings = nullptr;
+    }
+
+    // A database of that name, open.
+    static void Make(DbHandle& database, const WCHAR* name) {
+        const CEDBASEINFO info = {};
+        ASSERT_NE(database.Create(name, info), INVALID_HANDLE_VALUE);
+    }
+
+    TestDevice device;
+    std::vector<std::u16string> messages;
+};
+
+// A record in storage form in a block of its own.
+RecordBuffer Stored(WORD properties, const std::vector<BYTE>& bytes) {
+    RecordBuffer buffer;
+    buffer.propCount = properties;
+    buffer.size = static_cast<DWORD>(bytes.size());
+    buffer.data = static_cast<BYTE*>(LocalAlloc(LMEM_FIXED, bytes.size()));
+    std::memcpy(buffer.data, bytes.data(), bytes.size());
+    return buffer;
+}
+
+// A text "Hi" (property 1), an absent text (2), a blob of 3 bytes (3) and an empty blob (4).
+const std::vector<BYTE> kRecord = {31,  0, 1,   0, 0, 0, 0,    0,    64,  0, 0, 0, 0,  0, 0, 0, //
+                                   31,  0, 2,   0, 0, 0, 0,    0,    0,   0, 0, 0, 0,  0, 0, 0, //
+                                   65,  0, 3,   0, 0, 0, 0,    0,    3,   0, 0, 0, 70, 0, 0, 0, //
+                                   65,  0, 4,   0, 0, 0, 0,    0,    0,   0, 0, 0, 0,  0, 0, 0, //
+                                   'H', 0, 'i', 0, 0, 0, 0xAA, 0xBB, 0xCC};
+
+constexpr std::size_t kTextOffset = 8; // places in kRecord that the tests spoil
+constexpr std::size_t kBlobCount = 2 * 16 + 8;
+constexpr std::size_t kBlobOffset = 2 * 16 + 12;
+
+} // namespace
+
+TEST_F(DbHandleTest, StorageFormSurvivesTheStoreByteForByte) {
+    DbHandle database(nullptr);
+    Make(database, u"Bytes");
+    RecordBuffer buffer = Stored(4, kRecord);
+    ASSERT_NE(database.WriteRecordFromStorage(0, &buffer), 0u);
+    LocalFree(buffer.data);
+
+    RecordBuffer read;
+    DWORD index = 9;
+    ASSERT_TRUE(database.SeekFirst(&index));
+    ASSERT_NE(database.ReadRecordForStorage(&read), 0u);
+    EXPECT_EQ(read.propCount, 4);
+    ASSERT_GE(read.size, 73u);
+    // Offsets may lie elsewhere in another block; the values must be where they say.
+    const CEPROPVAL* properties = read.Properties();
+    const DWORD text = properties[0].val.lpwstr.Address();
+    ASSERT_LE(text + 6, read.size);
+    EXPECT_EQ(std::memcmp(read.data + text, u"Hi", 6), 0);
+    EXPECT_EQ(properties[1].val.lpwstr.Address(), 0u);
+    const DWORD blob = properties[2].val.blob.lpb.Address();
+    ASSERT_LE(blob + 3, read.size);
+    EXPECT_EQ(std::memcmp(read.data + blob, "\xAA\xBB\xCC", 3), 0);
+    EXPECT_EQ(properties[3].val.blob.dwCount, 0u);
+    LocalFree(read.data);
+    EXPECT_TRUE(messages.empty());
+}
+
+TEST_F(DbHandleTest, RefusesStoredRecordsThatDoNotFitTheirBlock) {
+    struct Spoiled {
+        std::size_t at;
+        BYTE value;
+        WORD properties;
+    };
+    // Past the end; into the entries; odd; a blob that is longer than what is left; one that starts behind
+    // the end; more entries than bytes.
+    const Spoiled cases[] = {{kTextOffset, 200, 4}, {kTextOffset, 16, 4}, {kTextOffset, 65, 4},
+                             {kBlobCount, 4, 4},    {kBlobOffset, 99, 4}, {0, 31, 5},
+                             {0, 31, 0xFFFF}};
+    DbHandle database(nullptr);
+    Make(database, u"Spoiled");
+    for (const Spoiled& spoiled : cases) {
+        std::vector<BYTE> bytes = kRecord;
+        bytes[spoiled.at] = spoiled.value;
+        RecordBuffer buffer = Stored(spoiled.properties, bytes);
+        EXPECT_EQ(database.WriteRecordFromStorage(0, &buffer), 0u);
+        LocalFree(buffer.data);
+    }
+    std::vector<BYTE> unterminated = kRecord;
+    unterminated[kTextOffset] = 68; // "\0" is the last whole character: take it away
+    unterminated[68] = unterminated[69] = unterminated[70] = unterminated[71] = 1;
+    RecordBuffer buffer = Stored(4, unterminated);
+    EXPECT_EQ(database.WriteRecordFromStorage(0, &buffer), 0u);
+    LocalFree(buffer.data);
+
+    EXPECT_EQ(messages.size(), std::size(cases) + 1);
+    for (const std::u16string& message : messages)
+        EXPECT_EQ(message,
+                  u"Couldn't create a new record in \"Spoiled\" database: The parameter is incorrect");
+    CEDBASEINFO info;
+    ASSERT_TRUE(database.GetInfo(&info));
+    EXPECT_EQ(info.wNumRecords, 0);
+}
+
+TEST_F(DbHandleTest, ReportsInItsOwnWords) {
+    DbHandle database(nullptr);
+    EXPECT_EQ(database.Open(u"Nowhere", 0, 0), INVALID_HANDLE_VALUE);
+    EXPECT_FALSE(database.DeleteDatabase(u"Nowhere"));
+    Make(database, u"Here");
+    EXPECT_FALSE(database.DeleteDatabase(u"Here")); // open, and by this very handle
+    EXPECT_FALSE(database.DeleteRecord(12345));
+    DWORD index = 0;
+    EXPECT_FALSE(database.SeekNext(&index));
+    SetLastError(ERROR_KEY_DELETED);
+    database.ReportError(u"Reason:%s.%s", u"x");
+    const std::vector<std::u16string> expected = {
+        u"Couldn't open \"Nowhere\" database: The system cannot find the file specified",
+        u"Couldn't delete \"Nowhere\" database: The system cannot find the file specified",
+        u"Couldn't delete \"Here\" database: The process cannot access the file because it is being used by "
+        u"another process",
+        u"Unable to delete the current record: Here", // one place, and the name comes first
+        u"Couldn't find record in \"Here\" database: No more data is available",
+        u"Reason:x. Illegal operation attempted on a Registry key which has been marked for deletion"};
+    EXPECT_EQ(messages, expected);
+}
+
+TEST_F(DbHandleTest, StaysQuietWhenAskedTo) {
+    DbHandle database(nullptr);
+    {
+        const QuietReports quiet(database);
+        EXPECT_EQ(database.Open(u"Nowhere", 0, 0), INVALID_HANDLE_VALUE);
+    }
+    EXPECT_EQ(std::u16string(database.errorText), u"The system cannot find the file specified");
+    App().settings = new Settings;
+    App().settings->unattended = 1;
+    EXPECT_EQ(database.Open(u"Nowhere", 0, 0), INVALID_HANDLE_VALUE);
+    EXPECT_TRUE(messages.empty());
+}
+
+TEST_F(DbHandleTest, InfoOfADeletedDatabaseIsZeroedAndReported) {
+    DbHandle database(nullptr);
+    Make(database, u"Gone");
+    database.oid += 1; // nobody's
+    CEDBASEINFO info;
+    info.wNumRecords = 7;
+    EXPECT_FALSE(database.GetInfo(&info));
+    EXPECT_EQ(info.wNumRecords, 0);
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_EQ(messages[0],
+              u"Couldn't update parameters of 'Gone' database: The system cannot find the file specified");
+}
+
+TEST_F(DbHandleTest, EmptiesFromTheEndAndGrowsItsBuffer) {
+    DbHandle database(nullptr);
+    Make(database, u"Many");
+    for (WORD size : {10, 3000, 20}) {
+        CEPROPVAL property = {};
+        property.propid = 1 << 16 | CEVT_BLOB;
+        auto* bytes = static_cast<BYTE*>(LocalAlloc(LMEM_ZEROINIT, size));
+        property.val.blob = {size, bytes};
+        EXPECT_NE(database.WriteProperty(0, &property), 0u);
+        LocalFree(bytes);
+    }
+    RecordBuffer buffer;
+    DWORD index = 0;
+    std::vector<DWORD> sizes;
+    for (bool found = WalkToFirst(database, &index); found; found = WalkToNext(database, &index)) {
+        EXPECT_NE(database.ReadRecord(&buffer), 0u);
+        sizes.push_back(buffer.Properties()[0].val.blob.dwCount);
+    }
+    LocalFree(buffer.data);
+    EXPECT_EQ(sizes, (std::vector<DWORD>{10, 3000, 20}));
+    EXPECT_TRUE(database.DeleteAllRecords());
+    EXPECT_FALSE(WalkToFirst(database, &index));
+    EXPECT_EQ(database.reportErrors, 1);
+    EXPECT_TRUE(messages.empty());
+}

@@ -1,0 +1,299 @@
+// A user's errands in the record viewer.
+#include <QCoreApplication>
+#include <QProcess>
+#include <cstdlib>
+
+#include "platform/controls.h"
+#include "resources/resource.h"
+#include "tests/support/sampledatabases.h"
+#include "tests/support/usersession.h"
+
+namespace {
+
+constexpr char16_t kOverwrite[] =
+    u"The property data has changed. Do you what to overwrite it?\n\nWARNING: changing a property "
+    u"of a system database may cause your device to stop functioning property and require a hard "
+    u"reset!";
+constexpr char16_t kDeleteProperty[] =
+    u"Do you want to delete the selected property?\n\nWARNING: deleting a property from a "
+    u"system database may cause your device to stop functioning property and require a hard "
+    u"reset!";
+constexpr char16_t kDeleteRecord[] =
+    u"Do you want to delete the current record?\n\nWARNING: deleting a record from a system "
+    u"database may cause your device to stop functioning property and require a hard reset!";
+
+class ViewerTest : public UserSession {
+protected:
+    // Opens a database in the viewer, where the steps go on.
+    void View(const std::u16string& name) {
+        InMainWindow();
+        TapRow(IDC_LIST, name);
+        Press(Qt::Key_Return);
+        InWindow(IDD_VIEWER);
+    }
+    void SelectType(const std::u16string& typeName) { TapRow(IDC_VIEWER_LIST, typeName); }
+    void ExpectPosition(std::u16string text) {
+        Do([text](HWND viewer) { EXPECT_EQ(Text(viewer, IDC_VIEWER_POSITION), text); });
+    }
+    void ExpectEditor(int control, std::u16string text) {
+        Do([control, text](HWND viewer) {
+            EXPECT_TRUE(IsWindowVisible(GetDlgItem(viewer, control)));
+            EXPECT_EQ(Text(viewer, control), text);
+        });
+    }
+    void FocusList() {
+        Do([](HWND viewer) { SetFocus(GetDlgItem(viewer, IDC_VIEWER_LIST)); });
+    }
+    void CloseViewer() { Press(Qt::Key_Escape); }
+};
+
+const std::vector<std::vector<SampleValue>> kPeople = {
+    {TextValue(1, u"Ann"), TextValue(2, u"555-1234"), NumberValue(3, CEVT_I2, 30)},
+    {TextValue(1, u"Bob"), TextValue(2, u"555-9876"), NumberValue(3, CEVT_I2, 20)},
+    {TextValue(1, u"Cleo"), NumberValue(3, CEVT_I2, 120)}};
+
+} // namespace
+
+TEST_F(ViewerTest, CorrectsAPhoneNumberAndTakesItBack) {
+    MakeDatabase(u"People", kPeople);
+    View(u"People");
+    ExpectPosition(u"Record\n1 of 3");
+    Do([](HWND viewer) {
+        const HWND list = GetDlgItem(viewer, IDC_VIEWER_LIST);
+        EXPECT_EQ(Column(list, 0), (std::vector<std::u16string>{u"INT", u"TEXT", u"TEXT"}));
+        EXPECT_EQ(Text(viewer, IDC_FRAME_TITLE), u"Database: \"People\"");
+    });
+    FocusList();
+    Press(Qt::Key_End); // the last text: the number
+    ExpectEditor(IDC_VALUE_TEXT, u"555-1234");
+    ExpectMessage(kOverwrite, IDNO);
+    TypeInto(IDC_VALUE_TEXT, "refused");
+    FocusList();
+    Press(Qt::Key_Home);
+    Do([](HWND) { EXPECT_EQ(Contents(u"People").substr(0, 20), u"1=Ann 2=555-1234 3=3"); });
+    Press(Qt::Key_End);
+    ExpectEditor(IDC_VALUE_TEXT, u"555-1234");
+    ExpectMessage(kOverwrite, IDYES);
+    TypeInto(IDC_VALUE_TEXT, "555-4321");
+    FocusList();
+    Press(Qt::Key_Home);
+    Do([](HWND) { EXPECT_EQ(Contents(u"People").substr(0, 20), u"1=Ann 2=555-4321 3=3"); });
+    Choose(IDM_EDIT_UNDO);
+    Do([](HWND) { EXPECT_EQ(Contents(u"People").substr(0, 20), u"1=Ann 2=555-1234 3=3"); });
+    Choose(IDM_EDIT_UNDO); // and forth again
+    Do([](HWND) { EXPECT_EQ(Contents(u"People").substr(0, 20), u"1=Ann 2=555-4321 3=3"); });
+    CloseViewer();
+    RunProgram();
+}
+
+TEST_F(ViewerTest, WalksAndRefusesNumbersOutOfRange) {
+    MakeDatabase(u"People", kPeople);
+    View(u"People");
+    Press(Qt::Key_K, Qt::ControlModifier);
+    ExpectPosition(u"Record\n2 of 3");
+    Press(Qt::Key_L, Qt::ControlModifier);
+    ExpectPosition(u"Record\n3 of 3");
+    Press(Qt::Key_K, Qt::ControlModifier); // there is no next one
+    ExpectPosition(u"Record\n3 of 3");
+    SelectType(u"INT");
+    ExpectEditor(IDC_VALUE_NUMBER, u"120");
+    TypeInto(IDC_VALUE_NUMBER, "40000");
+    ExpectMessage(u"Property data is incorrect: enter an integer number between -32768 and 32767.\nThe "
+                  u"database was not changed.");
+    Press(Qt::Key_H, Qt::ControlModifier);
+    ExpectPosition(u"Record\n1 of 3");
+    SelectType(u"INT");
+    ExpectMessage(kOverwrite, IDYES);
+    TypeInto(IDC_VALUE_NUMBER, "-7");
+    Press(Qt::Key_K, Qt::ControlModifier);
+    ExpectPosition(u"Record\n2 of 3");
+    Press(Qt::Key_J, Qt::ControlModifier);
+    Do([](HWND) {
+        EXPECT_EQ(Contents(u"People"), u"1=Ann 2=555-1234 3=-7\n1=Bob 2=555-9876 3=20\n1=Cleo 3=120\n");
+    });
+    ExpectMessage(kOverwrite, IDYES);
+    SelectType(u"INT");
+    TypeInto(IDC_VALUE_NUMBER, "8");
+    TapTitleButton(); // OK saves too
+    RunProgram();
+    EXPECT_EQ(Contents(u"People"), u"1=Ann 2=555-1234 3=8\n1=Bob 2=555-9876 3=20\n1=Cleo 3=120\n");
+}
+
+TEST_F(ViewerTest, SortsByEachOfItsOrders) {
+    MakeDatabase(u"People", kPeople, {{3 << 16 | CEVT_I2, 0}, {1 << 16 | CEVT_LPWSTR, CEDB_SORT_DESCENDING}});
+    View(u"People");
+    Choose(IDM_SORT_FIRST);
+    SelectType(u"TEXT");
+    ExpectEditor(IDC_VALUE_TEXT, u"Bob"); // the youngest
+    Choose(IDM_SORT_SECOND);
+    SelectType(u"TEXT");
+    ExpectEditor(IDC_VALUE_TEXT, u"Cleo");
+    Choose(IDM_SORT_UNSORTED);
+    ExpectPosition(u"Record\n1 of 3");
+    SelectType(u"TEXT");
+    ExpectEditor(IDC_VALUE_TEXT, u"Ann");
+    CloseViewer();
+    RunProgram();
+}
+
+TEST_F(ViewerTest, FindsAWordPastTheEnd) {
+    MakeDatabase(u"People", kPeople);
+    View(u"People");
+    Press(Qt::Key_K, Qt::ControlModifier);
+    const auto find = [this](const char* text) {
+        InWindow(IDD_VIEWER);
+        Press(Qt::Key_F, Qt::ControlModifier);
+        InWindow(IDD_FIND);
+        TypeInto(IDC_FIND_TEXT, text);
+    };
+    find("ANN");
+    ExpectMessage(u"Search has reached the end of the database, do you want to start from the beginning?",
+                  IDYES);
+    Tap(IDOK);
+    InWindow(IDD_VIEWER);
+    ExpectPosition(u"Record\n1 of 3");
+    ExpectEditor(IDC_VALUE_TEXT, u"Ann");
+    find("Ann"); // only the first record has it, and the search begins behind it
+    ExpectMessage(u"Unable to find any records containing text \"Ann\".");
+    Tap(IDOK);
+    InWindow(IDD_VIEWER);
+    ExpectPosition(u"Record\n1 of 3");
+    find("12");
+    Tap(IDC_FIND_NUMERIC);
+    Tap(IDOK);
+    InWindow(IDD_VIEWER);
+    ExpectPosition(u"Record\n3 of 3");
+    ExpectEditor(IDC_VALUE_NUMBER, u"120");
+    find("cleo");
+    Tap(IDC_FIND_MATCH_CASE);
+    ExpectMessage(u"Search has reached the end of the database, do you want to start from the beginning?",
+                  IDYES);
+    ExpectMessage(u"Unable to find any records containing text \"cleo\".");
+    Tap(IDOK);
+    InWindow(IDD_VIEWER);
+    ExpectPosition(u"Record\n3 of 3");
+    CloseViewer();
+    RunProgram();
+}
+
+TEST_F(ViewerTest, MovesAPropertyToAnotherDatabase) {
+    MakeDatabase(u"From", {{TextValue(1, u"moved"), NumberValue(2, CEVT_I4, 5)}});
+    MakeDatabase(u"To", {{NumberValue(1, CEVT_I4, 1)}});
+    View(u"From");
+    SelectType(u"TEXT");
+    FocusList();
+    ExpectMessage(kDeleteProperty, IDYES);
+    Press(Qt::Key_X, Qt::ControlModifier);
+    Do([](HWND) { EXPECT_EQ(Contents(u"From"), u"2=5\n"); });
+    CloseViewer();
+    View(u"To");
+    FocusList();
+    Press(Qt::Key_V, Qt::ControlModifier); // the same id under another type is no clash
+    Do([](HWND) { EXPECT_EQ(Contents(u"To"), u"1=1 1=moved\n"); });
+    ExpectMessage(u"Property with the same ID already exists in this record, do you want to overwrite the "
+                  u"existing property?",
+                  IDYES);
+    Press(Qt::Key_V, Qt::ControlModifier);
+    ExpectEditor(IDC_VALUE_TEXT, u"moved");
+    CloseViewer();
+    RunProgram();
+    EXPECT_EQ(Contents(u"To"), u"1=1 1=moved\n");
+}
+
+TEST_F(ViewerTest, DeletesDownToTheLastRecord) {
+    MakeDatabase(u"Short", {{TextValue(1, u"a"), TextValue(2, u"b")}, {TextValue(1, u"c")}});
+    View(u"Short");
+    ExpectMessage(kDeleteProperty, IDYES);
+    Tap(IDC_VIEWER_DELETE);
+    Do([](HWND) { EXPECT_EQ(Contents(u"Short"), u"2=b\n1=c\n"); });
+    ExpectMessage(kDeleteRecord, IDYES); // its only property stands for the record
+    Tap(IDC_VIEWER_DELETE);
+    ExpectPosition(u"Record\n1 of 1");
+    ExpectMessage(kDeleteRecord, IDYES);
+    ExpectMessage(u"You have deleted the last record in the database. The database viewer will be closed.");
+    Choose(IDM_RECORD_DELETE);
+    RunProgram();
+    EXPECT_EQ(Contents(u"Short"), u"");
+}
+
+TEST_F(ViewerTest, FillsAnEmptyDatabase) {
+    MakeDatabase(u"Empty", {});
+    InMainWindow();
+    ExpectMessage(u"The selected database is empty. Do you want to add a new record?", IDYES);
+    Press(Qt::Key_Return);
+    InWindow(IDD_WIZARD_TYPE);
+    Do([](HWND page) {
+        EXPECT_FALSE(IsWindowEnabled(GetDlgItem(page, IDC_WIZARD_NEW_RECORD)));
+        EXPECT_EQ(IsDlgButtonChecked(page, IDC_WIZARD_NEW_RECORD), BST_CHECKED);
+        SetFocus(GetDlgItem(page, IDC_WIZARD_TYPE));
+    });
+    Type("I"); // INT
+    TypeInto(IDC_WIZARD_ID, "65535");
+    ExpectMessage(u"The property ID must be a positive integer value between 0 and 65,535.");
+    Tap(IDC_WIZARD_NEXT);
+    TypeInto(IDC_WIZARD_ID, "9");
+    Tap(IDC_WIZARD_NEXT);
+    InWindow(IDD_WIZARD_NUMBER);
+    TypeInto(IDC_VALUE_NUMBER, "40000");
+    ExpectMessage(u"Property data is incorrect: enter an integer number between -32768 and 32767.\nThe "
+                  u"database was not changed.");
+    Tap(IDC_WIZARD_FINISH);
+    TypeInto(IDC_VALUE_NUMBER, "400");
+    Tap(IDC_WIZARD_FINISH);
+    InWindow(IDD_VIEWER);
+    ExpectPosition(u"Record\n1 of 1");
+    Tap(IDC_VIEWER_ADD);
+    InWindow(IDD_WIZARD_TYPE);
+    Do([](HWND page) { SetFocus(GetDlgItem(page, IDC_WIZARD_TYPE)); });
+    Type("T");
+    TypeInto(IDC_WIZARD_ID, "9");
+    ExpectMessage(u"The property ID 9 is already in use, please choose another value.");
+    Tap(IDC_WIZARD_NEXT);
+    Tap(IDC_WIZARD_NEW_RECORD); // another record may use it
+    Tap(IDC_WIZARD_NEXT);
+    InWindow(IDD_WIZARD_TEXT);
+    Type("second");
+    Tap(IDC_WIZARD_FINISH);
+    InWindow(IDD_VIEWER);
+    ExpectPosition(u"Record\n2 of 2");
+    ExpectEditor(IDC_VALUE_TEXT, u"second");
+    CloseViewer();
+    InMainWindow();
+    Do([](HWND window) { EXPECT_NE(RowText(GetDlgItem(window, IDC_LIST), 0, 1), u"0.00KB"); });
+    RunProgram();
+    EXPECT_EQ(Contents(u"Empty"), u"9=400\n9=second\n");
+}
+
+// The second process of the test below: this program again, told by its environment which device to change.
+TEST(OtherProcess, AddsARecord) {
+    const char* const folder = std::getenv("CHANGE_DEVICE");
+    if (!folder)
+        return;
+    ASSERT_TRUE(UseDevice(folder));
+    EXPECT_NE(AddRecord(u"People", {TextValue(1, u"Dora")}), 0u);
+}
+
+TEST_F(ViewerTest, ReloadsWhatAnotherProcessChanged) {
+    MakeDatabase(u"People", kPeople);
+    View(u"People");
+    Press(Qt::Key_K, Qt::ControlModifier);
+    SelectType(u"INT");
+    ExpectMessage(u"Database \"People\" has been modified by another process; it will be re-loaded.");
+    Do([this](HWND) {
+        QProcess other;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("CHANGE_DEVICE"), QString::fromStdString(device.folder));
+        other.setProcessEnvironment(environment);
+        other.start(QCoreApplication::applicationFilePath(),
+                    {QStringLiteral("--gtest_filter=OtherProcess.AddsARecord")});
+        EXPECT_TRUE(other.waitForFinished());
+        EXPECT_EQ(other.exitCode(), 0);
+    });
+    WaitFor([](HWND viewer) { return Text(viewer, IDC_VIEWER_POSITION) == u"Record\n2 of 4"; });
+    ExpectEditor(IDC_VALUE_NUMBER, u"20"); // record and property are kept
+    ExpectMessage(kDeleteRecord, IDYES);
+    Choose(IDM_RECORD_DELETE); // its own change is no news
+    ExpectPosition(u"Record\n1 of 3");
+    CloseViewer();
+    RunProgram();
+}

@@ -1,0 +1,29 @@
+#include "viewer/addproperty.h"
+
+#include <algorithm>
+
+namespace {
+
+DWORD SuggestedId(const std::vector<DWORD>& usedIds) {
+    return usedIds.empty() ? 0 : *std::max_element(usedIds.begin(), usedIds.end()) + 1;
+}
+
+} // namespace
+
+bool RunAddPropertyWizard(HWND owner, CEOID* record, CEPROPVAL* property, const std::vector<DWORD>& usedIds) {
+    AddPropertyWizard wizard;
+    wizard.propertyId = SuggestedId(usedIds);
+    wizard.property = property;
+    wizard.usedIds = &usedIds;
+    wizard.newRecord = wizard.newRecordLocked = *record == 0;
+    for (;;) {
+        if (ShowTypePage(owner, &wizard) != IDOK)
+            return false;
+        const int result = ShowValuePage(owner, &wizard);
+        if (result == kWizardBack)
+            continue;
+        if (result == IDOK && wizard.newRecord)
+            *record = 0;
+        return result == IDOK;
+    }
+}

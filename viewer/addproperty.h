@@ -1,0 +1,32 @@
+// The Add Property Wizard: a few dialogs that make one new property.
+#pragma once
+
+#include <vector>
+
+#include "platform/dialog.h"
+#include "platform/objectstore.h"
+
+constexpr int kWizardBack = 3; // beside IDOK and IDCANCEL, what a value page ends with
+
+struct AddPropertyWizard {
+    virtual ~AddPropertyWizard() = default;
+
+    DWORD newRecord = 0;
+    DWORD newRecordLocked = 0; // the check box stays checked
+    DWORD propertyId = 0;
+    DWORD type = 0; // none chosen yet
+    CEPROPVAL* property = nullptr;
+    const std::vector<DWORD>* usedIds = nullptr; // of the record's properties
+};
+
+// True when the user finished: the property's identifier and value are filled, a text in a block of the local
+// heap that the caller releases after writing it (null for an empty one). `record` becomes 0 when a new
+// record was asked for; 0 on entry allows nothing else.
+bool RunAddPropertyWizard(HWND owner, CEOID* record, CEPROPVAL* property, const std::vector<DWORD>& usedIds);
+
+// Releases the text of a property that the wizard or an editor made; others hold none.
+void ReleasePropertyText(const CEPROPVAL& property);
+
+// The pages: each ends with IDOK, IDCANCEL or kWizardBack.
+int ShowTypePage(HWND owner, AddPropertyWizard* wizard);
+int ShowValuePage(HWND owner, AddPropertyWizard* wizard);

@@ -1,0 +1,108 @@
+// Writing changes back: saving a value, deleting and adding properties and records.
+#include <vector>
+
+#include "app/uiservices.h"
+#include "platform/shell.h"
+#include "resources/resource.h"
+#include "viewer/addproperty.h"
+#include "viewer/recordviewer.h"
+#include "viewer/reporting.h"
+#include "viewer/valueeditor.h"
+
+namespace {
+
+bool Confirmed(const RecordViewer& viewer, UINT question) {
+    return MessageFromString(viewer.dialog, question, kWarningQuestionBox) == IDYES;
+}
+
+} // namespace
+
+void ReleasePropertyText(const CEPROPVAL& property) {
+    if (TypeFromPropID(property.propid) == CEVT_LPWSTR)
+        LocalFree(property.val.lpwstr);
+}
+
+bool RecordViewer::ConfirmChange() {
+    return !App().settings->showWarning || Confirmed(*this, IDS_CONFIRM_CHANGE);
+}
+
+// The handle's own words for a failed write would speak of a new record, so it is kept quiet.
+bool RecordViewer::WriteEdited(WORD index, CEPROPVAL* value) {
+    RememberForUndo(UndoKind::Changed, record.Properties()[index]);
+    if (database->WriteProperty(recordId, value) != recordId) {
+        ReportAloud(*database, IDS_UNABLE_TO_SAVE_PROPERTY, nullptr);
+        return false;
+    }
+    numericModified = 0;
+    textModified = 0;
+    return true;
+}
+
+bool RecordViewer::SaveEditedProperty(WORD index, bool refill) {
+    CEPROPVAL value;
+    const EditorState state = {numericModified != 0, textModified != 0};
+    if (!ParseEditedValue(dialog, record.Properties()[index], state, &value))
+        return false;
+    saving = 1;
+    bool saved = false;
+    if (ConfirmChange()) {
+        saved = WriteEdited(index, &value);
+        if (refill)
+            FillPropertyList(kSelectNone);
+    }
+    ReleasePropertyText(value);
+    saving = 0;
+    return saved;
+}
+
+void RecordViewer::DeletePropertyCommand() {
+    if (record.propCount < 2) {
+        DeleteRecordCommand(); // a record is never left without properties
+        return;
+    }
+    const HWND list = Control(IDC_VIEWER_LIST);
+    CEPROPVAL* property = SelectedProperty();
+    if (SendMessageW(list, LVM_GETSELECTEDCOUNT, 0, 0) != 1 || !property ||
+        !Confirmed(*this, IDS_CONFIRM_DELETE_PROPERTY))
+        return;
+    database->reportErrors = 1;
+    database->DeleteProperty(recordId, property);
+    RememberForUndo(UndoKind::Deleted, *property);
+    database->reportErrors = 0;
+    FillPropertyList(kSelectNone);
+}
+
+void RecordViewer::DeleteRecordCommand() {
+    if (!recordId || !Confirmed(*this, IDS_CONFIRM_DELETE_RECORD))
+        return;
+    ForgetUndo();
+    database->reportErrors = 1;
+    database->DeleteRecord(recordId);
+    database->reportErrors = 0;
+    if (ReloadDatabase(0))
+        FillPropertyList(kSelectNone);
+}
+
+void RecordViewer::AddPropertyCommand() {
+    if (IsEdited(editedProperty))
+        SaveEditedProperty(editedProperty, true);
+    std::vector<DWORD> usedIds;
+    for (WORD place = 0; place < record.propCount; ++place)
+        usedIds.push_back(HIWORD(record.Properties()[place].propid));
+    CEOID target = recordId;
+    CEPROPVAL property = {};
+    if (!RunAddPropertyWizard(dialog, &target, &property, usedIds))
+        return;
+    saving = 1;
+    database->reportErrors = 1;
+    recordId = database->WriteProperty(target, &property);
+    database->reportErrors = 0;
+    // A new record becomes the current one; a failed write leaves nothing to go to but the start.
+    const bool stillOpen = target != 0 || ReloadDatabase(recordId);
+    if (stillOpen) {
+        RememberForUndo(UndoKind::Added, property);
+        FillPropertyList(property.propid);
+    }
+    ReleasePropertyText(property);
+    saving = 0;
+}

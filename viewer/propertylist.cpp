@@ -1,0 +1,163 @@
+// The list of the current record's properties.
+#include "app/uiservices.h"
+#include "dblist/listsort.h"
+#include "platform/text.h"
+#include "resources/resource.h"
+#include "store/propertyvalues.h"
+#include "viewer/recordviewer.h"
+
+namespace {
+
+enum PropertyColumn { kTypeColumn, kSizeColumn, kIdColumn };
+constexpr int kPositionCapacity = 64;
+
+int SelectedRow(HWND list) {
+    return static_cast<int>(SendMessageW(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+}
+
+void SetSubItemText(HWND list, int row, int column, WCHAR* text) {
+    LVITEMW item = {};
+    item.iSubItem = column;
+    item.pszText = text;
+    SendMessageW(list, LVM_SETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
+}
+
+void InsertPropertyRow(HWND list, int row, const CEPROPVAL& property, const WCHAR* typeName, WORD place) {
+    LVITEMW item = {};
+    item.mask = LVIF_TEXT | LVIF_PARAM;
+    item.iItem = row;
+    item.lParam = place;
+    item.pszText = const_cast<WCHAR*>(typeName);
+    SendMessageW(list, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    WCHAR text[kLabelCapacity];
+    TypeSizeText(property, text);
+    SetSubItemText(list, row, kSizeColumn, text);
+    wsprintfW(text, u"%u", HIWORD(property.propid));
+    SetSubItemText(list, row, kIdColumn, text);
+}
+
+void SortProperties(HWND list) {
+    const WaitCursor wait;
+    ListSort sort = SettingsSort(list);
+    SortListView(sort);
+}
+
+int RowOfPlace(HWND list, WORD place) {
+    LVFINDINFOW find = {};
+    find.flags = LVFI_PARAM;
+    find.lParam = place;
+    return static_cast<int>(
+        SendMessageW(list, LVM_FINDITEMW, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&find)));
+}
+
+} // namespace
+
+void RecordViewer::InsertPropertyRows() {
+    const HWND list = Control(IDC_VIEWER_LIST);
+    int row = 0;
+    for (WORD place = 0; place < record.propCount; ++place) {
+        const CEPROPVAL& property = record.Properties()[place];
+        // A type that nobody knows is kept in the record and gets no row.
+        if (const WCHAR* typeName = TypeListName(TypeFromPropID(property.propid)))
+            InsertPropertyRow(list, row++, property, typeName, place);
+    }
+}
+
+void RecordViewer::SelectRow(int row) {
+    LVITEMW item = {};
+    item.state = LVIS_SELECTED | LVIS_FOCUSED;
+    item.stateMask = item.state;
+    SendDlgItemMessageW(dialog, IDC_VIEWER_LIST, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
+}
+
+void RecordViewer::FillPropertyList(CEPROPID propIdToSelect) {
+    const HWND list = Control(IDC_VIEWER_LIST);
+    HideEditors();
+    LocalFree(record.data);
+    record = {};
+    recordId = database->ReadRecord(&record);
+
+    const int selectedBefore = SelectedRow(list);
+    SendMessageW(list, WM_SETREDRAW, FALSE, 0);
+    SendMessageW(list, LVM_DELETEALLITEMS, 0, 0);
+    editedProperty = kNoProperty;
+    shownType = kNoType;
+    InsertPropertyRows();
+    SendMessageW(list, WM_SETREDRAW, TRUE, 0);
+    InvalidateRect(list, nullptr, TRUE);
+
+    // Selecting raises the notification that shows the value; nothing else here does.
+    WORD place = kNoProperty;
+    for (WORD candidate = 0; propIdToSelect != kSelectNone && candidate < record.propCount; ++candidate) {
+        if (record.Properties()[candidate].propid == propIdToSelect)
+            place = candidate;
+    }
+    int row = place == kNoProperty ? -1 : RowOfPlace(list, place);
+    if (row >= 0) {
+        SelectRow(row);
+        SortProperties(list);
+        row = SelectedRow(list);
+    } else {
+        SortProperties(list);
+        const int count = static_cast<int>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0));
+        row = selectedBefore < 0 ? 0 : selectedBefore;
+        row = row < count ? row : count - 1;
+        SelectRow(row);
+    }
+    SendMessageW(list, LVM_ENSUREVISIBLE, row, FALSE);
+    UpdateWindow(list);
+    if (record.propCount == 0 || row < 0)
+        OnSelectionChanged();
+    ShowPosition();
+}
+
+void RecordViewer::ShowPosition() {
+    WCHAR format[kPositionCapacity];
+    WCHAR text[kPositionCapacity];
+    LoadText(IDS_RECORD_OF, format);
+    wsprintfW(text, format, recordIndex + 1, static_cast<DWORD>(info.wNumRecords));
+    SetDlgItemTextW(dialog, IDC_VIEWER_POSITION, text);
+    UpdateWindow(Control(IDC_VIEWER_POSITION));
+}
+
+WORD RecordViewer::SelectedPropertyIndex() const {
+    const HWND list = Control(IDC_VIEWER_LIST);
+    LVITEMW item = {};
+    item.mask = LVIF_PARAM;
+    item.iItem = SelectedRow(list);
+    if (item.iItem < 0 || !SendMessageW(list, LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)))
+        return kNoProperty;
+    return item.lParam < record.propCount ? static_cast<WORD>(item.lParam) : kNoProperty;
+}
+
+CEPROPVAL* RecordViewer::SelectedProperty() const {
+    const WORD index = SelectedPropertyIndex();
+    return index == kNoProperty ? nullptr : record.Properties() + index;
+}
+
+void RecordViewer::OnSelectionChanged() {
+    WORD index = SelectedPropertyIndex();
+    if (index == kNoProperty) {
+        EnableWindow(Control(IDC_VIEWER_DELETE), FALSE);
+        return;
+    }
+    if (index == editedProperty)
+        return;
+    if (IsEdited(editedProperty) && SaveEditedProperty(editedProperty, true)) {
+        // The list was filled anew, and has shown its selection already unless the save emptied it.
+        index = SelectedPropertyIndex();
+        if (index == kNoProperty || index == editedProperty)
+            return;
+    }
+    ShowValue(record.Properties()[index]);
+    EnableWindow(Control(IDC_VIEWER_DELETE), TRUE);
+    editedProperty = index;
+    UpdateMenus(nullptr);
+}
+
+void RecordViewer::OnColumnClick(int column) {
+    constexpr DWORD kColumnKeys[] = {kSortByName, kSortBySize, kSortByInteger};
+    SetSortKey(kColumnKeys[column < kTypeColumn || column > kIdColumn ? kTypeColumn : column]);
+    SortProperties(Control(IDC_VIEWER_LIST));
+    OnSelectionChanged();
+}

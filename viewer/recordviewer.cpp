@@ -1,0 +1,292 @@
+// The viewer's window: creation, its own message loop, the dispatch of messages and commands.
+#include "viewer/recordviewer.h"
+
+#include <new>
+
+#include "app/dialogframe.h"
+#include "app/uiservices.h"
+#include "dblist/header.h"
+#include "dblist/listprocedure.h"
+#include "platform/dialog.h"
+#include "platform/shell.h"
+#include "platform/text.h"
+#include "resources/resource.h"
+#include "viewer/focuscycle.h"
+
+namespace {
+
+constexpr int kButtonImages = 9;
+constexpr int kNumberLimit = 30; // characters in the numeric editor
+constexpr int kTitleCapacity = 64;
+constexpr int kColumns = 3;
+constexpr UINT kColumnTitles[kColumns] = {IDS_VIEWER_COLUMN_TYPE, IDS_VIEWER_COLUMN_SIZE,
+                                          IDS_VIEWER_COLUMN_ID};
+constexpr int kColumnFormats[kColumns] = {LVCFMT_LEFT, LVCFMT_RIGHT, LVCFMT_RIGHT};
+
+bool OnNotify(RecordViewer* viewer, const NMHDR* header) {
+    if (header->idFrom != IDC_VIEWER_LIST)
+        return false;
+    switch (header->code) {
+    case LVN_ITEMCHANGED:
+    case NM_DBLCLK:
+        viewer->OnSelectionChanged();
+        return true;
+    case LVN_COLUMNCLICK:
+        viewer->OnColumnClick(reinterpret_cast<const NMLISTVIEW*>(header)->iSubItem);
+        return true;
+    }
+    return false;
+}
+
+bool OnMessage(RecordViewer* viewer, HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+    case WM_COMMAND:
+        viewer->RunCommand(LOWORD(wParam), HIWORD(wParam), GetFocus());
+        return true;
+    case WM_NOTIFY:
+        return OnNotify(viewer, reinterpret_cast<const NMHDR*>(lParam));
+    case WM_INITMENUPOPUP:
+        viewer->UpdateMenus(reinterpret_cast<HMENU>(wParam));
+        return true;
+    case WM_ACTIVATE:
+        viewer->OnActivate(LOWORD(wParam) != WA_INACTIVE);
+        return true;
+    case WM_TIMER:
+        viewer->OnTimer(static_cast<UINT>(wParam));
+        return true;
+    case DB_CEOID_CREATED:
+    case DB_CEOID_RECORD_DELETED:
+        viewer->OnStoreChange(static_cast<CEOID>(lParam));
+        return true;
+    case WM_DESTROY:
+        KillTimer(dialog, kReloadTimer);
+        return true;
+    }
+    return false;
+}
+
+LONG_PTR ViewerProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_INITDIALOG) {
+        SetDialogState(dialog, lParam);
+        DialogState<RecordViewer>(dialog)->Init(dialog);
+        return TRUE;
+    }
+    if (HandleFrameMessage(dialog, message, wParam, lParam, u"tarnwickscope.htm#fieldview"))
+        return TRUE;
+    RecordViewer* viewer = DialogState<RecordViewer>(dialog);
+    return viewer && OnMessage(viewer, dialog, message, wParam, lParam);
+}
+
+int RunLoop(const RecordViewer& viewer) {
+    MSG message = {};
+    while (GetMessageW(&message, nullptr, 0, 0)) {
+        if (CycleFocus(viewer.dialog, message))
+            continue;
+        if (TranslateAcceleratorW(viewer.dialog, App().viewerAccelerators, &message))
+            continue;
+        if (IsDialogMessageW(viewer.dialog, &message))
+            continue;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+    return static_cast<int>(message.wParam);
+}
+
+} // namespace
+
+int RunRecordViewer(RecordViewer* viewer, HWND ownerWindow, const WCHAR* databaseName) {
+    CopyText(viewer->databaseName, databaseName);
+    const DLGTEMPLATE* dialogTemplate =
+        FindDialogTemplate(LandscapeLayout() ? IDD_VIEWER_LANDSCAPE : IDD_VIEWER);
+    const HWND dialog = dialogTemplate
+                            ? CreateDialogIndirectParamW(AppInstance(), dialogTemplate, ownerWindow,
+                                                         ViewerProcedure, reinterpret_cast<LPARAM>(viewer))
+                            : nullptr;
+    // A viewer that closed itself while it was being made has said why; its loop ends with the code that
+    // waits for it.
+    if (!dialog && !viewer->quitPosted) {
+        if (!viewer->database)
+            SHShowOutOfMemory(ownerWindow, 0);
+        return kViewerNotMade;
+    }
+    EnableWindow(ownerWindow, FALSE);
+    ShowWindow(dialog, SW_SHOWNORMAL);
+    UpdateWindow(dialog);
+    const int code = RunLoop(*viewer);
+    EnableWindow(ownerWindow, TRUE);
+    SetFocus(ownerWindow);
+    ShowWindow(ownerWindow, SW_SHOWNORMAL);
+    return code;
+}
+
+RecordViewer::~RecordViewer() {
+    ForgetUndo();
+    LocalFree(record.data);
+    delete database;
+}
+
+void RecordViewer::Close(int code) {
+    DestroyWindow(dialog);
+    if (code == kViewerNotMade)
+        return;
+    quitPosted = true;
+    PostQuitMessage(code);
+}
+
+void RecordViewer::Init(HWND dialogWindow) {
+    dialog = dialogWindow;
+    InitDialogFrame(dialog, true, true);
+    InitWindow();
+    InitList();
+    SendDlgItemMessageW(dialog, IDC_VALUE_NUMBER, EM_SETLIMITTEXT, kNumberLimit, 0);
+
+    if (!database)
+        database = new (std::nothrow) DbHandle(dialog);
+    if (!database) {
+        SHShowOutOfMemory(dialog, 0);
+        Close(kViewerNotMade);
+        return;
+    }
+    if (!ReloadDatabase(0)) {
+        // Said twice, once in the reload's words and once as a lack of memory; it is kept so.
+        SHShowOutOfMemory(nullptr, 0);
+        Close(kViewerNotMade);
+        return;
+    }
+    FillSortMenu();
+    UpdateMenus(nullptr);
+    active = 1;
+    FillPropertyList(kSelectNone);
+}
+
+void RecordViewer::InitWindow() {
+    SHINITDLGINFO shell = {};
+    shell.dwMask = SHIDIM_FLAGS;
+    shell.hDlg = dialog;
+    shell.dwFlags = SHIDIF_DONEBUTTON | SHIDIF_SIPDOWN | SHIDIF_SIZEDLGFULLSCREEN;
+    SHInitDialog(&shell);
+
+    SHMENUBARINFO bar = {};
+    bar.cbSize = sizeof(bar);
+    bar.hwndParent = dialog;
+    bar.nToolBarId = IDR_VIEWER_MENU;
+    bar.hInstRes = AppInstance();
+    bar.nBmpId = App().highResolution ? IDB_VIEWER_BUTTONS_HIGH : IDB_VIEWER_BUTTONS;
+    bar.cBmpImages = kButtonImages;
+    SHCreateMenuBar(&bar);
+    menuBar = bar.hwndMB;
+
+    WCHAR prefix[kTitleCapacity];
+    WCHAR title[kTitleCapacity + kNameCapacity];
+    LoadText(IDS_VIEWER_TITLE, prefix);
+    wsprintfW(title, u"%s%s\"", prefix, databaseName);
+    SetDlgItemTextW(dialog, IDC_FRAME_TITLE, title);
+}
+
+void RecordViewer::InitList() {
+    const HWND list = Control(IDC_VIEWER_LIST);
+    RECT client;
+    GetClientRect(list, &client);
+    for (int column = 0; column < kColumns; ++column) {
+        WCHAR title[kTitleCapacity];
+        LoadText(kColumnTitles[column], title);
+        LVCOLUMNW item = {};
+        item.mask = LVCF_FMT | LVCF_WIDTH | LVCF_TEXT | LVCF_SUBITEM;
+        item.fmt = kColumnFormats[column];
+        item.cx = (client.right - GetSystemMetrics(SM_CXVSCROLL) - 1) / kColumns;
+        item.pszText = title;
+        item.iSubItem = column;
+        SendMessageW(list, LVM_INSERTCOLUMNW, column, reinterpret_cast<LPARAM>(&item));
+    }
+    SendMessageW(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_FULLROWSELECT, LVS_EX_FULLROWSELECT);
+    const HWND header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
+    SendMessageW(header, HDM_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(App().headerImages));
+    MakeHeaderOwnerDrawn(list);
+    SetWindowLongPtrW(list, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(DatabaseListProcedure));
+}
+
+namespace {
+
+bool RunRecordCommand(RecordViewer& viewer, UINT command) {
+    switch (command) {
+    case IDM_RECORD_FIRST:
+    case IDM_RECORD_PREVIOUS:
+    case IDM_RECORD_NEXT:
+    case IDM_RECORD_LAST:
+        viewer.Navigate(command);
+        return true;
+    case IDM_SORT_FIRST:
+    case IDM_SORT_SECOND:
+    case IDM_SORT_THIRD:
+    case IDM_SORT_FOURTH:
+    case IDM_SORT_UNSORTED:
+        viewer.SortBy(command);
+        return true;
+    case IDM_RECORD_DELETE:
+        viewer.DeleteRecordCommand();
+        return true;
+    case IDM_RECORD_RELOAD:
+        viewer.ReloadAndKeepPosition();
+        return true;
+    case IDC_VIEWER_DELETE:
+        viewer.DeletePropertyCommand();
+        return true;
+    case IDC_VIEWER_ADD:
+        viewer.AddPropertyCommand();
+        return true;
+    }
+    return false;
+}
+
+bool RunEditCommand(RecordViewer& viewer, UINT command, HWND focus) {
+    switch (command) {
+    case IDM_EDIT_UNDO:
+        viewer.UndoCommand(focus);
+        return true;
+    case IDM_EDIT_COPY:
+        viewer.CopyProperty(focus);
+        return true;
+    case IDM_EDIT_CUT:
+        viewer.CutProperty(focus);
+        return true;
+    case IDM_EDIT_PASTE:
+        viewer.PasteProperty(focus);
+        return true;
+    case IDM_EDIT_SELECT_ALL:
+        viewer.SelectAllText(focus);
+        return true;
+    case IDM_EDIT_FIND:
+        viewer.FindCommand(nullptr);
+        return true;
+    case IDM_EDIT_FIND_NEXT:
+        viewer.FindCommand(viewer.findText);
+        return true;
+    }
+    return false;
+}
+
+// What the user has typed into an editor since its value was shown.
+bool NoteTyping(RecordViewer& viewer, UINT control, UINT notification) {
+    if (notification != EN_CHANGE || (control != IDC_VALUE_TEXT && control != IDC_VALUE_NUMBER))
+        return false;
+    (control == IDC_VALUE_TEXT ? viewer.textModified : viewer.numericModified) = 1;
+    return true;
+}
+
+} // namespace
+
+void RecordViewer::RunCommand(UINT command, UINT notification, HWND focus) {
+    switch (command) {
+    case IDOK:
+        if (IsEdited(editedProperty))
+            SaveEditedProperty(editedProperty, false);
+        Close(kViewerOk);
+        return;
+    case IDCANCEL:
+        Close(kViewerCancelled);
+        return;
+    }
+    if (!NoteTyping(*this, command, notification) && !RunRecordCommand(*this, command))
+        RunEditCommand(*this, command, focus);
+    UpdateMenus(nullptr);
+}

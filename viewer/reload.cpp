@@ -1,0 +1,135 @@
+// Opening the viewed database, walking its records, and what other processes change in it.
+#include "app/uiservices.h"
+#include "platform/menu.h"
+#include "platform/shell.h"
+#include "resources/resource.h"
+#include "store/propertyvalues.h"
+#include "viewer/recordviewer.h"
+#include "viewer/reporting.h"
+
+namespace {
+
+constexpr DWORD kReloadDelay = 500; // milliseconds, so that many changes make one reload
+constexpr int kSortPlaces = 4;
+
+} // namespace
+
+bool RecordViewer::OpenInOrder(int sort) {
+    const CEPROPID property = HasSort(sort) ? info.rgSortSpecs[sort].propid : 0;
+    return database->OpenWithNotify(dialog, databaseName, property, 0) != INVALID_HANDLE_VALUE;
+}
+
+bool RecordViewer::ReloadDatabase(CEOID oidToSelect) {
+    KillTimer(dialog, kReloadTimer);
+    database->reportErrors = 0;
+    database->Close();
+    const bool opened = (HasSort(currentSort) && OpenInOrder(currentSort)) || OpenInOrder(kNoSort);
+    if (!opened) {
+        ReportAloud(*database, IDS_COULD_NOT_OPEN, databaseName);
+        Close(kViewerCancelled);
+        return false;
+    }
+    database->GetInfo(&info);
+    if (info.wNumRecords == 0) {
+        MessageFromString(dialog, IDS_LAST_RECORD_DELETED, kFailureBox);
+        Close(kViewerCancelled);
+        return false;
+    }
+    recordIndex = 0;
+    database->SeekFirst(&recordIndex);
+    if (oidToSelect)
+        database->SeekToRecord(oidToSelect, &recordIndex);
+    changePending = 0;
+    return true;
+}
+
+void RecordViewer::ReloadAndKeepPosition() {
+    const CEPROPVAL* selected = SelectedProperty();
+    const CEPROPID property = selected ? selected->propid : kSelectNone;
+    if (ReloadDatabase(recordId)) {
+        ForgetUndo();
+        FillPropertyList(property);
+    }
+}
+
+void RecordViewer::Navigate(UINT command) {
+    const bool saved = IsEdited(editedProperty) && SaveEditedProperty(editedProperty, false);
+    editedProperty = kNoProperty;
+    bool moved = false;
+    switch (command) {
+    case IDM_RECORD_FIRST:
+        moved = database->SeekFirst(&recordIndex);
+        break;
+    case IDM_RECORD_PREVIOUS:
+        moved = database->SeekPrevious(&recordIndex);
+        break;
+    case IDM_RECORD_NEXT:
+        moved = database->SeekNext(&recordIndex);
+        break;
+    case IDM_RECORD_LAST:
+        moved = database->SeekLast(&recordIndex);
+        break;
+    }
+    if (!moved && !saved)
+        return;
+    ForgetUndo();
+    FillPropertyList(kSelectNone);
+}
+
+void RecordViewer::FillSortMenu() {
+    const HMENU menu = reinterpret_cast<HMENU>(SendMessageW(menuBar, SHCMBM_GETMENU, 0, 0));
+    for (int place = 0; place < kSortPlaces; ++place) {
+        const UINT item = IDM_SORT_FIRST + place;
+        if (!HasSort(place)) {
+            DeleteMenu(menu, item, MF_BYCOMMAND);
+            continue;
+        }
+        WCHAR label[kLabelCapacity];
+        SortMenuLabel(info.rgSortSpecs[place].propid, label);
+        ModifyMenuW(menu, item, MF_BYCOMMAND, item, label);
+    }
+    CheckMenuRadioItem(menu, IDM_SORT_FIRST, IDM_SORT_UNSORTED, IDM_SORT_UNSORTED, MF_BYCOMMAND);
+}
+
+void RecordViewer::SortBy(UINT command) {
+    const int sort = static_cast<int>(command) - IDM_SORT_FIRST;
+    if (sort == currentSort)
+        return;
+    database->Close();
+    database->reportErrors = 1;
+    if (HasSort(sort) && OpenInOrder(sort)) {
+        currentSort = sort;
+    } else {
+        if (!OpenInOrder(kNoSort))
+            return; // the viewer stays without an open database
+        currentSort = sort == kUnsorted ? kUnsorted : kNoSort;
+    }
+    database->reportErrors = 0;
+    recordIndex = 0;
+    database->SeekFirst(&recordIndex);
+    ForgetUndo();
+    FillPropertyList(kSelectNone);
+}
+
+void RecordViewer::OnStoreChange(CEOID changedDatabase) {
+    if (!database || changedDatabase != database->oid || saving || changePending)
+        return;
+    changePending = 1;
+    if (active)
+        SetTimer(dialog, kReloadTimer, kReloadDelay, nullptr);
+}
+
+void RecordViewer::OnActivate(bool nowActive) {
+    const bool wasActive = active;
+    active = nowActive;
+    if (nowActive && !wasActive && changePending)
+        SetTimer(dialog, kReloadTimer, kReloadDelay, nullptr);
+}
+
+void RecordViewer::OnTimer(UINT id) {
+    if (id != kReloadTimer)
+        return;
+    KillTimer(dialog, kReloadTimer);
+    MessageFromString(dialog, IDS_MODIFIED_BY_OTHERS, databaseName, kInformationBox);
+    ReloadAndKeepPosition();
+}
