@@ -8,13 +8,6 @@
 #include "platform/files.h"
 #include "resources/resource.h"
 
-namespace {
-
-// A database block has 144 bytes. A little more is let pass, to be told from a lack of memory.
-constexpr DWORD kBlockExpandLimit = 1024 * 1024;
-
-} // namespace
-
 ArchiveReader::~ArchiveReader() {
     CloseFile();
 }
@@ -100,8 +93,8 @@ ArchiveReader::Failure ArchiveReader::LoadCompressedBlock(DatabaseBlock* block) 
         return Failure::memory;
     if (Read(stored.get(), prefix.blockLength) != prefix.blockLength)
         return Failure::file;
-    if (!codec->Expand(stored.get(), prefix.blockLength, kBlockExpandLimit))
-        return Failure::memory;
+    if (!codec->Expand(stored.get(), prefix.blockLength, sizeof *block))
+        return codec->PassedLimit() ? Failure::file : Failure::memory;
     if (codec->OutputLength() != sizeof *block)
         return Failure::file;
     std::memcpy(block, codec->Output(), sizeof *block);

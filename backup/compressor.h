@@ -27,10 +27,11 @@ public:
     bool Compress(const BYTE* data, DWORD length);
 
     // Expands one stream. Damage is not noticed as such: any bytes are taken for codes, and it is the caller
-    // who knows how long the result has to be. False without tables, for a stream without a single whole
-    // code, when the result would pass `limit` bytes, or when memory for it runs out; there is no
-    // output then.
+    // who knows how long the result has to be. False without tables, for a stream without bytes, when the
+    // result would pass `limit` bytes, or when memory for it runs out; there is no output then.
     bool Expand(const BYTE* data, DWORD length, DWORD limit = kExpandLimit);
+    // It was the limit that made the last Expand fail.
+    bool PassedLimit() const { return passedLimit; }
 
     // The result of the last call that succeeded. It is the codec's own, and the next call takes it away.
     const BYTE* Output() const { return output ? output + outputStart : nullptr; }
@@ -107,6 +108,7 @@ private:
     DWORD watchedKeys = 0;  // a new string with a key up to this is shown to WatchZeroPair
     DWORD zeroPairSlot = 0; // see WatchZeroPair
     Span lastString = {0, 0};
+    bool passedLimit = false;
 
     std::uint16_t* codeTab = nullptr;
     DWORD* hashTab = nullptr;

@@ -39,10 +39,13 @@ void CopyString(BYTE* to, const BYTE* from, std::size_t length) {
 } // namespace
 
 bool Compressor::Expand(const BYTE* data, DWORD length, DWORD limit) {
-    if (!hashTab || length < 2 || !NewOutput())
+    passedLimit = false;
+    if (!hashTab || !length || !NewOutput())
         return DropOutput();
-    input = data;
-    inputLength = length;
+    // A single byte is a code too: the bit that it lacks counts as 0.
+    const BYTE lengthened[] = {*data, 0};
+    input = length == 1 ? lengthened : data;
+    inputLength = std::max<DWORD>(length, sizeof lengthened);
     inCount = 0;
     outputLimit = std::min(limit, kMostOutput);
     // The strings of one byte stand in front of the output, so that they are copied as all others are.
@@ -128,7 +131,8 @@ Compressor::RunEnd Compressor::ExpandRun(DWORD width, std::size_t count) {
 
 // Makes room for output up to `end`, which counts what stands before it.
 bool Compressor::GrowForString(std::size_t end) {
-    if (end - outputStart > outputLimit)
+    passedLimit = end - outputStart > outputLimit;
+    if (passedLimit)
         return false;
     outputUsed = static_cast<DWORD>(std::min<std::size_t>(end, outputCapacity));
     return Reserve(end - outputUsed + kSlack);
