@@ -57,7 +57,9 @@ std::int64_t ArchiveWriter::WriteRecord(const RecordBuffer& record, RecordHeader
     recordHeader->propCount = record.propCount;
     recordHeader->length = record.size;
     if (codec) {
-        if (!codec->Compress(record.data, record.size)) {
+        // No stream stands for no bytes. A record without properties gets a byte that nobody looks at.
+        const BYTE nothing = 0;
+        if (!codec->Compress(record.size ? record.data : &nothing, record.size ? record.size : 1)) {
             ReportOutOfMemory();
             return -1;
         }

@@ -196,9 +196,7 @@ bool RestoreEngine::ReadRecord(const WCHAR* target, RecordBuffer* record, Record
         ReportFailure(IDS_ARCHIVE_CORRUPTED, target);
         return false;
     }
-    // A record without properties has nothing to compress.
-    const bool compressed = header.compressed && recordHeader.length;
-    RecordBuffer* const read = compressed ? stored : record;
+    RecordBuffer* const read = header.compressed ? stored : record;
     if (!MakeRoom(read, recordHeader.length)) {
         ReportFailure(IDS_RESTORE_NO_MEMORY, target);
         return false;
@@ -209,7 +207,7 @@ bool RestoreEngine::ReadRecord(const WCHAR* target, RecordBuffer* record, Record
     }
     record->propCount = static_cast<WORD>(recordHeader.propCount);
     record->size = recordHeader.length;
-    return !compressed || ExpandRecord(*stored, recordHeader.length, record);
+    return !header.compressed || ExpandRecord(*stored, recordHeader.length, record);
 }
 
 bool RestoreEngine::ExpandRecord(const RecordBuffer& stored, DWORD length, RecordBuffer* record) {

@@ -1,5 +1,6 @@
 // Restoring without dialogs: good archives, clashes, and everything that a file may hold.
 #include "backup/backup.h"
+#include "backup/compressor.h"
 #include "backup/restore.h"
 #include "tests/backup/backupfixture.h"
 
@@ -10,6 +11,8 @@ const std::u16string kUnreadable = u"Unable to read from file. File may be corru
 const std::u16string kNoMemory =
     u"The file you're trying to restore is compressed. There is not enough memory "
     u"to uncompress the data.";
+const std::u16string kOutOfMemory =
+    u"There is not enough memory to complete this operation. Close other programs and try again.";
 
 std::u16string Corrupted(const std::u16string& name) {
     return u"Unable to restore \"" + name + u"\" database from the archive. Archive file may be corrupted.";
@@ -48,13 +51,14 @@ TEST_F(RestoreTest, WhatWasBackedUpComesBack) {
     MakeRecords(u"Many", 300);
     MakeRecords(u"\\System", 3);
     MakeRecords(u"Empty", 0);
+    MakeDatabase(u"Bare", {{}, {TextValue(1, u"last")}});
     settings.includeSystemDatabases = 1;
     Bytes before;
     for (const bool compress : {false, true, false}) {
         BackupEngine engine;
         engine.compress = compress;
         ASSERT_TRUE(engine.BeginBackup(nullptr, false, kPath));
-        for (const WCHAR* name : {u"Many", u"\\System", u"Empty"})
+        for (const WCHAR* name : {u"Many", u"\\System", u"Empty", u"Bare"})
             EXPECT_TRUE(engine.WriteDatabase(name));
         EXPECT_TRUE(engine.Finish());
         if (!compress) {
@@ -137,6 +141,13 @@ TEST_F(RestoreTest, BadArchives) {
     const std::u16string cannotWrite =
         u"Couldn't create a new record in \"Ab\" database: The parameter is incorrect";
     const std::size_t record = kPlainRecord;
+    // A block of which its few bytes make far more than a block.
+    const Bytes zeros(5'000'000);
+    Compressor codec;
+    ASSERT_TRUE(codec.AllocateTables() && codec.Compress(zeros.data(), static_cast<DWORD>(zeros.size())));
+    Bytes swollen = WithoutPassword(Changed(kCompressedArchive, 68, codec.OutputLength()));
+    swollen.resize(72);
+    swollen.insert(swollen.end(), codec.Output(), codec.Output() + codec.OutputLength());
     const BadArchive cases[] = {
         {"empty", {}, kUnreadable},
         {"too short for a header", Bytes(23), kUnreadable},
@@ -161,6 +172,10 @@ TEST_F(RestoreTest, BadArchives) {
         {"compressed block longer than the file", WithoutPassword(Changed(kCompressedArchive, 68, 101)),
          kUnreadable},
         {"compressed block empty", WithoutPassword(Changed(kCompressedArchive, 68, 0)), kNoMemory},
+        {"compressed block of a single byte", WithoutPassword(Changed(kCompressedArchive, 68, 1)),
+         kUnreadable},
+        {"compressed block that swells", swollen, kUnreadable},
+        {"compressed record empty", WithoutPassword(Changed(kCompressedArchive, 143, 0)), kOutOfMemory},
         {"compressed block cut", WithoutPassword(Changed(kCompressedArchive, 68, 58)), kUnreadable},
         {"compressed record cut", WithoutPassword(Slice(FromHex(kCompressedArchive), 0, 171)),
          Corrupted(u"Ab")},
