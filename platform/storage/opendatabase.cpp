@@ -65,6 +65,11 @@ void OpenDatabase::Revalidate() {
         batch.Clear();
         indexKnown = false;
         version = row ? row->version : -1;
+        // The current record may be gone, or stand elsewhere in the order.
+        if (standing == Standing::OnRecord && !FetchRecord(position.record) &&
+            GetLastError() == ERROR_NO_MORE_ITEMS) {
+            standing = Standing::InGap;
+        }
     }
     epoch = store.epoch;
 }
@@ -229,7 +234,10 @@ bool OpenDatabase::Fetch(const Position& from, bool forward) {
 
 bool OpenDatabase::FetchRows(Statement& select, bool forward) {
     Batch read;
-    while (read.bytes.size() < budget && select.Row()) {
+    // A record without properties counts like one property, or a database of such records would be read
+    // whole.
+    const std::size_t mostEntries = budget / sizeof(CEPROPVAL);
+    while (read.bytes.size() < budget && read.entries.size() < mostEntries && select.Row()) {
         const std::string_view form = select.Bytes(2);
         const std::string_view key = sort < 0 ? std::string_view() : select.Bytes(3);
         read.entries.push_back({static_cast<CEOID>(select.Number(0)), static_cast<WORD>(select.Number(1)),

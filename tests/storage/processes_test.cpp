@@ -163,11 +163,12 @@ TEST(Processes, AHandleSeesWhatTheOtherProcessChanged) {
     EXPECT_EQ(index, 2U);
     EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_CURRENT, static_cast<DWORD>(-1), &index), ten);
     ASSERT_TRUE(other.Run(1)); // 5 20 [25]: the record that the handle stands on moved
-    EXPECT_EQ(ReadBack(handle)[0].val.lVal, 25);
     EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_CURRENT, static_cast<DWORD>(-1), &index), twenty);
     EXPECT_EQ(index, 1U);
     CeSeekDatabase(handle, CEDB_SEEK_END, 0, nullptr);
+    EXPECT_EQ(ReadBack(handle)[0].val.lVal, 25);
     ASSERT_TRUE(other.Run(2)); // 5 20 []
+    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_CURRENT, 0, &index), 0U);
     EXPECT_EQ(ReadBack(handle).record, 0U);
     EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_CURRENT, static_cast<DWORD>(-1), &index), twenty);
     EXPECT_EQ(InfoOf(database).wNumRecords, 2);
