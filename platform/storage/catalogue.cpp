@@ -10,7 +10,7 @@ namespace storage {
 
 namespace {
 
-constexpr std::int64_t kMostBytes = 0xFFFFFFFF;
+constexpr std::int64_t kMostCounted = std::int64_t{1} << 62; // so that counting on cannot overflow
 
 std::string_view SpecBytes(const CEDBASEINFO& info) {
     return {reinterpret_cast<const char*>(info.rgSortSpecs), info.wNumSortOrder * sizeof(SORTORDERSPEC)};
@@ -31,16 +31,15 @@ DatabaseRow ReadRow(const Statement& select) {
     name.copy(row.info.szDbaseName, CEDB_MAXDBASENAMELEN - 1);
     row.info.dwDbaseType = static_cast<DWORD>(select.Number(2));
     row.info.wNumRecords = static_cast<WORD>(std::clamp<std::int64_t>(select.Number(3), 0, 0xFFFF));
-    row.bytes = static_cast<std::uint64_t>(std::max<std::int64_t>(select.Number(4), 0));
-    row.info.dwSize = static_cast<DWORD>(std::min<std::uint64_t>(row.bytes, kMostBytes));
+    row.SetBytes(static_cast<std::uint64_t>(std::clamp<std::int64_t>(select.Number(4), 0, kMostCounted)));
     const std::uint64_t modified = static_cast<std::uint64_t>(select.Number(5));
     row.info.ftLastModified = {static_cast<DWORD>(modified), static_cast<DWORD>(modified >> 32)};
     const std::string_view specs = select.Bytes(6);
     row.info.wNumSortOrder =
         static_cast<WORD>(std::min<std::size_t>(specs.size() / sizeof(SORTORDERSPEC), CEDB_MAXSORTORDER));
     specs.copy(reinterpret_cast<char*>(row.info.rgSortSpecs), row.info.wNumSortOrder * sizeof(SORTORDERSPEC));
-    row.version = select.Number(7);
-    row.deletions = select.Number(8);
+    row.version = std::clamp<std::int64_t>(select.Number(7), 0, kMostCounted);
+    row.deletions = std::clamp<std::int64_t>(select.Number(8), 0, kMostCounted);
     row.lastDeleted = static_cast<CEOID>(select.Number(9));
     return row;
 }

@@ -4,6 +4,7 @@
 #include "platform/objectstore.h"
 #include "platform/storage/sqlite.h"
 
+#include <algorithm>
 #include <string>
 #include <unordered_map>
 
@@ -20,6 +21,10 @@ struct DatabaseRow {
     CEOID lastDeleted = 0;
 
     std::u16string_view Name() const { return info.szDbaseName; }
+    void SetBytes(std::uint64_t all) {
+        bytes = all;
+        info.dwSize = static_cast<DWORD>(std::min<std::uint64_t>(all, 0xFFFFFFFF));
+    }
 };
 
 class Catalogue {

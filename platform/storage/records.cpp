@@ -80,15 +80,15 @@ bool WriteSortKeys(Store& store, const DatabaseRow& row, const RecordChange& cha
 // Brings a change of one record to its end: tables, commit, caches and open handles.
 bool Apply(Store& store, WriteTransaction& transaction, DatabaseRow row, const RecordChange& change) {
     const std::int64_t versionBefore = row.version++;
-    row.bytes += change.after ? change.after->form.size() : 0;
-    row.bytes -= change.before ? change.before->form.size() : 0;
-    row.info.dwSize = static_cast<DWORD>(std::min<std::uint64_t>(row.bytes, 0xFFFFFFFF));
+    // What a damaged file says may be too little to take anything away from it.
+    const std::uint64_t taken = change.before ? change.before->form.size() : 0;
+    row.SetBytes(row.bytes - std::min(row.bytes, taken) + (change.after ? change.after->form.size() : 0));
     row.info.ftLastModified = Now();
     if (!change.before) {
         ++row.info.wNumRecords;
     }
     if (!change.after) {
-        --row.info.wNumRecords;
+        row.info.wNumRecords = std::max<WORD>(row.info.wNumRecords, 1) - 1;
         ++row.deletions;
         row.lastDeleted = change.record;
     }

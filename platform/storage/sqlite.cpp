@@ -116,7 +116,9 @@ Statement& Statement::BindBytes(std::string_view bytes) {
 }
 
 bool Statement::Row() {
-    result = statement ? sqlite3_step(statement) : SQLITE_ERROR;
+    if (statement) {
+        result = sqlite3_step(statement);
+    }
     if (Failed()) {
         SetLastError(ErrorOf(result));
     }

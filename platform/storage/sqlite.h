@@ -25,8 +25,11 @@ public:
     void Close();
     // Runs statements that yield nothing. A result of SQLite.
     int Execute(const char* sql);
-    // The statement for a literal, which is told by its address. Null when it does not fit the file.
+    // The statement for a literal, which is told by its address. Null when it does not fit the file, or when
+    // the file cannot be read; Result tells.
     sqlite3_stmt* Prepared(const char* sql);
+    // Of the latest call; a result of SQLite.
+    int Result() const { return sqlite3_extended_errcode(handle); }
     int Changes() const { return sqlite3_changes(handle); }
 
 private:
@@ -38,7 +41,8 @@ private:
 // outlive the run. `sql` is a literal.
 class Statement {
 public:
-    Statement(Connection& connection, const char* sql) : statement(connection.Prepared(sql)) {}
+    Statement(Connection& connection, const char* sql)
+        : statement(connection.Prepared(sql)), result(statement ? SQLITE_OK : connection.Result()) {}
     Statement(const Statement&) = delete;
     Statement& operator=(const Statement&) = delete;
     ~Statement();
@@ -62,7 +66,7 @@ public:
 private:
     sqlite3_stmt* statement;
     int bound = 0;
-    int result = SQLITE_OK;
+    int result;
 };
 
 } // namespace storage

@@ -115,7 +115,8 @@ DWORD OpenReadOnly(Store& store, const std::string& path) {
                                              SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
     bool empty = false;
     const DWORD error = result == SQLITE_OK ? Inspect(store.connection, empty) : ErrorOf(result);
-    return error == ERROR_SUCCESS && empty ? ERROR_FILE_CORRUPT : error;
+    // A file that is still empty is no store to read, and only a device that can be written gets one.
+    return error == ERROR_SUCCESS && empty ? ERROR_ACCESS_DENIED : error;
 }
 
 } // namespace

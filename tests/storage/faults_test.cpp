@@ -114,11 +114,14 @@ TEST(Faults, DamagedRowsFailAndHarmNothingElse) {
     CloseHandle(handle);
     device.Restart();
     RunSql(device.folder + "/objectstore.db",
-           "UPDATE databases SET name = printf('%.*c', 500, 'n'), sortorders = zeroblob(1000), records = -7");
+           "UPDATE databases SET name = printf('%.*c', 500, 'n'), sortorders = zeroblob(1000), records = -7, "
+           "bytes = -7, version = 9223372036854775807, deletions = 9223372036854775807");
     EXPECT_EQ(InfoOf(database).szDbaseName[31], 0);
     EXPECT_EQ(InfoOf(database).wNumSortOrder, 4);
-    RunSql(device.folder + "/objectstore.db", "DROP TABLE records");
     handle = OpenById(database);
+    EXPECT_TRUE(CeDeleteRecord(handle, Values().Number(1, 1).Write(handle))) << "counted on from the utmost";
+    EXPECT_EQ(InfoOf(database).dwSize, 0U);
+    RunSql(device.folder + "/objectstore.db", "DROP TABLE records");
     EXPECT_EQ(Values().Number(1, 1).Write(handle), 0U);
     EXPECT_EQ(GetLastError(), ERROR_FILE_CORRUPT);
     CloseHandle(handle);
@@ -145,12 +148,12 @@ TEST(Faults, AFullDiskFailsTheWriteAndKeepsTheRest) {
 
 // Runs a check as a user that no permission is waived for. True when it passed or when no such user can be
 // had.
-bool AsOrdinaryUser(bool (*check)(const std::string& folder), const std::string& folder) {
+bool AsOrdinaryUser(bool (*check)()) {
     constexpr uid_t kNobody = 65534;
     const pid_t child = fork();
     if (child == 0) {
         const bool ordinary = geteuid() != 0 || setuid(kNobody) == 0;
-        _exit(!ordinary || check(folder) ? 0 : 1);
+        _exit(!ordinary || check() ? 0 : 1);
     }
     int status = -1;
     waitpid(child, &status, 0);
@@ -164,23 +167,34 @@ TEST(Faults, ADeviceThatCannotBeWrittenCanBeRead) {
     Values().Text(1, u"as it was").Write(handle);
     CloseHandle(handle);
     device.Restart();
-    namespace fs = std::filesystem;
-    for (const auto& entry : fs::directory_iterator(device.folder)) {
-        fs::permissions(entry.path(), entry.is_directory() ? fs::perms(0555) : fs::perms(0444));
-    }
-    fs::permissions(device.folder, fs::perms(0555));
-    EXPECT_TRUE(AsOrdinaryUser(
-        [](const std::string&) {
-            CEOID oid = 0;
-            const HANDLE readable = CeOpenDatabase(&oid, u"Readable", 0, 0, nullptr);
-            const ReadBack read(readable);
-            return read.count == 1 && std::u16string(read[0].val.lpwstr) == u"as it was" &&
-                   Values().Number(1, 1).Write(readable) == 0 && GetLastError() == ERROR_WRITE_PROTECT &&
-                   CeCreateDatabase(u"More", 1, 0, nullptr) == 0 && CloseHandle(readable) &&
-                   !CeDeleteDatabase(oid) && GetLastError() == ERROR_WRITE_PROTECT;
-        },
-        device.folder));
-    fs::permissions(device.folder, fs::perms(0755));
+    const auto passesReadOnly = [&](bool (*check)()) {
+        namespace fs = std::filesystem;
+        for (const auto& entry : fs::directory_iterator(device.folder)) {
+            fs::permissions(entry.path(), entry.is_directory() ? fs::perms(0555) : fs::perms(0444));
+        }
+        fs::permissions(device.folder, fs::perms(0555));
+        const bool passed = AsOrdinaryUser(check);
+        fs::permissions(device.folder, fs::perms(0755));
+        fs::permissions(device.folder + "/objectstore.db", fs::perms(0644));
+        return passed;
+    };
+    EXPECT_TRUE(passesReadOnly([] {
+        CEOID oid = 0;
+        const HANDLE readable = CeOpenDatabase(&oid, u"Readable", 0, 0, nullptr);
+        const ReadBack read(readable);
+        return read.count == 1 && std::u16string(read[0].val.lpwstr) == u"as it was" &&
+               Values().Number(1, 1).Write(readable) == 0 && GetLastError() == ERROR_WRITE_PROTECT &&
+               CeCreateDatabase(u"More", 1, 0, nullptr) == 0 && CloseHandle(readable) &&
+               !CeDeleteDatabase(oid) && GetLastError() == ERROR_WRITE_PROTECT;
+    }));
+    const auto isWriteProtected = [] {
+        return CeFindFirstDatabase(0) == INVALID_HANDLE_VALUE && GetLastError() == ERROR_WRITE_PROTECT;
+    };
+    WriteFile(device.folder + "/objectstore.db-wal", "left by a process that died");
+    EXPECT_TRUE(passesReadOnly(isWriteProtected)) << "not damaged: it can be opened where it can be written";
+    std::filesystem::remove(device.folder + "/objectstore.db-wal");
+    WriteFile(device.folder + "/objectstore.db", "");
+    EXPECT_TRUE(passesReadOnly(isWriteProtected));
 }
 
 TEST(Faults, ADeviceThatCannotBeMadeIsTold) {
