@@ -38,6 +38,7 @@ public:
 
     // False at the end of the line. A token that does not fit is cut.
     bool Next(WCHAR (&token)[MAX_PATH]) {
+        cut = false;
         while (*rest && IsSpaceCharacter(*rest))
             ++rest;
         if (!*rest)
@@ -49,6 +50,8 @@ public:
         while (*rest && (quoted ? *rest != u'"' : !IsSpaceCharacter(*rest))) {
             if (length < MAX_PATH - 1)
                 token[length++] = *rest;
+            else
+                cut = true;
             ++rest;
         }
         token[length] = 0;
@@ -56,6 +59,8 @@ public:
             ++rest;
         return true;
     }
+
+    bool cut = false; // the last token was
 
 private:
     const WCHAR* rest;
@@ -65,9 +70,10 @@ bool IsSwitch(const WCHAR* token) {
     return token[0] == u'-' || token[0] == u'/';
 }
 
-// The next token, unless it is a switch.
+// The next token, unless it is a switch. A path that had to be cut would name another file, and a backup
+// would replace that one.
 bool TakeArgument(Tokenizer& tokens, WCHAR (&path)[MAX_PATH]) {
-    return tokens.Next(path) && !IsSwitch(path);
+    return tokens.Next(path) && !tokens.cut && !IsSwitch(path);
 }
 
 // False when the switch makes the whole line invalid.
