@@ -16,7 +16,8 @@ struct SettingsData {
     DWORD sortKey = kSortByName;
     BYTE sortAscending = 1; // A to Z, small to large, old to new
     BYTE showSystemDatabases = 0;
-    DWORD listStyle = 1; // the list view's style bits: details
+    WORD storedWithFlags = 0; // the rest of the stored four bytes; means nothing
+    DWORD listStyle = 1;      // the list view's style bits: details
     DWORD bold = 0;
     HFONT listFont = nullptr; // owned
     HFONT boldFont = nullptr; // owned

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -51,7 +53,11 @@ TEST(Settings, StartWithDefaultsOnAFreshDevice) {
 TEST(Settings, StoreTheirBytesAsEver) {
     const TestDevice device;
     {
-        Settings settings;
+        alignas(Settings) BYTE used[sizeof(Settings)];
+        std::memset(used, 0xCC, sizeof used); // what lies between the fields is stored, too
+        const std::unique_ptr<Settings, void (*)(Settings*)> made(new (used) Settings,
+                                                                  std::destroy_at<Settings>);
+        Settings& settings = *made;
         settings.showSystemDatabases = 1;
         settings.listStyle = 3;
         settings.sortAscending = 0;
