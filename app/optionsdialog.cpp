@@ -5,15 +5,20 @@
 
 namespace {
 
+// What the registry held may be any number; all but 0 are on, as they are wherever the flags are used.
+void ShowFlag(HWND dialog, int control, DWORD flag) {
+    CheckDlgButton(dialog, control, flag ? BST_CHECKED : BST_UNCHECKED);
+}
+
 void InitOptions(HWND dialog) {
     InitDialogFrame(dialog, true, true);
     const Settings& settings = *App().settings;
-    CheckDlgButton(dialog, IDC_OPTIONS_SHOW_SYSTEM, settings.showSystemDatabases);
-    CheckDlgButton(dialog, IDC_OPTIONS_BOLD, settings.bold);
-    CheckDlgButton(dialog, IDC_OPTIONS_FULL_ROW, settings.fullRow);
-    CheckDlgButton(dialog, IDC_OPTIONS_PROMPT_SCRIPT, settings.promptScript);
-    CheckDlgButton(dialog, IDC_OPTIONS_SHOW_WARNING, settings.showWarning);
-    CheckDlgButton(dialog, IDC_OPTIONS_DOUBLE_TAP, settings.doubleTap);
+    ShowFlag(dialog, IDC_OPTIONS_SHOW_SYSTEM, settings.showSystemDatabases);
+    ShowFlag(dialog, IDC_OPTIONS_BOLD, settings.bold);
+    ShowFlag(dialog, IDC_OPTIONS_FULL_ROW, settings.fullRow);
+    ShowFlag(dialog, IDC_OPTIONS_PROMPT_SCRIPT, settings.promptScript);
+    ShowFlag(dialog, IDC_OPTIONS_SHOW_WARNING, settings.showWarning);
+    ShowFlag(dialog, IDC_OPTIONS_DOUBLE_TAP, settings.doubleTap);
 }
 
 void StoreOptions(HWND dialog) {

@@ -102,8 +102,10 @@ TEST_F(DatabaseListTest, OptionsShowSystemDatabasesAtOnce) {
     Tap(IDOK);
     InMainWindow();
     ExpectNames({u"\\System", u"Alpha", u"beta", u"gamma.new"});
+    Do([](HWND) { App().settings->fullRow = 2; }); // as a registry of other hands may have it
     Choose(IDM_OPTIONS);
     InWindow(IDD_OPTIONS);
+    Do([](HWND dialog) { EXPECT_TRUE(IsDlgButtonChecked(dialog, IDC_OPTIONS_FULL_ROW)); });
     Tap(IDC_OPTIONS_SHOW_SYSTEM);
     Press(Qt::Key_Escape);
     InMainWindow();
