@@ -36,7 +36,8 @@ LRESULT OnCreate(HWND window, const CREATESTRUCTW* create) {
 }
 
 void OnDestroy() {
-    SaveListSelection();
+    if (App().listView) // a window whose list could not be made goes through here, too
+        SaveListSelection();
     delete App().settings;
     App().settings = nullptr;
     DeleteObject(App().largeIcons);

@@ -76,7 +76,7 @@ HANDLE CreateFileForWriting(HWND owner, const WCHAR* path, WCHAR* chosenPath) {
 }
 
 bool PickFile(HWND owner, WCHAR* path, bool open, UINT filterId, const WCHAR* extension) {
-    WCHAR filter[MAX_PATH];
+    WCHAR filter[MAX_PATH] = {};
     LoadText(filterId, filter);
     for (WCHAR* character = filter; *character; ++character) {
         if (*character == u'|')
