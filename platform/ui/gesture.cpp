@@ -11,7 +11,8 @@
 namespace {
 
 constexpr int kHoldTime = 500; // milliseconds
-constexpr int kStillness = 4;  // pixels at 96 to the inch that a stylus may wander while it is held
+constexpr int kWakeInterval = 50;
+constexpr int kStillness = 4; // pixels at 96 to the inch that a stylus may wander while it is held
 
 bool MovedAway(const MSG& message, const SHRGINFO& info) {
     const int far = Scaled(kStillness);
@@ -47,10 +48,10 @@ DWORD SHRecognizeGesture(SHRGINFO* info) {
     if (current->message == WM_RBUTTONDOWN)
         return GN_CONTEXTMENU;
     if (current->message != WM_LBUTTONDOWN || !current->input)
-        return 0;  // no stylus behind it that could be held
-    QTimer wakeUp; // so that waiting ends without input, too
-    wakeUp.setSingleShot(true);
-    wakeUp.start(kHoldTime);
+        return 0; // no stylus behind it that could be held
+    // Waiting must end without input, too. One alarm at the end would not do: the host may ring it too early.
+    QTimer wakeUp;
+    wakeUp.start(kWakeInterval);
     QElapsedTimer held;
     held.start();
     while (held.elapsed() < kHoldTime) {
