@@ -8,10 +8,10 @@
 
 namespace {
 
-constexpr int kFixedLength = 12;     // the longest fixed form that is shown
-constexpr int kExactDigits = 17;     // a 64-bit value has no more; those behind are zeros
-constexpr int kExponentDigits = 3;   // always as many
-constexpr int kConversionRoom = 400; // a 64-bit value in full, with places
+constexpr int kFixedLength = 12;   // the longest fixed form that is shown
+constexpr int kExactDigits = 17;   // a 64-bit value has no more; those behind are zeros
+constexpr int kExponentDigits = 3; // always as many
+constexpr int kConversionRoom = 32;
 
 struct Digits {
     bool negative;
@@ -19,35 +19,38 @@ struct Digits {
     int point;          // the decimal point stands before this digit; negative: zeros stand between
 };
 
-std::string Convert(double value, std::chars_format format, int precision) {
-    char text[kConversionRoom];
-    const std::to_chars_result result = std::to_chars(text, text + sizeof(text), value, format, precision);
-    return std::string(text, result.ptr);
+Digits ExactDigits(double value) {
+    char text[kConversionRoom]; // "d.dddde+xx"
+    const std::to_chars_result result = std::to_chars(text, text + sizeof(text), std::fabs(value),
+                                                      std::chars_format::scientific, kExactDigits - 1);
+    int exponent = 0;
+    const char* sign = text + kExactDigits + 2;
+    std::from_chars(*sign == '+' ? sign + 1 : sign, result.ptr, exponent);
+    return {value < 0, std::string(1, text[0]) + std::string(text + 2, kExactDigits - 1), exponent + 1};
 }
 
-Digits LargeDigits(double magnitude, int point, int places) {
-    // "d.dddde+xx" with all digits that count
-    const std::string scientific = Convert(magnitude, std::chars_format::scientific, kExactDigits - 1);
-    std::string digits = scientific.substr(0, 1) + scientific.substr(2, kExactDigits - 1);
-    digits.append(static_cast<std::size_t>(point + places - kExactDigits), '0');
-    return {false, digits, point};
-}
-
+// Half a place goes up, never to the even digit: the handheld rounded the decimal digits.
 Digits RoundedDigits(double value, int places) {
-    const double magnitude = std::fabs(value);
-    const std::string fixed = Convert(magnitude, std::chars_format::fixed, places);
-    const int point = static_cast<int>(fixed.find('.'));
-    Digits result = {};
-    if (point + places > kExactDigits && magnitude >= 1.0) {
-        result = LargeDigits(magnitude, point, places);
-    } else {
-        const std::string all = fixed.substr(0, point) + fixed.substr(point + 1);
-        const std::size_t zeros = std::min(all.find_first_not_of('0'), all.size());
-        result.digits = all.substr(zeros);
-        result.point = point - static_cast<int>(zeros);
+    Digits number = ExactDigits(value);
+    const int wanted = number.point + places;
+    if (wanted >= kExactDigits) {
+        number.digits.append(static_cast<std::size_t>(wanted - kExactDigits), '0');
+        return number;
     }
-    result.negative = value < 0;
-    return result;
+    if (wanted < 0)
+        return {number.negative, "", -places};
+    const bool up = number.digits[wanted] >= '5';
+    number.digits.resize(wanted);
+    int last = wanted - 1;
+    for (; up && last >= 0 && number.digits[last] == '9'; --last)
+        number.digits[last] = '0';
+    if (up && last >= 0) {
+        ++number.digits[last];
+    } else if (up) {
+        number.digits.insert(0, 1, '1');
+        ++number.point;
+    }
+    return number;
 }
 
 void StripZeros(std::string& text) {
