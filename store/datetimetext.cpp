@@ -5,6 +5,8 @@ DateTimeText::DateTimeText() {
 }
 
 DateTimeText::DateTimeText(const FILETIME& utc) : time() {
+    // A moment outside the calendar shows as the calendar's first: a time that pickers take, so that a value
+    // nobody touched does not look changed.
     FILETIME local = {};
     FileTimeToLocalFileTime(&utc, &local);
     FileTimeToSystemTime(&local, &time);
