@@ -1,5 +1,7 @@
 #include "dblist/header.h"
 
+#include <algorithm>
+
 #include "app/application.h"
 #include "dblist/listsort.h"
 #include "platform/gdi.h"
@@ -42,7 +44,7 @@ void ShortenText(HDC dc, WCHAR (&text)[MAX_PATH + kEllipsisLength], LONG width) 
     if (length == 0 || TextWidth(dc, text, length) <= width)
         return;
     do {
-        --length;
+        length = std::max(length - 1, 1);
         CopyText(text + length, kEllipsisLength + 1, u"...");
     } while (length > 1 && TextWidth(dc, text, length + kEllipsisLength) > width);
 }
