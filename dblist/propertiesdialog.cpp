@@ -27,10 +27,12 @@ void ShowNumber(HWND dialog, int control, DWORD number) {
 
 void ShowSize(HWND dialog, DWORD bytes) {
     WCHAR text[kFieldCapacity] = {};
-    const SizeInKilobytes size(bytes);
     // The field of an empty database is blank, not 0.00KB; it is meant.
-    if (bytes > 0)
-        wsprintfW(text, u"%d.%02dKB (%ld Bytes)", size.whole, size.hundredths, bytes);
+    if (static_cast<LONG>(bytes) > 0) {
+        WCHAR kilobytes[kSizeTextCapacity];
+        FormatSizeText(bytes, kilobytes);
+        wsprintfW(text, u"%s (%ld Bytes)", kilobytes, bytes);
+    }
     ShowField(dialog, IDC_PROPERTIES_SIZE, text);
 }
 
