@@ -48,8 +48,8 @@ TEST(FloatText, FixedFormUpToTwelveCharacters) {
     EXPECT_EQ(FloatText(9.9999999), u"10."); // rounding carries into a new digit
     EXPECT_EQ(FloatText(0.0000001), u"0.");  // nothing left of it
     EXPECT_EQ(FloatText(-0.00001), u"-0.00001");
-    EXPECT_EQ(FloatText(0.015625), u"0.01563"); // exactly half a place
-    EXPECT_EQ(FloatText(0.000009), u"0.00001"); // rounding brings the only digit
+    EXPECT_EQ(FloatText(0.015625), u"0.01563");          // exactly half a place
+    EXPECT_EQ(FloatText(0.000009), u"0.00001");          // rounding brings the only digit
     EXPECT_EQ(FloatText(12345678901.), u"12345678901."); // twelve characters
 }
 
