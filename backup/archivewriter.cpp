@@ -67,7 +67,7 @@ std::int64_t ArchiveWriter::WriteRecord(const RecordBuffer& record, RecordHeader
         recordHeader->length = codec->OutputLength();
     }
     if (!Write(offset, recordHeader, sizeof *recordHeader) ||
-        !Write(offset + sizeof *recordHeader, data, recordHeader->length))
+        (recordHeader->length && !Write(offset + sizeof *recordHeader, data, recordHeader->length)))
         return -1;
     return offset + sizeof *recordHeader + recordHeader->length;
 }
