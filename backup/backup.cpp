@@ -53,7 +53,8 @@ bool BackupEngine::WriteDatabase(const WCHAR* name) {
     }
     if (walk == Walk::refused)
         return false;
-    // An entry that ends early counts too: the archive is kept as far as it got.
+    // An entry that ends early counts too: the archive is kept as far as it got. That is meant, although a
+    // compressed entry without its prefix keeps the whole archive from being listed.
     header.databaseCount++;
     script.Append(MessageOwner(), name);
     return walk == Walk::complete;
