@@ -1,6 +1,7 @@
 #include "viewer/valueeditor.h"
 
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -100,17 +101,35 @@ bool ReadSmallNumber(HWND dialog, WORD type, CEVALUNION* value) {
     return false;
 }
 
+namespace {
+
+// As far as the text is a number; a sign does not belong to it.
+double ParseMagnitude(const WCHAR* text) {
+    std::string narrow;
+    for (; *text && *text < 0x80; ++text)
+        narrow += static_cast<char>(*text);
+    if (narrow.starts_with('-'))
+        return 0.0;
+    double value = 0.0;
+    const auto [end, error] = std::from_chars(narrow.data(), narrow.data() + narrow.size(), value);
+    if (error == std::errc::result_out_of_range)
+        return narrow.find('-') < static_cast<std::size_t>(end - narrow.data()) ? 0.0 : HUGE_VAL;
+    return value;
+}
+
+} // namespace
+
 double ReadFloat(HWND dialog) {
     WCHAR text[kValueTextCapacity];
     GetDlgItemTextW(dialog, IDC_VALUE_NUMBER, text, kValueTextCapacity);
-    std::string narrow;
-    for (const WCHAR* character = text; *character; ++character) {
-        if (!narrow.empty() || !(IsSpaceCharacter(*character) || *character == u'+'))
-            narrow += *character < 0x80 ? static_cast<char>(*character) : ' ';
-    }
-    double value = 0.0;
-    std::from_chars(narrow.data(), narrow.data() + narrow.size(), value);
-    return value;
+    const WCHAR* character = text;
+    while (IsSpaceCharacter(*character))
+        ++character;
+    const bool negative = *character == u'-';
+    if (negative || *character == u'+')
+        ++character;
+    const double magnitude = ParseMagnitude(character);
+    return negative ? -magnitude : magnitude;
 }
 
 FILETIME ReadDate(HWND dialog) {
