@@ -222,8 +222,8 @@ BOOL KillTimer(HWND window, UINT id);
 std::int16_t GetKeyState(int virtualKey); // negative while held, as of the message last retrieved
 
 HACCEL LoadAcceleratorsW(HINSTANCE instance, const WCHAR* table);
-// Sends WM_COMMAND (high word 1) to `window` for a key message found in the table; a greyed menu item of the
-// window's menu bar is not run, but its key counts as handled.
+// Sends WM_COMMAND (high word 1) to `window` for a key message found in the table. A menu bar is no menu of
+// the window: what is greyed there runs by its key all the same.
 int TranslateAcceleratorW(HWND window, HACCEL table, MSG* message);
 
 // ---- message boxes, cursors, icons ----

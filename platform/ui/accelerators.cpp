@@ -64,7 +64,7 @@ int TranslateAcceleratorW(HWND window, HACCEL table, MSG* message) {
     for (const AcceleratorTable::Entry& entry : table->entries) {
         if (!Matches(entry, message->wParam))
             continue;
-        if (IsWindowEnabled(window) && !MenuCommandGreyed(window, entry.command))
+        if (IsWindowEnabled(window))
             SendMessageW(window, WM_COMMAND, MAKELONG(entry.command, 1), 0);
         return TRUE;
     }

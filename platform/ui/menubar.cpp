@@ -233,11 +233,6 @@ HWND MenuBarOf(HWND window) {
     return nullptr;
 }
 
-bool MenuCommandGreyed(HWND window, UINT command) {
-    const MenuItem* const item = FindMenuItem(MenuOf(MenuBarOf(window)), command);
-    return item && !item->enabled;
-}
-
 bool MenuBarMnemonic(HWND bar, char16_t letter) {
     MenuBarWidget* const widget = WidgetOf(bar);
     if (!widget)

@@ -44,8 +44,6 @@ QMenu* MakePopup(HMENU menu, HWND owner, int position);
 // ---- for the window core ----
 // The bar of the top-level window that `window` belongs to, or null.
 HWND MenuBarOf(HWND window);
-// True when the bar's menu has the command greyed: its accelerator is then handled without being run.
-bool MenuCommandGreyed(HWND window, UINT command);
 // Alt and a letter: opens the popup whose mnemonic it is. F10 or Alt alone: the arrows move along the bar
 // until Escape. Both return false when there is nothing to open. The focus stays where it is meanwhile.
 bool MenuBarMnemonic(HWND bar, char16_t letter);
