@@ -1,6 +1,7 @@
 #include "platform/storage/store.h"
 
 #include "platform/device.h"
+#include "platform/storage/opendatabase.h"
 #include "platform/storage/storefile.h"
 
 #include <algorithm>
@@ -112,6 +113,9 @@ void WriteTransaction::End() {
 
 Store* TheStore() {
     std::unique_ptr<Store>& slot = Slot();
+    if (slot && slot->readOnlyError == ERROR_DISK_FULL && OpenDatabases().empty()) {
+        slot.reset(); // there may be room by now
+    }
     if (!slot) {
         auto store = std::make_unique<Store>();
         if (!OpenStoreFile(*store, DeviceStorePath())) {

@@ -143,7 +143,12 @@ TEST(Faults, AFullDiskFailsTheWriteAndKeepsTheRest) {
     EXPECT_EQ(ReadBack(handle).record, kept);
     ASSERT_EQ(storage::TheStore()->connection.Execute("PRAGMA max_page_count = 100000"), SQLITE_OK);
     EXPECT_GT(Values().Number(1, 2).Write(handle), kept);
+    // A disk without room even for opening the store in order leaves it readable, until there is room.
+    storage::TheStore()->readOnlyError = ERROR_DISK_FULL;
+    EXPECT_EQ(Values().Number(1, 3).Write(handle), 0U);
+    EXPECT_EQ(GetLastError(), ERROR_DISK_FULL);
     CloseHandle(handle);
+    EXPECT_NE(CeCreateDatabase(u"Room", 1, 0, nullptr), 0U);
 }
 
 // Runs a check as a user that no permission is waived for. True when it passed or when no such user can be
