@@ -3,8 +3,8 @@
 // `\folder\name` is below the device's root, `\Storage Card\...` is the host's file system from its root on.
 // A path without a leading separator is relative to the host's working folder; one with a leading `/` is a
 // path of the host. Both separators do. Names keep their case and are found without regard to it, an exact
-// match first. A path that climbs above the device's root, or that begins with two backslashes (another
-// machine), is ERROR_PATH_NOT_FOUND.
+// match first. A path that is empty, climbs above the device's root, begins with two backslashes (another
+// machine) or is too long for the host is ERROR_PATH_NOT_FOUND.
 #pragma once
 
 #include "platform/handles.h"
@@ -13,7 +13,6 @@
 constexpr DWORD GENERIC_READ = 0x80000000;
 constexpr DWORD GENERIC_WRITE = 0x40000000;
 constexpr DWORD FILE_SHARE_READ = 0x00000001;
-constexpr DWORD FILE_SHARE_WRITE = 0x00000002;
 constexpr DWORD CREATE_NEW = 1;    // ERROR_FILE_EXISTS when there is one
 constexpr DWORD CREATE_ALWAYS = 2; // empties the one there is
 constexpr DWORD OPEN_EXISTING = 3;

@@ -58,8 +58,6 @@ HDC CreateDCW(const WCHAR* driver, const WCHAR* device, const WCHAR* output, con
 HDC CreateCompatibleDC(HDC dc);
 BOOL DeleteDC(HDC dc);
 int GetDeviceCaps(HDC dc, int index);
-HDC GetDC(HWND window); // for measuring
-int ReleaseDC(HWND window, HDC dc);
 HDC BeginPaint(HWND window, PAINTSTRUCT* paint); // within WM_PAINT
 BOOL EndPaint(HWND window, const PAINTSTRUCT* paint);
 int SaveDC(HDC dc);

@@ -5,12 +5,14 @@
 //   ERROR_SHARING_VIOLATION    the database is open, in this process or another
 //   ERROR_DUP_NAME             another database has the name
 //   ERROR_INVALID_PARAMETER    a bad handle, name, flag, record identifier or property value
-//   ERROR_DISK_FULL            65,535 records are there already, the identifiers are used up, or the disk is
-//   full ERROR_INSUFFICIENT_BUFFER  the caller's buffer is too small and must not grow ERROR_NO_MORE_ITEMS no
-//   such record in that direction, or no further database ERROR_WRITE_PROTECT, ERROR_ACCESS_DENIED,
-//   ERROR_FILE_CORRUPT, ERROR_REVISION_MISMATCH, ERROR_GEN_FAILURE
-//                              the device cannot be written, cannot be opened, is damaged, was made by a
-//                              newer version, or failed in some other way
+//   ERROR_DISK_FULL            65,535 records are there already, no identifier is left, or the disk is full
+//   ERROR_INSUFFICIENT_BUFFER  the caller's buffer is too small and must not grow
+//   ERROR_NO_MORE_ITEMS        no such record in that direction, or no further database
+//   ERROR_WRITE_PROTECT        the device cannot be written
+//   ERROR_ACCESS_DENIED        it cannot be opened
+//   ERROR_FILE_CORRUPT         it is damaged, or no device
+//   ERROR_REVISION_MISMATCH    it was made by a newer version
+//   ERROR_GEN_FAILURE          it failed in some other way
 #pragma once
 
 #include "platform/handles.h"
@@ -68,6 +70,9 @@ constexpr WORD CEDB_PROPDELETE = 0x0200;
 constexpr WORD CEDB_MAXDBASENAMELEN = 32; // terminator included
 constexpr WORD CEDB_MAXSORTORDER = 4;
 
+// Numbers and times go by their value, texts by their code units, blobs by their length and then by their
+// bytes. What lies beyond 256 characters or bytes makes no difference. Equals follow each other as they were
+// made.
 constexpr DWORD CEDB_SORT_DESCENDING = 0x0001;
 constexpr DWORD CEDB_SORT_CASEINSENSITIVE = 0x0002;
 // Records without the property come first; otherwise they come last. CEDB_SORT_DESCENDING does not turn this
@@ -130,14 +135,15 @@ BOOL CeOidGetInfo(CEOID oid, CEOIDINFO* info);
 CEOID CeCreateDatabase(const WCHAR* name, DWORD type, WORD sortOrders, const SORTORDERSPEC* specs);
 
 // Opens a database: by identifier when *oid is not 0, else by name, and then its identifier is put into *oid.
-// `sort` is the property of one of its sort orders, or 0 for the order in which the records were made.
-// `flags` is 0. The handle stands on the first record. While it is open no process can delete the database. A
-// `notify` window is posted DB_CEOID_* messages when another process makes or deletes records.
-// INVALID_HANDLE_VALUE on failure.
+// `sort` is the property of one of its sort orders, else ERROR_INVALID_PARAMETER, or 0 for the order in which
+// the records were made. `flags` is 0. The handle stands on the first record. While it is open no process can
+// delete the database. A `notify` window is posted DB_CEOID_* messages when another process makes or deletes
+// records. INVALID_HANDLE_VALUE on failure.
 HANDLE CeOpenDatabase(CEOID* oid, const WCHAR* name, CEPROPID sort, DWORD flags, HWND notify);
 
 // Takes over what info->dwFlags declares valid: name, type and sort orders. The time of modification is the
-// store's own affair and becomes that of this call.
+// store's own affair and becomes that of this call. Other sort orders than before need a database that nobody
+// has open.
 BOOL CeSetDatabaseInfo(CEOID oid, const CEDBASEINFO* info);
 
 // Deletes a database with its records; nobody may have it open.
@@ -152,8 +158,9 @@ constexpr DWORD CEDB_SEEK_CURRENT = 8;   // `value`, signed, records after the c
 
 // Moves the handle to a record; its identifier, or 0 with ERROR_NO_MORE_ITEMS when there is none there, the
 // handle then staying where it was. `index`, unless null, gets its place in the handle's order, counted from
-// 0. When the current record has been deleted the handle stands in the gap that it left: there is nothing to
-// read, and one step either way finds the neighbour.
+// 0. The handle goes with its record when a change moves that in the order. When the current record has been
+// deleted the handle stands in the gap that it left: there is nothing to read, and one step either way finds
+// the neighbour.
 CEOID CeSeekDatabase(HANDLE database, DWORD seekType, DWORD value, DWORD* index);
 
 constexpr DWORD CEDB_ALLOWREALLOC = 1;
@@ -161,16 +168,17 @@ constexpr DWORD CEDB_ALLOWREALLOC = 1;
 // Reads the current record whole: *count CEPROPVAL entries, then the strings and blobs that they point to, in
 // one block of the local heap. With CEDB_ALLOWREALLOC *block, null or a block of the local heap, is made or
 // grown when LocalSize says that it is too small; it is the caller's to LocalFree. Without it the *size bytes
-// at *block, in the local heap too, must suffice. *size becomes exactly what the record takes, 0 for a record
-// without properties. `ids` is null: all properties. The record's identifier, or 0.
+// at *block, in the local heap too, must suffice, else *size tells how many would. *size becomes exactly what
+// the record takes, 0 for a record without properties. `ids` is null: all properties. The record's
+// identifier, or 0.
 CEOID CeReadRecordProps(HANDLE database, DWORD flags, WORD* count, const CEPROPID* ids, BYTE** block,
                         DWORD* size);
 
 // Makes a record (`record` 0) or changes one: a property with the same whole identifier is replaced, others
 // are appended, an entry with CEDB_PROPDELETE takes its property away, even the last one. Strings and blobs
 // must lie in live blocks of the local heap, else ERROR_INVALID_PARAMETER. A null string is kept as such,
-// apart from an empty one. Values of unknown types are kept as they are, 8 bytes. Durable when it returns.
-// The record's identifier, or 0.
+// apart from an empty one. Values of unknown types are kept as they are, 8 bytes. A record has at
+// most 65,535 properties and 16 MiB. Durable when it returns. The record's identifier, or 0.
 CEOID CeWriteRecordProps(HANDLE database, CEOID record, WORD count, const CEPROPVAL* values);
 
 BOOL CeDeleteRecord(HANDLE database, CEOID record);

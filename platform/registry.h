@@ -1,9 +1,9 @@
 // The registry: keys below three main keys, each with a class and values of any type. Names keep their case
-// and are compared without regard to it. Every call returns an error number, ERROR_SUCCESS when it worked,
-// and sets it as the last error too:
+// and are compared without regard to it. Every call returns ERROR_SUCCESS, or an error number that it sets
+// as the last error too:
 //   ERROR_FILE_NOT_FOUND     no such key or value
 //   ERROR_INVALID_HANDLE     no open key
-//   ERROR_INVALID_PARAMETER  a name that is too long or a missing argument
+//   ERROR_INVALID_PARAMETER  a name or a value that is too long, or a missing argument
 //   ERROR_MORE_DATA          the caller's buffer is too small
 //   ERROR_NO_MORE_ITEMS      the index is past the last one
 //   and the object store's for a device that is full, damaged or cannot be written.

@@ -38,7 +38,6 @@ using HCURSOR = struct CursorObject*;
 using HGDIOBJ = struct GdiObject*;
 using HFONT = HGDIOBJ;
 using HBRUSH = HGDIOBJ;
-using HPEN = HGDIOBJ;
 using HBITMAP = HGDIOBJ;
 using HIMAGELIST = HGDIOBJ;
 

@@ -107,15 +107,6 @@ HDC CreateCompatibleDC(HDC) {
     return NewContext(nullptr, true);
 }
 
-HDC GetDC(HWND) {
-    EnsureWindowSystem();
-    return NewContext(nullptr);
-}
-
-int ReleaseDC(HWND, HDC dc) {
-    return DeleteDC(dc);
-}
-
 BOOL DeleteDC(HDC dc) {
     return LiveContexts().erase(dc) != 0;
 }
