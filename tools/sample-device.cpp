@@ -43,7 +43,8 @@ int Complain(const char* folder, const char* what) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
+    // No device is named like an option; one that asks for help gets it.
+    if (argc != 2 || argv[1][0] == '-') {
         std::fputs("usage: sample-device DIR\n", stderr);
         return 2;
     }
