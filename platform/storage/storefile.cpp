@@ -1,7 +1,7 @@
 #include "platform/storage/storefile.h"
 
 #include <cerrno>
-#include <unistd.h>
+#include <sys/stat.h>
 
 namespace storage {
 
@@ -108,9 +108,11 @@ std::string AsUri(const std::string& path) {
 }
 
 // For a device that cannot be written. A store that was closed in good order can be read without a file
-// beside it; one that was not is read together with what its last process left.
+// beside it; one that was not is read together with what its last process left. An empty log is left by an
+// attempt to write that a full disk stopped.
 DWORD OpenReadOnly(Store& store, const std::string& path) {
-    const bool inOrder = access((path + "-wal").c_str(), F_OK) != 0;
+    struct stat log {};
+    const bool inOrder = stat((path + "-wal").c_str(), &log) != 0 || log.st_size == 0;
     const int result = store.connection.Open(AsUri(path) + (inOrder ? "?immutable=1" : ""),
                                              SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
     bool empty = false;

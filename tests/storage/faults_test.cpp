@@ -183,6 +183,8 @@ TEST(Faults, ADeviceThatCannotBeWrittenCanBeRead) {
         fs::permissions(device.folder + "/objectstore.db", fs::perms(0644));
         return passed;
     };
+    const std::string log = device.folder + "/objectstore.db-wal";
+    WriteFile(log, ""); // says nothing: the store is in order
     EXPECT_TRUE(passesReadOnly([] {
         CEOID oid = 0;
         const HANDLE readable = CeOpenDatabase(&oid, u"Readable", 0, 0, nullptr);
@@ -195,9 +197,10 @@ TEST(Faults, ADeviceThatCannotBeWrittenCanBeRead) {
     const auto isWriteProtected = [] {
         return CeFindFirstDatabase(0) == INVALID_HANDLE_VALUE && GetLastError() == ERROR_WRITE_PROTECT;
     };
-    WriteFile(device.folder + "/objectstore.db-wal", "left by a process that died");
+    std::filesystem::remove(log);
+    WriteFile(log, "left by a process that died");
     EXPECT_TRUE(passesReadOnly(isWriteProtected)) << "not damaged: it can be opened where it can be written";
-    std::filesystem::remove(device.folder + "/objectstore.db-wal");
+    std::filesystem::remove(log);
     WriteFile(device.folder + "/objectstore.db", "");
     EXPECT_TRUE(passesReadOnly(isWriteProtected));
 }
