@@ -239,6 +239,9 @@ void NoteKeys(const QEvent& event) {
                                      : key == Qt::Key_Alt     ? Qt::AltModifier
                                                               : Qt::NoModifier;
     keys.modifiers.setFlag(own, event.type() == QEvent::KeyPress);
+    // Here, for a key that a dialog or an accelerator takes never comes to the menu bar.
+    if (key != Qt::Key_Alt)
+        keys.altAlone = false;
 }
 
 std::int16_t GetKeyState(int virtualKey) {
