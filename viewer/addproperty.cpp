@@ -19,11 +19,11 @@ bool RunAddPropertyWizard(HWND owner, CEOID* record, CEPROPVAL* property, const 
     for (;;) {
         if (ShowTypePage(owner, &wizard) != IDOK)
             return false;
-        const int result = ShowValuePage(owner, &wizard);
-        if (result == kWizardBack)
-            continue;
-        if (result == IDOK && wizard.newRecord)
+        // Decided with the first "Next >>": coming back and unchecking does not undo it, and is meant not to.
+        if (wizard.newRecord)
             *record = 0;
-        return result == IDOK;
+        const int result = ShowValuePage(owner, &wizard);
+        if (result != kWizardBack)
+            return result == IDOK;
     }
 }

@@ -21,7 +21,7 @@ struct AddPropertyWizard {
 
 // True when the user finished: the property's identifier and value are filled, a text in a block of the local
 // heap that the caller releases after writing it (null for an empty one). `record` becomes 0 when a new
-// record was asked for; 0 on entry allows nothing else.
+// record is asked for, also when the user turns back later; 0 on entry allows nothing else.
 bool RunAddPropertyWizard(HWND owner, CEOID* record, CEPROPVAL* property, const std::vector<DWORD>& usedIds);
 
 // Releases the text of a property that the wizard or an editor made; others hold none.

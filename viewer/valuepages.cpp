@@ -51,7 +51,10 @@ bool TakeValue(HWND dialog, CEPROPVAL* property) {
     switch (type) {
     case CEVT_I2:
     case CEVT_UI2:
-        return ReadSmallNumber(dialog, type, &property->val);
+        if (ReadSmallNumber(dialog, type, &property->val))
+            return true;
+        SetFocus(GetDlgItem(dialog, IDC_VALUE_NUMBER));
+        return false;
     case CEVT_I4:
         property->val.lVal = static_cast<LONG>(GetDlgItemInt(dialog, IDC_VALUE_NUMBER, nullptr, TRUE));
         return true;
