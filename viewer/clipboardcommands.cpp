@@ -48,12 +48,10 @@ void RecordViewer::CutProperty(HWND focus) {
         return;
     }
     CEPROPVAL* property = SelectedProperty();
-    if (!property)
-        return;
-    if (App().settings->showWarning &&
-        MessageFromString(dialog, IDS_CONFIRM_DELETE_PROPERTY, kWarningQuestionBox) != IDYES)
-        return;
-    if (!PutPropertyOnClipboard(*property))
+    if (property && App().settings->showWarning)
+        property = ConfirmedProperty(*property, IDS_CONFIRM_DELETE_PROPERTY);
+    // A clipboard that cannot be opened does not keep the property from being deleted: it is meant.
+    if (!property || !PutPropertyOnClipboard(*property))
         return;
     database->DeleteProperty(recordId, property);
     RememberForUndo(UndoKind::Cut, *property);
@@ -62,22 +60,15 @@ void RecordViewer::CutProperty(HWND focus) {
 
 namespace {
 
-// The clipboard's property, with its pointer made anew; false when there is none that fits its block.
-bool TakeFromClipboard(CEPROPVAL* property) {
+// A copy of the clipboard's property, null when there is none that fits its block. The block itself may not
+// outlive the questions to come: an update of the menus closes the clipboard.
+FlatProperty* TakeFromClipboard() {
     const UINT format = PropertyClipFormat();
-    if (!IsClipboardFormatAvailable(format))
-        return false;
-    void* block = GetClipboardData(format);
-    return block &&
-           Unflatten(static_cast<FlatProperty*>(block), static_cast<DWORD>(LocalSize(block)), property);
-}
-
-bool HoldsIdentifier(const RecordBuffer& record, CEPROPID identifier) {
-    for (WORD place = 0; place < record.propCount; ++place) {
-        if (record.Properties()[place].propid == identifier)
-            return true;
-    }
-    return false;
+    void* block = IsClipboardFormatAvailable(format) ? GetClipboardData(format) : nullptr;
+    CEPROPVAL property;
+    const bool fits = block && Unflatten(static_cast<FlatProperty*>(block),
+                                         static_cast<DWORD>(LocalSize(block)), &property);
+    return fits ? Flatten(property) : nullptr;
 }
 
 } // namespace
@@ -89,27 +80,29 @@ void RecordViewer::PasteProperty(HWND focus) {
     }
     if (!OpenClipboard(dialog))
         return;
-    CEPROPVAL property;
-    const bool available = TakeFromClipboard(&property);
-    const bool clash = available && HoldsIdentifier(record, property.propid);
-    if (!available || (clash && MessageFromString(dialog, IDS_CONFIRM_PASTE_OVER, kQuestionBox) != IDYES)) {
-        CloseClipboard();
-        return;
-    }
+    FlatProperty* taken = TakeFromClipboard();
+    const CEOID target = recordId; // questions may outlive it, and another record is not meant
+    const bool clash = taken && FindProperty(taken->property.propid);
+    if (taken && (!clash || MessageFromString(dialog, IDS_CONFIRM_PASTE_OVER, kQuestionBox) == IDYES))
+        WritePasted(target, &taken->property, clash);
+    LocalFree(taken);
+    CloseClipboard();
+}
+
+void RecordViewer::WritePasted(CEOID target, CEPROPVAL* property, bool clash) {
     saving = 1;
     if (IsEdited(editedProperty))
         SaveEditedProperty(editedProperty, false);
     saving = 1; // the save has cleared it
     editedProperty = kNoProperty;
     database->reportErrors = 1;
-    database->WriteProperty(recordId, &property);
+    database->WriteProperty(target, property);
     database->reportErrors = 0;
     // What undo keeps is the pasted value itself, so that undoing a paste over another value changes nothing;
     // it is meant.
-    RememberForUndo(clash ? UndoKind::Changed : UndoKind::Added, property);
-    FillPropertyList(property.propid);
+    RememberForUndo(clash ? UndoKind::Changed : UndoKind::Added, *property);
+    FillPropertyList(property->propid);
     saving = 0;
-    CloseClipboard();
 }
 
 void RecordViewer::SelectAllText(HWND focus) {

@@ -22,13 +22,18 @@ void ReleasePropertyText(const CEPROPVAL& property) {
         LocalFree(property.val.lpwstr);
 }
 
-bool RecordViewer::ConfirmChange() {
-    return !App().settings->showWarning || Confirmed(*this, IDS_CONFIRM_CHANGE);
+// Asks about a property of the current record; null unless the answer is Yes. While the question stands open,
+// another process's change can have the record read anew or another one in its place: then the property must
+// still be there.
+CEPROPVAL* RecordViewer::ConfirmedProperty(const CEPROPVAL& property, UINT question) {
+    const CEPROPID identifier = property.propid;
+    const CEOID owner = recordId;
+    return Confirmed(*this, question) && recordId == owner ? FindProperty(identifier) : nullptr;
 }
 
 // The handle's own words for a failed write would speak of a new record, so it is kept quiet.
-bool RecordViewer::WriteEdited(WORD index, CEPROPVAL* value) {
-    RememberForUndo(UndoKind::Changed, record.Properties()[index]);
+bool RecordViewer::WriteEdited(const CEPROPVAL& stored, CEPROPVAL* value) {
+    RememberForUndo(UndoKind::Changed, stored);
     if (database->WriteProperty(recordId, value) != recordId) {
         ReportAloud(*database, IDS_UNABLE_TO_SAVE_PROPERTY, nullptr);
         return false;
@@ -41,12 +46,15 @@ bool RecordViewer::WriteEdited(WORD index, CEPROPVAL* value) {
 bool RecordViewer::SaveEditedProperty(WORD index, bool refill) {
     CEPROPVAL value;
     const EditorState state = {numericModified != 0, textModified != 0};
-    if (!ParseEditedValue(dialog, record.Properties()[index], state, &value))
+    const CEPROPVAL* stored = record.Properties() + index;
+    if (!ParseEditedValue(dialog, *stored, state, &value))
         return false;
     saving = 1;
     bool saved = false;
-    if (ConfirmChange()) {
-        saved = WriteEdited(index, &value);
+    if (App().settings->showWarning)
+        stored = ConfirmedProperty(*stored, IDS_CONFIRM_CHANGE);
+    if (stored) {
+        saved = WriteEdited(*stored, &value);
         if (refill)
             FillPropertyList(kSelectNone);
     }
@@ -62,22 +70,26 @@ void RecordViewer::DeletePropertyCommand() {
     }
     const HWND list = Control(IDC_VIEWER_LIST);
     CEPROPVAL* property = SelectedProperty();
-    if (SendMessageW(list, LVM_GETSELECTEDCOUNT, 0, 0) != 1 || !property ||
-        !Confirmed(*this, IDS_CONFIRM_DELETE_PROPERTY))
+    if (SendMessageW(list, LVM_GETSELECTEDCOUNT, 0, 0) != 1 || !property)
         return;
+    property = ConfirmedProperty(*property, IDS_CONFIRM_DELETE_PROPERTY);
+    if (!property)
+        return;
+    // Before the write, whose failure is reported in a box that the record may not outlive.
+    RememberForUndo(UndoKind::Deleted, *property);
     database->reportErrors = 1;
     database->DeleteProperty(recordId, property);
-    RememberForUndo(UndoKind::Deleted, *property);
     database->reportErrors = 0;
     FillPropertyList(kSelectNone);
 }
 
 void RecordViewer::DeleteRecordCommand() {
-    if (!recordId || !Confirmed(*this, IDS_CONFIRM_DELETE_RECORD))
+    const CEOID asked = recordId; // the current one may be another when the answer comes
+    if (!asked || !Confirmed(*this, IDS_CONFIRM_DELETE_RECORD))
         return;
     ForgetUndo();
     database->reportErrors = 1;
-    database->DeleteRecord(recordId);
+    database->DeleteRecord(asked);
     database->reportErrors = 0;
     if (ReloadDatabase(0))
         FillPropertyList(kSelectNone);

@@ -42,7 +42,7 @@ void SortProperties(HWND list) {
     SortListView(sort);
 }
 
-int RowOfPlace(HWND list, WORD place) {
+int RowOfPlace(HWND list, LPARAM place) {
     LVFINDINFOW find = {};
     find.flags = LVFI_PARAM;
     find.lParam = place;
@@ -72,6 +72,7 @@ void RecordViewer::SelectRow(int row) {
 
 void RecordViewer::FillPropertyList(CEPROPID propIdToSelect) {
     const HWND list = Control(IDC_VIEWER_LIST);
+    const HWND focus = GetFocus();
     HideEditors();
     LocalFree(record.data);
     record = {};
@@ -87,12 +88,8 @@ void RecordViewer::FillPropertyList(CEPROPID propIdToSelect) {
     InvalidateRect(list, nullptr, TRUE);
 
     // Selecting raises the notification that shows the value; nothing else here does.
-    WORD place = kNoProperty;
-    for (WORD candidate = 0; propIdToSelect != kSelectNone && candidate < record.propCount; ++candidate) {
-        if (record.Properties()[candidate].propid == propIdToSelect)
-            place = candidate;
-    }
-    int row = place == kNoProperty ? -1 : RowOfPlace(list, place);
+    const CEPROPVAL* wanted = propIdToSelect == kSelectNone ? nullptr : FindProperty(propIdToSelect);
+    int row = wanted ? RowOfPlace(list, wanted - record.Properties()) : -1;
     if (row >= 0) {
         SelectRow(row);
         SortProperties(list);
@@ -108,7 +105,15 @@ void RecordViewer::FillPropertyList(CEPROPID propIdToSelect) {
     UpdateWindow(list);
     if (record.propCount == 0 || row < 0)
         OnSelectionChanged();
+    ReturnFocus(focus);
     ShowPosition();
+}
+
+// To the editor that was hidden with the focus in it, so that one can type from record to record; to the list
+// when another kind of value has taken its place.
+void RecordViewer::ReturnFocus(HWND focus) {
+    if (focus && focus != GetFocus())
+        SetFocus(IsWindowVisible(focus) && IsWindowEnabled(focus) ? focus : Control(IDC_VIEWER_LIST));
 }
 
 void RecordViewer::ShowPosition() {
@@ -135,6 +140,14 @@ CEPROPVAL* RecordViewer::SelectedProperty() const {
     return index == kNoProperty ? nullptr : record.Properties() + index;
 }
 
+CEPROPVAL* RecordViewer::FindProperty(CEPROPID identifier) const {
+    for (WORD place = 0; place < record.propCount; ++place) {
+        if (record.Properties()[place].propid == identifier)
+            return record.Properties() + place;
+    }
+    return nullptr;
+}
+
 void RecordViewer::OnSelectionChanged() {
     WORD index = SelectedPropertyIndex();
     if (index == kNoProperty) {
@@ -143,8 +156,10 @@ void RecordViewer::OnSelectionChanged() {
     }
     if (index == editedProperty)
         return;
-    if (IsEdited(editedProperty) && SaveEditedProperty(editedProperty, true)) {
-        // The list was filled anew, and has shown its selection already unless the save emptied it.
+    if (IsEdited(editedProperty)) {
+        SaveEditedProperty(editedProperty, true);
+        // A list that was filled anew, written or not, has shown its selection already; the record may even
+        // be gone.
         index = SelectedPropertyIndex();
         if (index == kNoProperty || index == editedProperty)
             return;

@@ -105,8 +105,7 @@ int RunRecordViewer(RecordViewer* viewer, HWND ownerWindow, const WCHAR* databas
     // A viewer that closed itself while it was being made has said why; its loop ends with the code that
     // waits for it.
     if (!dialog && !viewer->quitPosted) {
-        if (!viewer->database)
-            SHShowOutOfMemory(ownerWindow, 0);
+        SHShowOutOfMemory(ownerWindow, 0);
         return kViewerNotMade;
     }
     EnableWindow(ownerWindow, FALSE);
@@ -127,7 +126,9 @@ RecordViewer::~RecordViewer() {
 
 void RecordViewer::Close(int code) {
     DestroyWindow(dialog);
-    if (code == kViewerNotMade)
+    // What closes it may come about inside of another command that closes it too, and a second quit would end
+    // the program's own loop.
+    if (code == kViewerNotMade || quitPosted)
         return;
     quitPosted = true;
     PostQuitMessage(code);

@@ -52,6 +52,7 @@ public:
     // ---- selection and values ----
     WORD SelectedPropertyIndex() const; // kNoProperty for none
     CEPROPVAL* SelectedProperty() const;
+    CEPROPVAL* FindProperty(CEPROPID identifier) const; // in the current record; null when it has none
     void OnSelectionChanged();
     void OnColumnClick(int column);
     void ShowValue(const CEPROPVAL& property);
@@ -116,14 +117,16 @@ private:
     void InitList();
     void InsertPropertyRows();
     void SelectRow(int row);
+    void ReturnFocus(HWND focus);
     void ShowPosition();
     void HideEditors();
     void ShowEditorsFor(WORD type);
     bool RunFindDialog();
     bool SearchOn(DWORD* index, RecordBuffer* buffer, CEPROPID* hit);
     void EndSearchWithoutHit(RecordBuffer* buffer);
-    bool ConfirmChange();
-    bool WriteEdited(WORD index, CEPROPVAL* value);
+    CEPROPVAL* ConfirmedProperty(const CEPROPVAL& property, UINT question);
+    bool WriteEdited(const CEPROPVAL& stored, CEPROPVAL* value);
+    void WritePasted(CEOID target, CEPROPVAL* property, bool clash);
     bool UndoWrite(CEPROPID* selectAfter);
 };
 

@@ -34,12 +34,8 @@ bool RecordViewer::UndoWrite(CEPROPID* selectAfter) {
             return false;
         // The record in memory still holds the value before this undo: keeping it makes a second Undo bring
         // it back.
-        for (WORD place = 0; place < record.propCount; ++place) {
-            if (record.Properties()[place].propid == *selectAfter) {
-                RememberForUndo(UndoKind::Changed, record.Properties()[place]);
-                break;
-            }
-        }
+        if (const CEPROPVAL* before = FindProperty(*selectAfter))
+            RememberForUndo(UndoKind::Changed, *before);
         return true;
     case UndoKind::Added:
     case UndoKind::AddedToo:

@@ -5,6 +5,7 @@
 
 #include "platform/controls.h"
 #include "resources/resource.h"
+#include "store/dbhandle.h"
 #include "tests/support/sampledatabases.h"
 #include "tests/support/usersession.h"
 
@@ -21,6 +22,8 @@ constexpr char16_t kDeleteProperty[] =
 constexpr char16_t kDeleteRecord[] =
     u"Do you want to delete the current record?\n\nWARNING: deleting a record from a system "
     u"database may cause your device to stop functioning property and require a hard reset!";
+constexpr char16_t kModifiedByOthers[] =
+    u"Database \"People\" has been modified by another process; it will be re-loaded.";
 
 class ViewerTest : public UserSession {
 protected:
@@ -74,7 +77,9 @@ TEST_F(ViewerTest, CorrectsAPhoneNumberAndTakesItBack) {
     Press(Qt::Key_End);
     ExpectEditor(IDC_VALUE_TEXT, u"555-1234");
     ExpectMessage(kOverwrite, IDYES);
-    TypeInto(IDC_VALUE_TEXT, "555-4321");
+    TypeInto(IDC_VALUE_TEXT, "555-43210");
+    Press(Qt::Key_Left, Qt::ShiftModifier);
+    Press(Qt::Key_X, Qt::ControlModifier); // greyed in the menu since before there was a selection
     FocusList();
     Press(Qt::Key_Home);
     Do([](HWND) { EXPECT_EQ(Contents(u"People").substr(0, 20), u"1=Ann 2=555-4321 3=3"); });
@@ -108,7 +113,8 @@ TEST_F(ViewerTest, WalksAndRefusesNumbersOutOfRange) {
     Press(Qt::Key_K, Qt::ControlModifier);
     ExpectPosition(u"Record\n2 of 3");
     Press(Qt::Key_J, Qt::ControlModifier);
-    Do([](HWND) {
+    Do([](HWND viewer) {
+        EXPECT_EQ(GetFocus(), GetDlgItem(viewer, IDC_VALUE_NUMBER)); // one types on from record to record
         EXPECT_EQ(Contents(u"People"), u"1=Ann 2=555-1234 3=-7\n1=Bob 2=555-9876 3=20\n1=Cleo 3=120\n");
     });
     ExpectMessage(kOverwrite, IDYES);
@@ -139,7 +145,8 @@ TEST_F(ViewerTest, SortsByEachOfItsOrders) {
 TEST_F(ViewerTest, FindsAWordPastTheEnd) {
     MakeDatabase(u"People", kPeople);
     View(u"People");
-    Press(Qt::Key_K, Qt::ControlModifier);
+    Press(Qt::Key_N, Qt::ControlModifier); // no text yet: every text has it
+    ExpectPosition(u"Record\n2 of 3");
     const auto find = [this](const char* text) {
         InWindow(IDD_VIEWER);
         Press(Qt::Key_F, Qt::ControlModifier);
@@ -204,10 +211,10 @@ TEST_F(ViewerTest, DeletesDownToTheLastRecord) {
     MakeDatabase(u"Short", {{TextValue(1, u"a"), TextValue(2, u"b")}, {TextValue(1, u"c")}});
     View(u"Short");
     ExpectMessage(kDeleteProperty, IDYES);
-    Tap(IDC_VIEWER_DELETE);
+    Press(Qt::Key_D, Qt::AltModifier);
     Do([](HWND) { EXPECT_EQ(Contents(u"Short"), u"2=b\n1=c\n"); });
     ExpectMessage(kDeleteRecord, IDYES); // its only property stands for the record
-    Tap(IDC_VIEWER_DELETE);
+    Press(Qt::Key_D, Qt::AltModifier);
     ExpectPosition(u"Record\n1 of 1");
     ExpectMessage(kDeleteRecord, IDYES);
     ExpectMessage(u"You have deleted the last record in the database. The database viewer will be closed.");
@@ -238,7 +245,8 @@ TEST_F(ViewerTest, FillsAnEmptyDatabase) {
     ExpectMessage(u"Property data is incorrect: enter an integer number between -32768 and 32767.\nThe "
                   u"database was not changed.");
     Tap(IDC_WIZARD_FINISH);
-    TypeInto(IDC_VALUE_NUMBER, "400");
+    Press(Qt::Key_Backspace); // in the number
+    Press(Qt::Key_Backspace);
     Tap(IDC_WIZARD_FINISH);
     InWindow(IDD_VIEWER);
     ExpectPosition(u"Record\n1 of 1");
@@ -266,11 +274,22 @@ TEST_F(ViewerTest, FillsAnEmptyDatabase) {
 
 // The second process of the test below: this program again, told by its environment which device to change.
 TEST(OtherProcess, AddsARecord) {
-    const char* const folder = std::getenv("CHANGE_DEVICE");
-    if (!folder)
-        return;
-    ASSERT_TRUE(UseDevice(folder));
-    EXPECT_NE(AddRecord(u"People", {TextValue(1, u"Dora")}), 0u);
+    if (const char* const folder = std::getenv("CHANGE_DEVICE")) {
+        ASSERT_TRUE(UseDevice(folder));
+        EXPECT_NE(AddRecord(u"People", {TextValue(1, u"Dora")}), 0u);
+    }
+}
+
+TEST(OtherProcess, DeletesTheFirstRecord) {
+    if (const char* const folder = std::getenv("CHANGE_DEVICE")) {
+        ASSERT_TRUE(UseDevice(folder));
+        DbHandle people(nullptr);
+        people.Open(u"People", 0, 0);
+        DWORD index = 0;
+        CEOID first = 0;
+        EXPECT_TRUE(people.SeekFirst(&index, &first));
+        EXPECT_TRUE(people.DeleteRecord(first));
+    }
 }
 
 TEST_F(ViewerTest, ReloadsWhatAnotherProcessChanged) {
@@ -278,22 +297,34 @@ TEST_F(ViewerTest, ReloadsWhatAnotherProcessChanged) {
     View(u"People");
     Press(Qt::Key_K, Qt::ControlModifier);
     SelectType(u"INT");
-    ExpectMessage(u"Database \"People\" has been modified by another process; it will be re-loaded.");
-    Do([this](HWND) {
-        QProcess other;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("CHANGE_DEVICE"), QString::fromStdString(device.folder));
-        other.setProcessEnvironment(environment);
-        other.start(QCoreApplication::applicationFilePath(),
-                    {QStringLiteral("--gtest_filter=OtherProcess.AddsARecord")});
-        EXPECT_TRUE(other.waitForFinished());
-        EXPECT_EQ(other.exitCode(), 0);
-    });
+    const auto runOther = [this](const char* act) {
+        Do([this, act](HWND) {
+            QProcess other;
+            QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+            environment.insert(QStringLiteral("CHANGE_DEVICE"), QString::fromStdString(device.folder));
+            other.setProcessEnvironment(environment);
+            other.start(QCoreApplication::applicationFilePath(),
+                        {QStringLiteral("--gtest_filter=OtherProcess.") + QLatin1String(act)});
+            EXPECT_TRUE(other.waitForFinished());
+            EXPECT_EQ(other.exitCode(), 0);
+        });
+    };
+    ExpectMessage(kModifiedByOthers);
+    runOther("AddsARecord");
     WaitFor([](HWND viewer) { return Text(viewer, IDC_VIEWER_POSITION) == u"Record\n2 of 4"; });
     ExpectEditor(IDC_VALUE_NUMBER, u"20"); // record and property are kept
     ExpectMessage(kDeleteRecord, IDYES);
     Choose(IDM_RECORD_DELETE); // its own change is no news
     ExpectPosition(u"Record\n1 of 3");
+    SelectType(u"INT");
+    TypeInto(IDC_VALUE_NUMBER, "31");
+    runOther("DeletesTheFirstRecord"); // which is the one being edited
+    ExpectMessage(kOverwrite, IDYES);
+    ExpectMessage(u"Unable to save property: People\nThe database was not changed.");
+    ExpectMessage(kModifiedByOthers);
+    SelectType(u"TEXT");
+    WaitFor([](HWND viewer) { return Text(viewer, IDC_VIEWER_POSITION) == u"Record\n1 of 2"; });
+    ExpectEditor(IDC_VALUE_NUMBER, u"120");
     CloseViewer();
     RunProgram();
 }
