@@ -29,8 +29,12 @@ void ShowContextMenu(HWND list, POINT point) {
     DestroyMenu(menu);
 }
 
+POINT PointOf(LPARAM lParam) {
+    return {SignedLoWord(lParam), SignedHiWord(lParam)};
+}
+
 LRESULT OnStylusDown(HWND list, WPARAM wParam, LPARAM lParam) {
-    const POINT point = {SignedLoWord(lParam), SignedHiWord(lParam)};
+    const POINT point = PointOf(lParam);
     if (IsTapAndHold(list, point)) {
         // The list must not wait for a lift that the menu swallows.
         PostMessageW(list, WM_LBUTTONUP, wParam, lParam);
@@ -41,6 +45,16 @@ LRESULT OnStylusDown(HWND list, WPARAM wParam, LPARAM lParam) {
     const LRESULT result = PassOn(list, WM_LBUTTONDOWN, wParam, lParam);
     if (!App().settings->doubleTap)
         PostMessageW(App().mainWindow, WM_COMMAND, IDM_VIEW_MODIFY, 0);
+    return result;
+}
+
+// A mouse need not be held still: its other button asks for the menu at once.
+LRESULT OnRightButtonDown(HWND list, WPARAM wParam, LPARAM lParam) {
+    const POINT point = PointOf(lParam);
+    const bool held = IsTapAndHold(list, point);
+    const LRESULT result = PassOn(list, WM_RBUTTONDOWN, wParam, lParam);
+    if (held)
+        ShowContextMenu(list, point);
     return result;
 }
 
@@ -64,6 +78,10 @@ LRESULT DatabaseListProcedure(HWND list, UINT message, WPARAM wParam, LPARAM lPa
     case WM_LBUTTONDOWN:
         if (mainList)
             return OnStylusDown(list, wParam, lParam);
+        break;
+    case WM_RBUTTONDOWN:
+        if (mainList)
+            return OnRightButtonDown(list, wParam, lParam);
         break;
     }
     return PassOn(list, message, wParam, lParam);
