@@ -154,6 +154,7 @@ void RecordViewer::OnSelectionChanged() {
         EnableWindow(Control(IDC_VIEWER_DELETE), FALSE);
         return;
     }
+    // The Delete button stays disabled when the edited property was only deselected meanwhile: it is meant.
     if (index == editedProperty)
         return;
     if (IsEdited(editedProperty)) {

@@ -70,6 +70,8 @@ void RecordViewer::Navigate(UINT command) {
         moved = database->SeekLast(&recordIndex);
         break;
     }
+    // A step that leads nowhere leaves the value in its editor, which no longer belongs to a property: it is
+    // meant.
     if (!moved && !saved)
         return;
     ForgetUndo();
@@ -91,6 +93,7 @@ void RecordViewer::FillSortMenu() {
     CheckMenuRadioItem(menu, IDM_SORT_FIRST, IDM_SORT_UNSORTED, IDM_SORT_UNSORTED, MF_BYCOMMAND);
 }
 
+// What stands in the editor is given up unasked: it is meant.
 void RecordViewer::SortBy(UINT command) {
     const int sort = static_cast<int>(command) - IDM_SORT_FIRST;
     if (sort == currentSort)
