@@ -85,6 +85,7 @@ HWND MakeDialog(HINSTANCE instance, const DLGTEMPLATE* dialogTemplate, HWND owne
         QSize(FromUnits(parsed.width, base.width(), 4), FromUnits(parsed.height, base.height(), 8));
     LayOutTopLevel(dialog);
     MakeControls(dialog, parsed, instance, base);
+    RememberLayout(dialog);
     const HWND first = NextTabStop(dialog, nullptr, false);
     const LRESULT wantsFocus = SendMessageW(dialog, WM_INITDIALOG, reinterpret_cast<WPARAM>(first), param);
     if (!LiveWindow(dialog))
@@ -118,6 +119,10 @@ LRESULT DialogClassProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lP
         return 0;
     case WM_SETFOCUS:
         FocusInDialog(window);
+        return 0;
+    case WM_MOUSEWHEEL:
+        if (data)
+            ScrollByWheel(window, SignedHiWord(static_cast<LPARAM>(wParam)));
         return 0;
     case WM_DESTROY:
         if (data)

@@ -6,6 +6,13 @@
 // Shows a finished dialog and runs it until EndDialog, with the owner's top-level window disabled; destroys
 // it and returns EndDialog's result, IDCANCEL when the program quits meanwhile.
 LONG_PTR RunDialog(HWND dialog, HWND owner);
+// Keeps the places that the template gave to the controls.
+void RememberLayout(HWND dialog);
+// Gives a full-screen dialog that part of its frame, and its controls their places in it. What does not fit
+// is scrolled.
+void LayOutDialog(HWND dialog, const QRect& client);
+void ScrollIntoView(HWND control);
+void ScrollByWheel(HWND dialog, int delta);
 // The child that Tab goes to from `from` (null: before the first one); null when there is none.
 HWND NextTabStop(HWND dialog, HWND from, bool backwards);
 // Focus as Tab gives it: an edit box's text is selected.

@@ -58,6 +58,7 @@ void TakeFocus(HWND window) {
     if (state.focus != window || !LiveWindow(window))
         return;
     MoveHostFocus(window);
+    ScrollIntoView(window);
     SendMessageW(window, WM_SETFOCUS, reinterpret_cast<WPARAM>(before), 0);
     ShowDefaultButton(TopLevelOf(window));
 }

@@ -165,19 +165,33 @@ LONG_PTR BoxProcedure(HWND box, UINT message, WPARAM wParam, LPARAM) {
     return TRUE;
 }
 
-void MakeButtons(HWND box, UINT style, const QSize& size) {
+void MakeButtons(HWND box, UINT style) {
     const std::vector<BoxButton> buttons = ButtonsOf(style);
-    const int count = static_cast<int>(buttons.size());
-    int left = size.width() - Scaled(kMargin) - count * Scaled(kButtonWidth) - (count - 1) * Scaled(kGap);
-    for (const BoxButton& button : buttons) {
-        CreateWindowExW(0, u"BUTTON", button.text, WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON, left,
-                        size.height() - Scaled(kMargin) - Scaled(kButtonHeight), Scaled(kButtonWidth),
-                        Scaled(kButtonHeight), box, ChildId(static_cast<UINT>(button.id)), nullptr, nullptr);
-        left += Scaled(kButtonWidth) + Scaled(kGap);
-    }
-    const bool second = style & MB_DEFBUTTON2 && count > 1;
+    for (const BoxButton& button : buttons)
+        CreateWindowExW(0, u"BUTTON", button.text, WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON, 0, 0,
+                        0, 0, box, ChildId(static_cast<UINT>(button.id)), nullptr, nullptr);
+    const bool second = style & MB_DEFBUTTON2 && buttons.size() > 1;
     box->dialog->defaultId = static_cast<UINT>(buttons[second ? 1 : 0].id);
     SetFocus(GetDlgItem(box, static_cast<int>(box->dialog->defaultId)));
+}
+
+// Card and buttons take the places that suit a screen of that size.
+void FitBox(HWND box, Card* card, const QSize& area) {
+    const int count = static_cast<int>(box->children.size());
+    const int widest = std::min(Scaled(kWidest), area.width() - 2 * Scaled(kGap));
+    const int gaps = (count - 1) * Scaled(kGap);
+    const int buttonWidth =
+        std::min(Scaled(kButtonWidth), (widest - 2 * Scaled(kMargin) - gaps) / std::max(1, count));
+    // Where even that is too high, the text gives way and not the buttons.
+    const QSize size = card->Fit(widest, count * buttonWidth + gaps).boundedTo(area);
+    card->setGeometry(QRect(QPoint(0, 0), size));
+    box->topLevel->cardSize = size;
+    int left = size.width() - Scaled(kMargin) - count * buttonWidth - gaps;
+    for (HWND button : box->children) {
+        PlaceWindow(button, QRect(left, size.height() - Scaled(kMargin) - Scaled(kButtonHeight), buttonWidth,
+                                  Scaled(kButtonHeight)));
+        left += buttonWidth + Scaled(kGap);
+    }
 }
 
 HWND MakeBox(HWND owner, const QString& text, const WCHAR* caption, UINT style) {
@@ -190,17 +204,11 @@ HWND MakeBox(HWND owner, const QString& text, const WCHAR* caption, UINT style) 
     box->dialog->modal = true;
     box->userData = style;
     auto* card = new Card(box->widget, box->text, text, IconOf(style));
-    const int count = static_cast<int>(ButtonsOf(style).size());
-    const int widest = std::min(Scaled(kWidest), ScreenArea()->width() - 2 * Scaled(kGap));
-    // Where even that is too high, the text gives way and not the buttons.
-    const QSize size = card->Fit(widest, count * Scaled(kButtonWidth) + (count - 1) * Scaled(kGap))
-                           .boundedTo(ScreenArea()->size());
-    card->setGeometry(QRect(QPoint(0, 0), size));
     card->show();
+    MakeButtons(box, style);
     box->topLevel->fullScreen = false;
-    box->topLevel->cardSize = size;
+    box->topLevel->fitCard = [box, card](const QSize& area) { FitBox(box, card, area); };
     LayOutTopLevel(box);
-    MakeButtons(box, style, size);
     return box;
 }
 

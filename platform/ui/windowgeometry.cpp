@@ -3,6 +3,7 @@
 #include <QElapsedTimer>
 #include <QEvent>
 
+#include "platform/ui/dialogcore.h"
 #include "platform/ui/menus.h"
 #include "platform/ui/screen.h"
 #include "platform/ui/windowcore.h"
@@ -33,6 +34,7 @@ int PlaceBar(HWND window, int width) {
     const int height = MenuBarHeight(bar);
     PlaceWindow(bar, QRect(0, 0, width, height));
     bar->widget->setVisible(height > 0);
+    bar->widget->raise(); // a dialog may be scrolled below it
     return height;
 }
 
@@ -68,6 +70,8 @@ void LayOutTopLevel(HWND window) {
     frame->setGeometry(ScreenArea()->rect());
     QRect client = frame->rect();
     if (!object->topLevel->fullScreen) {
+        if (object->topLevel->fitCard)
+            object->topLevel->fitCard(client.size());
         const QSize size = object->topLevel->cardSize.boundedTo(client.size());
         client = QRect(client.topLeft() +
                            QPoint((client.width() - size.width()) / 2, (client.height() - size.height()) / 2),
@@ -75,7 +79,11 @@ void LayOutTopLevel(HWND window) {
     } else if (const int barHeight = PlaceBar(window, client.width()); object->dialog) {
         client.setTop(client.top() + barHeight);
     }
-    if (LiveWindow(window))
+    if (!LiveWindow(window))
+        return;
+    if (object->dialog && object->topLevel->fullScreen)
+        LayOutDialog(window, client);
+    else
         PlaceWindow(window, client);
 }
 

@@ -2,9 +2,12 @@
 #pragma once
 
 #include <QPointer>
+#include <QRect>
+#include <QScrollBar>
 #include <QSize>
 #include <QString>
 #include <QWidget>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -30,6 +33,12 @@ struct ControlState {
     virtual ~ControlState() = default;
 };
 
+// Where a control stood when its dialog was made.
+struct HomePlace {
+    HWND control;
+    QRect place;
+};
+
 // What only dialogs have.
 struct DialogData {
     DLGPROC procedure = nullptr;
@@ -37,6 +46,13 @@ struct DialogData {
     bool ended = false;
     LONG_PTR result = 0;
     UINT defaultId = 0; // the default push button's id, 0 for none
+    // How the controls follow the screen: the template's size, the places it gave, and those of controls that
+    // the program added, counted from the screen's right side.
+    QSize natural;
+    std::vector<HomePlace> homes;
+    std::vector<HomePlace> added;
+    QPointer<QScrollBar> scrollBars[2]; // across and down, made when first needed
+    QRect shown;                        // the part of the frame that shows the dialog
 };
 
 enum class TitleButton { None, Ok, Close };
@@ -48,6 +64,8 @@ struct TopLevelState {
     TitleButton button = TitleButton::None;
     bool fullScreen = true; // else a card of `cardSize` in the middle of the screen
     QSize cardSize;
+    std::function<void(const QSize& area)>
+        fitCard; // chooses the card's size for a screen of that size, or null
 };
 
 struct WindowObject {

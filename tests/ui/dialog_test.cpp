@@ -174,6 +174,40 @@ TEST_F(Dialogs, FullScreenOnesStandBelowTheirBarAndHaveADoneButton) {
     EXPECT_EQ(commands, std::vector<UINT>{IDOK});
 }
 
+// A rotation or a small screen while it is open: what is wide grows, buttons keep their places, and what does
+// not fit comes into sight with the focus.
+TEST_F(Dialogs, FullScreenOnesFollowTheScreen) {
+    TemplateBuilder builder = OkCancel(false);
+    builder.Add(u"EDIT", u"", WS_TABSTOP | ES_MULTILINE, 21, 7, 74, 214, 60);
+    builder.Add(u"BUTTON", u"Below", BS_PUSHBUTTON | WS_TABSTOP, 22, 171, 140, 50);
+    Run(builder, [&](HWND dialog) {
+        SHINITDLGINFO info{SHIDIM_FLAGS, dialog, SHIDIF_SIZEDLGFULLSCREEN};
+        SHInitDialog(&info);
+        const auto placeOf = [dialog](int id) {
+            const WindowObject& control = *GetDlgItem(dialog, id);
+            const QWidget* widget = control.widget;
+            return QRect(widget->mapTo(ScreenArea(), QPoint(0, 0)), widget->size());
+        };
+        const QRect editor = placeOf(21);
+        const int margin = 480 - editor.right();
+        const int gap = placeOf(22).top() - editor.bottom();
+        stylus.Resize(900, 700);
+        EXPECT_EQ(placeOf(21).right(), 900 - margin);
+        EXPECT_EQ(placeOf(22).right(), placeOf(21).right());
+        EXPECT_EQ(placeOf(22).top() - placeOf(21).bottom(), gap);
+        EXPECT_GT(placeOf(21).height(), editor.height());
+        EXPECT_LT(placeOf(IDOK).left(), margin + 1);
+        stylus.Resize(240, 300);
+        for (const int id : {22, static_cast<int>(IDOK)}) {
+            SetFocus(GetDlgItem(dialog, id));
+            EXPECT_TRUE(ScreenArea()->rect().contains(placeOf(id))) << id;
+        }
+        stylus.Resize(480, 640);
+        EXPECT_EQ(placeOf(21), editor);
+        stylus.Tap(dialog, IDOK);
+    });
+}
+
 // ---- message boxes ----
 
 TEST_F(Dialogs, BoxesAnswerByTapKeyAndMnemonic) {
@@ -231,7 +265,13 @@ TEST_F(Dialogs, BoxesFitTheScreenWhateverTheirText) {
                 const QSize wanted = box.window->topLevel->cardSize;
                 EXPECT_LE(wanted.width(), ScreenArea()->width());
                 EXPECT_LE(wanted.height(), ScreenArea()->height());
-                EXPECT_GT(wanted.height(), 140); // more than a few lines
+                EXPECT_GT(wanted.height(), 140);                // more than a few lines
+                stylus.Resize(screen.height(), screen.width()); // turned while the box is open
+                EXPECT_LE(box.window->topLevel->cardSize.height(), ScreenArea()->height());
+                stylus.Resize(300, 640);
+                EXPECT_LT(box.window->topLevel->cardSize.width(), wanted.width());
+                stylus.Resize(screen.width(), screen.height());
+                EXPECT_EQ(box.window->topLevel->cardSize, wanted);
                 AnswerMessageBox(IDOK);
             };
             EXPECT_EQ(MessageBoxW(owner, text.c_str(), u"Caption", MB_ICONEXCLAMATION), IDOK);
