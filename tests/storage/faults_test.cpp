@@ -151,14 +151,13 @@ TEST(Faults, AFullDiskFailsTheWriteAndKeepsTheRest) {
     EXPECT_NE(CeCreateDatabase(u"Room", 1, 0, nullptr), 0U);
 }
 
-// Runs a check as a user that no permission is waived for. True when it passed or when no such user can be
-// had.
+// Runs a check as a user that no permission is waived for.
 bool AsOrdinaryUser(bool (*check)()) {
     constexpr uid_t kNobody = 65534;
     const pid_t child = fork();
     if (child == 0) {
         const bool ordinary = geteuid() != 0 || setuid(kNobody) == 0;
-        _exit(!ordinary || check() ? 0 : 1);
+        _exit(ordinary && check() ? 0 : 1);
     }
     int status = -1;
     waitpid(child, &status, 0);
