@@ -101,7 +101,11 @@ QSize IconsView::ItemSize() const {
     for (int row = 0; row < list.model->RowCount(); ++row)
         width = std::max(width, metrics.horizontalAdvance(list.model->Text(row, 0)));
     width += image.width() + 24 + (list.CheckBoxes() ? 20 : 0);
-    return QSize(std::min(width, std::max(viewport()->width(), 80)), list.RowHeight());
+    // A row wider than what the host lays out in would leave an empty line above the first item. It keeps
+    // room for a scroll bar that is not there yet.
+    const QScrollBar& bar = *verticalScrollBar();
+    const int room = viewport()->width() - (bar.isVisible() ? 0 : bar.sizeHint().width()) - 1;
+    return QSize(std::min(width, std::max(room, 80)), list.RowHeight());
 }
 
 // The grid follows the longest name.
