@@ -9,7 +9,6 @@
 // ---- messages ----
 constexpr UINT WM_CREATE = 0x0001;
 constexpr UINT WM_DESTROY = 0x0002;
-constexpr UINT WM_MOVE = 0x0003;
 constexpr UINT WM_SIZE = 0x0005;
 constexpr UINT WM_ACTIVATE = 0x0006;
 constexpr UINT WM_SETFOCUS = 0x0007;
@@ -88,7 +87,6 @@ constexpr DWORD WS_VISIBLE = 0x10000000;
 constexpr DWORD WS_DISABLED = 0x08000000;
 constexpr DWORD WS_BORDER = 0x00800000;
 constexpr DWORD WS_VSCROLL = 0x00200000;
-constexpr DWORD WS_HSCROLL = 0x00100000;
 constexpr DWORD WS_GROUP = 0x00020000;
 constexpr DWORD WS_TABSTOP = 0x00010000;
 constexpr DWORD WS_EX_TOPMOST = 0x00000008;
@@ -183,7 +181,6 @@ BOOL ShowWindow(HWND window, int command);
 BOOL UpdateWindow(HWND window); // paints now what is invalid
 BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint);
 BOOL GetClientRect(HWND window, RECT* rect);
-BOOL GetWindowRect(HWND window, RECT* rect); // screen coordinates
 BOOL ClientToScreen(HWND window, POINT* point);
 BOOL ScreenToClient(HWND window, POINT* point);
 BOOL InvalidateRect(HWND window, const RECT* rect, BOOL erase); // null rectangle: the whole window
@@ -247,12 +244,10 @@ constexpr int IDNO = 7;
 // Runs until answered, dispatching messages meanwhile; the owner is disabled. Without a display the text goes
 // to standard error as one line, and the answer is the one that changes least: OK, No, Cancel or Abort.
 int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT style);
-BOOL MessageBeep(UINT type);
 
 inline const WCHAR* const IDC_WAIT = MAKEINTRESOURCEW(32514);
 HCURSOR LoadCursorW(HINSTANCE instance, const WCHAR* name); // instance null: the platform's own
 HCURSOR SetCursor(HCURSOR cursor); // null: the ordinary cursor; returns the previous one
 constexpr UINT IMAGE_ICON = 1;
-HICON LoadIconW(HINSTANCE instance, const WCHAR* name);
 // Icons only: the image of the icon group nearest to the size wanted.
 HICON LoadImageW(HINSTANCE instance, const WCHAR* name, UINT type, int width, int height, UINT flags);

@@ -105,11 +105,6 @@ void ShowCursorOnHost() {
         QApplication::setOverrideCursor(currentCursor->shape);
 }
 
-HICON LoadIconW(HINSTANCE, const WCHAR* name) {
-    constexpr int kOrdinarySize = 32;
-    return LoadIconOfSize(name, kOrdinarySize);
-}
-
 HICON LoadImageW(HINSTANCE, const WCHAR* name, UINT type, int width, int height, UINT) {
     return type == IMAGE_ICON ? LoadIconOfSize(name, std::max(width, height)) : nullptr;
 }

@@ -240,9 +240,3 @@ void AnswerMessageBox(int button) {
     if (!OpenBoxes().empty())
         EndDialog(OpenBoxes().back(), button);
 }
-
-BOOL MessageBeep(UINT) {
-    if (WindowSystemStarted())
-        QApplication::beep();
-    return TRUE;
-}

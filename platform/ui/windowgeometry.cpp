@@ -146,14 +146,6 @@ BOOL GetClientRect(HWND window, RECT* rect) {
     return TRUE;
 }
 
-BOOL GetWindowRect(HWND window, RECT* rect) {
-    const QWidget* widget = LiveWidget(window);
-    if (!widget || !rect)
-        return FALSE;
-    StoreRect(rect, QRect(widget->mapTo(ScreenArea()->window(), QPoint(0, 0)), widget->size()));
-    return TRUE;
-}
-
 BOOL ClientToScreen(HWND window, POINT* point) {
     const QWidget* widget = LiveWidget(window);
     if (!widget || !point)

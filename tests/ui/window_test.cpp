@@ -242,11 +242,11 @@ TEST_F(Windows, AreFoundByClassAndTitle) {
 
 TEST_F(Windows, IconsComeInTheSizeAskedFor) {
     const HICON small = LoadImageW(nullptr, MAKEINTRESOURCEW(IDI_MAIN), IMAGE_ICON, 16, 16, 0);
-    const HICON large = LoadIconW(nullptr, MAKEINTRESOURCEW(IDI_MAIN));
+    const HICON large = LoadImageW(nullptr, MAKEINTRESOURCEW(IDI_MAIN), IMAGE_ICON, 32, 32, 0);
     ASSERT_TRUE(small && large);
     EXPECT_EQ(HostIcon(small).availableSizes().front(), QSize(16, 16));
     EXPECT_EQ(HostIcon(large).availableSizes().front(), QSize(32, 32));
-    EXPECT_EQ(LoadIconW(nullptr, MAKEINTRESOURCEW(9999)), nullptr);
+    EXPECT_EQ(LoadImageW(nullptr, MAKEINTRESOURCEW(9999), IMAGE_ICON, 32, 32, 0), nullptr);
 }
 
 } // namespace
