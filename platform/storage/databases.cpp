@@ -3,6 +3,7 @@
 
 #include "platform/device.h"
 #include "platform/errors.h"
+#include "platform/storage/deletion.h"
 #include "platform/storage/fold.h"
 #include "platform/storage/opendatabase.h"
 #include "platform/storage/sortkey.h"
@@ -41,12 +42,6 @@ bool NameIsFree(Store& store, std::u16string_view name, CEOID self) {
         return false;
     }
     return row || GetLastError() == ERROR_FILE_NOT_FOUND;
-}
-
-bool DeleteSortKeys(Store& store, CEOID database) {
-    Statement remove(store.connection, "DELETE FROM sortkeys WHERE place >= ?1 AND place < ?2");
-    const std::int64_t first = std::int64_t{database} * CEDB_MAXSORTORDER;
-    return remove.Bind(first).Bind(first + CEDB_MAXSORTORDER).Run();
 }
 
 // Writes the keys of all records anew, after the sort orders changed.
@@ -109,21 +104,6 @@ bool ChangeInfo(Store& store, CEOID oid, const CEDBASEINFO& info, bool reorder) 
         return false;
     }
     store.catalogue.Keep(row);
-    return true;
-}
-
-bool DeleteEverythingOf(Store& store, CEOID database) {
-    WriteTransaction transaction(store);
-    if (!transaction.Begun() || !store.catalogue.Find(database)) {
-        return false;
-    }
-    Statement records(store.connection, "DELETE FROM records WHERE id >= ?1 AND id <= ?2");
-    records.Bind(RecordRow(database, 0)).Bind(RecordRow(database, 0xFFFFFFFF));
-    if (!records.Run() || !DeleteSortKeys(store, database) || !store.catalogue.Remove(database) ||
-        !transaction.Commit()) {
-        return false;
-    }
-    store.catalogue.Forget(database);
     return true;
 }
 
@@ -280,7 +260,7 @@ BOOL CeDeleteDatabase(CEOID oid) {
         SetLastError(ERROR_SHARING_VIOLATION);
         return FALSE;
     }
-    const bool deleted = DeleteEverythingOf(*store, oid);
+    const bool deleted = DeleteDatabase(*store, oid);
     store->locks.ReleaseAlone(oid);
     return deleted ? TRUE : FALSE;
 }

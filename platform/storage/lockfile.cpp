@@ -11,8 +11,8 @@ namespace storage {
 namespace {
 
 constexpr std::int64_t kFileBytes = 4096;
-// Locks lie behind the file's end, where there is nothing to read: a byte for the set-up, then one for each
-// identifier.
+constexpr std::int64_t kRoomBytes = 64 * 1024; // some fifteen pages of a log
+// Locks lie where there is nothing to read: a byte for the set-up, then one for each identifier.
 constexpr std::int64_t kSetupOffset = kFileBytes;
 constexpr std::int64_t kDatabaseOffset = kFileBytes + 4096;
 
@@ -89,6 +89,21 @@ void LockFile::LockSetup() {
 
 void LockFile::UnlockSetup() {
     SetLock(F_UNLCK, kSetupOffset, false);
+}
+
+bool LockFile::HasRoom() const {
+    struct stat status {};
+    return file >= 0 && fstat(file, &status) == 0 && status.st_size >= kFileBytes + kRoomBytes;
+}
+
+void LockFile::SetRoomAside() {
+    if (posix_fallocate(file, kFileBytes, kRoomBytes) != 0) {
+        GiveRoomBack(); // what was had of it
+    }
+}
+
+void LockFile::GiveRoomBack() {
+    [[maybe_unused]] const int result = ftruncate(file, kFileBytes);
 }
 
 bool LockFile::Hold(CEOID database) {

@@ -34,6 +34,12 @@ public:
     bool HoldAlone(CEOID database);
     void ReleaseAlone(CEOID database);
 
+    // Room on the disk that the file keeps for a deletion on a full one. Setting it aside needs the setup
+    // lock, and fails silently when there is none.
+    bool HasRoom() const;
+    void SetRoomAside();
+    void GiveRoomBack();
+
     // Counted on by whoever writes: odd from before a commit until after it. While it is even and stays the
     // same, nothing in the store has changed.
     std::atomic<std::uint64_t>& Word() { return word ? *word : unshared; }

@@ -1,5 +1,7 @@
 #include "platform/storage/storefile.h"
 
+#include "platform/storage/deletion.h"
+
 #include <cerrno>
 #include <sys/stat.h>
 
@@ -90,6 +92,9 @@ DWORD OpenWritable(Store& store, const std::string& path) {
     if (error == ERROR_SUCCESS && store.locks.Word().load() % 2 != 0) {
         // A process died in the middle of a write. An empty one says that nobody is writing.
         const WriteTransaction nothing(store);
+    }
+    if (error == ERROR_SUCCESS && !store.locks.HasRoom()) {
+        TidyUp(store);
     }
     return error;
 }

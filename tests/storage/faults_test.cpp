@@ -4,7 +4,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sched.h>
 #include <sqlite3.h>
+#include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -149,6 +151,46 @@ TEST(Faults, AFullDiskFailsTheWriteAndKeepsTheRest) {
     EXPECT_EQ(GetLastError(), ERROR_DISK_FULL);
     CloseHandle(handle);
     EXPECT_NE(CeCreateDatabase(u"Room", 1, 0, nullptr), 0U);
+}
+
+// Fills the disk with a database, deletes it there, and looks at the store once there is room again.
+bool DeletesOnAFullDisk(const std::string& folder) {
+    const std::string ballast = folder + "/ballast";
+    const CEOID kept = CeCreateDatabase(u"Kept", 1, 0, nullptr);
+    const CEOID full = CeCreateDatabase(u"Full", 1, 0, nullptr);
+    const HANDLE handle = OpenById(full);
+    WriteFile(ballast, std::string(200'000, 'b'));
+    while (Values().Blob(2, std::string(1000, 'f')).Write(handle) != 0) {
+    }
+    CloseHandle(handle);
+    if (!CeDeleteDatabase(full) || CeOidGetInfo(full, nullptr) || InfoOf(kept).wNumRecords != 0) {
+        return false;
+    }
+    std::filesystem::remove(ballast);
+    storage::CloseStore();
+    storage::Store* store = storage::TheStore();
+    storage::Statement left(store->connection, "SELECT count(*) FROM records");
+    return store->locks.HasRoom() && left.Row() && left.Number(0) == 0;
+}
+
+TEST(Faults, ADatabaseIsDeletedOnAFullDisk) {
+    constexpr int kNoDisk = 2;
+    TestDevice device;
+    const pid_t child = fork();
+    if (child == 0) {
+        // A small disk that this process alone sees.
+        const bool mounted = (unshare(CLONE_NEWNS) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0) &&
+                             mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                             mount("none", device.folder.c_str(), "tmpfs", 0, "size=1m") == 0;
+        _exit(!mounted ? kNoDisk : DeletesOnAFullDisk(device.folder) ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFEXITED(status));
+    if (WEXITSTATUS(status) == kNoDisk) {
+        GTEST_SKIP() << "no disk can be mounted here";
+    }
+    EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
 // Runs a check as a user that no permission is waived for.
