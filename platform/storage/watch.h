@@ -10,5 +10,5 @@ void SetNotifySink(NotifySink sink);
 // Whether any open database has a window, so that polling is worth while.
 bool StoreWatchWanted();
 // Looks for changes since the last call, or since the database was opened, and posts a message for each. To
-// be called about every half second; costs next to nothing when no other process wrote.
+// be called some times a second; costs next to nothing when no other process wrote.
 void PollStoreChanges();

@@ -9,6 +9,7 @@
 #include "tests/backup/backupfixture.h"
 #include "tests/support/usersession.h"
 
+#include <QTimer>
 #include <filesystem>
 
 namespace {
@@ -27,7 +28,7 @@ protected:
     // Up to the list of the archive's databases.
     void ChooseRestore() {
         InMainWindow();
-        PickName("all");
+        PickToOpen(u"all");
         Choose(IDM_RESTORE);
         InWindow(IDD_SELECTION_LIST);
     }
@@ -53,7 +54,7 @@ protected:
         InMainWindow();
         Do([names](HWND) { EXPECT_EQ(DatabaseNames(), names); });
     }
-    void TryPassword(const char* password, const char* confirmation) {
+    void TryPassword(const std::u16string& password, const std::u16string& confirmation) {
         InWindow(IDD_PROTECT_BACKUP);
         TypeInto(IDC_PROTECT_PASSWORD, password);
         TypeInto(IDC_PROTECT_CONFIRMATION, confirmation);
@@ -79,7 +80,7 @@ TEST_F(BackupSession, ProtectedBackupItsRestoreUnderAnotherNameAndItsScript) {
     Do([](HWND dialog) {
         EXPECT_TRUE(Enabled(dialog, IDC_BACKUP_SCRIPT_PATH) && Enabled(dialog, IDC_BACKUP_SCRIPT_BROWSE));
     });
-    PickName("nightly");
+    PickToSave(u"nightly");
     Tap(IDC_BACKUP_SCRIPT_BROWSE);
     Tap(IDOK);
     InWindow(IDD_PROTECT_BACKUP); // without a password the options stay
@@ -87,24 +88,24 @@ TEST_F(BackupSession, ProtectedBackupItsRestoreUnderAnotherNameAndItsScript) {
     InWindow(IDD_BACKUP_OPTIONS);
     Tap(IDOK);
     ExpectMessage(u"Password must be minimum 4 characters long.");
-    TryPassword("abc", "abc");
+    TryPassword(u"abc", u"abc");
     ExpectMessage(u"The new password was not correctly confirmed!");
-    TryPassword("open", "Open");
-    PickName("all");
-    TryPassword("open", "open");
+    TryPassword(u"open", u"Open");
+    PickToSave(u"all");
+    TryPassword(u"open", u"open");
     InMainWindow();
     Do([](HWND) {
         EXPECT_EQ(Slice(FileBytes(kArchive), 0, 64), Slice(FromHex(kCompressedArchive), 0, 64));
         EXPECT_EQ(std::u16string(App().settings->scriptName), u"\\My Documents\\nightly.abk");
     });
 
-    PickName("all");
+    PickToOpen(u"all");
     Choose(IDM_RESTORE);
     InWindow(IDD_ENTER_PASSWORD);
-    TypeInto(IDC_ENTER_PASSWORD, "OPEN");
+    TypeInto(IDC_ENTER_PASSWORD, u"OPEN");
     ExpectMessage(u"The password is incorrect!");
     Tap(IDOK);
-    Type("open"); // over the wrong one, which is selected
+    Type(u"open"); // over the wrong one, which is selected
     Press(Qt::Key_Return);
     InWindow(IDD_SELECTION_LIST);
     Do([](HWND dialog) {
@@ -115,7 +116,7 @@ TEST_F(BackupSession, ProtectedBackupItsRestoreUnderAnotherNameAndItsScript) {
     Tap(IDOK);
     AnswerClash(u"Ab", IDOK);
     InWindow(IDD_NEW_NAME);
-    TypeInto(IDC_NEW_NAME_TO, "Second");
+    TypeInto(IDC_NEW_NAME_TO, u"Second");
     Tap(IDOK);
     ExpectDatabases({u"Ab", u"Other", u"Second"});
 
@@ -145,13 +146,13 @@ TEST_F(BackupSession, AllDatabasesWhenNoneIsSelectedAndCancelAnywhere) {
     InMainWindow();
     Choose(IDM_BACKUP);
     InWindow(IDD_BACKUP_OPTIONS);
-    PickName("");
+    PickToSave(u"");
     Tap(IDOK);
     InMainWindow();
     Do([](HWND) { EXPECT_FALSE(FileExists(kArchive)); });
     Choose(IDM_BACKUP);
     InWindow(IDD_BACKUP_OPTIONS);
-    PickName("all");
+    PickToSave(u"all");
     Press(Qt::Key_Return);
     InMainWindow();
     Do([](HWND) {
@@ -286,7 +287,7 @@ TEST_F(BackupSession, DamagedArchives) {
     Bytes archive = FromHex(kPlainArchive);
     PutNumber(&archive, 8, 2);
     WriteBytes(kArchive, archive);
-    PickName("all");
+    PickToOpen(u"all");
     ExpectMessage(kUnreadable);
     Choose(IDM_RESTORE);
     // One that shrinks while it is listed fails when it is read again.
@@ -302,18 +303,15 @@ TEST_F(BackupSession, DamagedArchives) {
 TEST_F(BackupSession, WideScreensHaveTheirOwnTemplates) {
     MakeSample();
     WriteBytes(kArchive, FromHex(kPlainArchive));
-    EnsureWindowSystem();
-    QWidget* const screen = ScreenArea()->window();
-    const QSize before = screen->size();
-    screen->resize(before.height() + 200, before.height());
+    stylus.Resize(840, 640);
     Choose(IDM_BACKUP);
     InWindow(IDD_BACKUP_OPTIONS_LANDSCAPE);
     Tap(IDCANCEL);
     InMainWindow();
-    PickName("all");
+    PickToOpen(u"all");
     Choose(IDM_RESTORE);
     InWindow(IDD_SELECTION_LIST_LANDSCAPE);
     Tap(IDCANCEL);
     RunProgram();
-    screen->resize(before);
+    stylus.Resize(480, 640);
 }

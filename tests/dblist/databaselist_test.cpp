@@ -121,10 +121,10 @@ TEST_F(DatabaseListTest, CopiesAndRenames) {
         EXPECT_EQ(Text(dialog, IDC_FRAME_TITLE), u"New Database Name");
         EXPECT_EQ(Text(dialog, IDC_NEW_NAME_FROM), u"Alpha");
     });
-    Type("BETA");
+    Type(u"BETA");
     ExpectMessage(u"Database 'BETA' already exists! Please choose another name.");
     Tap(IDOK);
-    Type("copy"); // over the selected name
+    Type(u"copy"); // over the selected name
     Press(Qt::Key_Return);
     InMainWindow();
     ExpectNames({u"Alpha", u"beta", u"copy", u"gamma.new"});
@@ -136,7 +136,7 @@ TEST_F(DatabaseListTest, CopiesAndRenames) {
     InMainWindow();
     Press(Qt::Key_N, Qt::ControlModifier);
     InWindow(IDD_NEW_NAME);
-    Type("zeta");
+    Type(u"zeta");
     Tap(IDOK);
     InMainWindow();
     ExpectNames({u"Alpha", u"beta", u"gamma.new", u"zeta"});
@@ -146,18 +146,18 @@ TEST_F(DatabaseListTest, CopiesAndRenames) {
 
 TEST_F(DatabaseListTest, RenamesInPlace) {
     TapRow(IDC_LIST, u"Alpha");
-    const auto editTo = [this](const char* text) {
+    const auto editTo = [this](const std::u16string& text) {
         Do([](HWND window) { SendDlgItemMessageW(window, IDC_LIST, LVM_EDITLABELW, 0, 0); });
         Press(Qt::Key_A, Qt::ControlModifier);
         Type(text);
         Press(Qt::Key_Return);
     };
-    editTo("Delta");
+    editTo(u"Delta");
     ExpectNames({u"beta", u"Delta", u"gamma.new"});
     // A name that another database has is the store's to refuse.
     ExpectMessage(
         u"Couldn't update parameters of 'gamma.new' database: A duplicate name exists on the network");
-    editTo("gamma.new");
+    editTo(u"gamma.new");
     ExpectNames({u"beta", u"Delta", u"gamma.new"});
     RunProgram();
 }

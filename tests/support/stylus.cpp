@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr int kPatience = 10000; // milliseconds
+constexpr int kPatience = 20'000; // milliseconds
 
 QWidget* HandheldDisplay() {
     return ScreenArea()->window();
@@ -84,7 +84,8 @@ void Stylus::Tap(HWND window, QPoint clientPoint) {
 void Stylus::Tap(HWND dialog, int controlId) {
     const HWND control = GetDlgItem(dialog, controlId);
     ASSERT_TRUE(control) << "no control " << controlId;
-    Tap(control, control->widget->rect().center());
+    const int nearEdge = control->widget->height() / 2; // where a check box has its box
+    Tap(control, QPoint(nearEdge, nearEdge));
 }
 
 void Stylus::TapTwice(HWND window, QPoint clientPoint) {

@@ -26,7 +26,7 @@ public:
 
     // ---- doing ----
     void Tap(HWND window, QPoint clientPoint);
-    void Tap(HWND dialog, int controlId); // in the middle of the control
+    void Tap(HWND dialog, int controlId);
     void TapTwice(HWND window, QPoint clientPoint);
     void TapAndHold(HWND window, QPoint clientPoint); // until something opens or half a second is over
     void TapRight(HWND window, QPoint clientPoint);
@@ -56,7 +56,7 @@ public:
     void Beside(const std::function<void()>& program, std::function<void()> steps);
 
     // ---- waiting ----
-    // Dispatches messages until the condition holds; false, and a failed test, after ten seconds.
+    // Dispatches messages until the condition holds; false, and a failed test, after twenty seconds.
     bool WaitFor(const std::function<bool()>& condition, const char* what);
     // Everything that is due has happened.
     void Settle();

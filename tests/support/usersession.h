@@ -2,25 +2,21 @@
 // windows.
 #pragma once
 
-#include <QElapsedTimer>
-#include <QTimer>
 #include <deque>
 #include <functional>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
 
-#include "platform/ui/testhooks.h"
-#include "platform/window.h"
+#include "tests/support/stylus.h"
 #include "tests/support/testdevice.h"
 
 // Steps are queued first; RunProgram then starts the program, takes each step as soon as its window is up and
-// takes input, and closes the main window after the last. A message box or a dialog that no step expects
+// takes input, and closes the main window after the last. A message box, menu or picker that no step expects
 // fails the test.
 class UserSession : public testing::Test {
 protected:
     UserSession();
-    ~UserSession() override;
 
     // The window that steps act in from here on: the main window, or a dialog by its template.
     void InMainWindow() { InWindow(0); }
@@ -31,29 +27,30 @@ protected:
     void Tap(int controlId);
     void TapTitleButton(); // OK, or the cross
     void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
-    void Type(const char* text); // where the focus is
+    void Type(std::u16string text); // where the focus is
     // Types over what an edit box holds.
-    void TypeInto(int controlId, const char* text);
-    // Selects the row with that text in the first column of a list view, as a tap on it does.
+    void TypeInto(int controlId, std::u16string text);
+    // Selects the row with that text in the first column of a list view.
     void TapRow(int listId, const std::u16string& text);
     // A command of a menu.
     void Choose(UINT command);
     // Waits until something has come true.
     void WaitFor(std::function<bool(HWND)> condition);
-    // The next message box has this text and gets this answer. To be queued before the step that brings it
-    // up.
-    void ExpectMessage(std::u16string text, int answer = IDOK);
-    // The next picker is given this name, or cancelled when it is empty.
-    void PickName(const char* name);
+    // What opens next, to be said before the step that opens it: a message box with this text, which gets
+    // this answer; a picker, which is given this name, or cancelled when it is empty.
+    void ExpectMessage(const std::u16string& text, int answer = IDOK) { stylus.ExpectBox(text, answer); }
+    void PickToSave(const std::u16string& name) { stylus.ExpectPicker(true, name); }
+    void PickToOpen(const std::u16string& name) { stylus.ExpectPicker(false, name); }
 
     void RunProgram();
 
-    static std::u16string Text(HWND dialog, int controlId);
+    static std::u16string Text(HWND dialog, int controlId) { return TextOf(dialog, controlId); }
     static std::u16string RowText(HWND list, int row, int column);
     static std::vector<std::u16string> Column(HWND list, int column);
     static int SelectedRow(HWND list);
 
     TestDevice device;
+    Stylus stylus;
 
 private:
     struct Step {
@@ -62,16 +59,10 @@ private:
     };
 
     HWND WindowOf(UINT templateId) const;
-    void Go();
-    void MessageBoxOpened(const MessageBoxSeen& seen);
-    void DialogOpened(const DialogSeen& seen);
-    void GiveUp();
+    bool Take(const Step& step);
+    void TakeSteps();
 
     UINT currentTemplate = 0;
     std::deque<Step> steps;
-    std::deque<std::pair<std::u16string, int>> messages;
-    std::deque<std::string> names;
     std::map<const DLGTEMPLATE*, HWND> opened;
-    QElapsedTimer sinceStep;
-    bool gaveUp = false;
 };

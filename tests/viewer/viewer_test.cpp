@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "platform/controls.h"
+#include "platform/storage/watch.h"
 #include "resources/resource.h"
 #include "store/dbhandle.h"
 #include "tests/support/sampledatabases.h"
@@ -70,14 +71,14 @@ TEST_F(ViewerTest, CorrectsAPhoneNumberAndTakesItBack) {
     Press(Qt::Key_End); // the last text: the number
     ExpectEditor(IDC_VALUE_TEXT, u"555-1234");
     ExpectMessage(kOverwrite, IDNO);
-    TypeInto(IDC_VALUE_TEXT, "refused");
+    TypeInto(IDC_VALUE_TEXT, u"refused");
     FocusList();
     Press(Qt::Key_Home);
     Do([](HWND) { EXPECT_EQ(Contents(u"People").substr(0, 20), u"1=Ann 2=555-1234 3=3"); });
     Press(Qt::Key_End);
     ExpectEditor(IDC_VALUE_TEXT, u"555-1234");
     ExpectMessage(kOverwrite, IDYES);
-    TypeInto(IDC_VALUE_TEXT, "555-43210");
+    TypeInto(IDC_VALUE_TEXT, u"555-43210");
     Press(Qt::Key_Left, Qt::ShiftModifier);
     Press(Qt::Key_X, Qt::ControlModifier); // greyed in the menu since before there was a selection
     FocusList();
@@ -102,14 +103,14 @@ TEST_F(ViewerTest, WalksAndRefusesNumbersOutOfRange) {
     ExpectPosition(u"Record\n3 of 3");
     SelectType(u"INT");
     ExpectEditor(IDC_VALUE_NUMBER, u"120");
-    TypeInto(IDC_VALUE_NUMBER, "40000");
+    TypeInto(IDC_VALUE_NUMBER, u"40000");
     ExpectMessage(u"Property data is incorrect: enter an integer number between -32768 and 32767.\nThe "
                   u"database was not changed.");
     Press(Qt::Key_H, Qt::ControlModifier);
     ExpectPosition(u"Record\n1 of 3");
     SelectType(u"INT");
     ExpectMessage(kOverwrite, IDYES);
-    TypeInto(IDC_VALUE_NUMBER, "-7");
+    TypeInto(IDC_VALUE_NUMBER, u"-7");
     Press(Qt::Key_K, Qt::ControlModifier);
     ExpectPosition(u"Record\n2 of 3");
     Press(Qt::Key_J, Qt::ControlModifier);
@@ -119,7 +120,7 @@ TEST_F(ViewerTest, WalksAndRefusesNumbersOutOfRange) {
     });
     ExpectMessage(kOverwrite, IDYES);
     SelectType(u"INT");
-    TypeInto(IDC_VALUE_NUMBER, "8");
+    TypeInto(IDC_VALUE_NUMBER, u"8");
     TapTitleButton(); // OK saves too
     RunProgram();
     EXPECT_EQ(Contents(u"People"), u"1=Ann 2=555-1234 3=8\n1=Bob 2=555-9876 3=20\n1=Cleo 3=120\n");
@@ -147,31 +148,31 @@ TEST_F(ViewerTest, FindsAWordPastTheEnd) {
     View(u"People");
     Press(Qt::Key_N, Qt::ControlModifier); // no text yet: every text has it
     ExpectPosition(u"Record\n2 of 3");
-    const auto find = [this](const char* text) {
+    const auto find = [this](const std::u16string& text) {
         InWindow(IDD_VIEWER);
         Press(Qt::Key_F, Qt::ControlModifier);
         InWindow(IDD_FIND);
         TypeInto(IDC_FIND_TEXT, text);
     };
-    find("ANN");
+    find(u"ANN");
     ExpectMessage(u"Search has reached the end of the database, do you want to start from the beginning?",
                   IDYES);
     Tap(IDOK);
     InWindow(IDD_VIEWER);
     ExpectPosition(u"Record\n1 of 3");
     ExpectEditor(IDC_VALUE_TEXT, u"Ann");
-    find("Ann"); // only the first record has it, and the search begins behind it
+    find(u"Ann"); // only the first record has it, and the search begins behind it
     ExpectMessage(u"Unable to find any records containing text \"Ann\".");
     Tap(IDOK);
     InWindow(IDD_VIEWER);
     ExpectPosition(u"Record\n1 of 3");
-    find("12");
+    find(u"12");
     Tap(IDC_FIND_NUMERIC);
     Tap(IDOK);
     InWindow(IDD_VIEWER);
     ExpectPosition(u"Record\n3 of 3");
     ExpectEditor(IDC_VALUE_NUMBER, u"120");
-    find("cleo");
+    find(u"cleo");
     Tap(IDC_FIND_MATCH_CASE);
     ExpectMessage(u"Search has reached the end of the database, do you want to start from the beginning?",
                   IDYES);
@@ -234,14 +235,14 @@ TEST_F(ViewerTest, FillsAnEmptyDatabase) {
         EXPECT_EQ(IsDlgButtonChecked(page, IDC_WIZARD_NEW_RECORD), BST_CHECKED);
         SetFocus(GetDlgItem(page, IDC_WIZARD_TYPE));
     });
-    Type("I"); // INT
-    TypeInto(IDC_WIZARD_ID, "65535");
+    Type(u"I"); // INT
+    TypeInto(IDC_WIZARD_ID, u"65535");
     ExpectMessage(u"The property ID must be a positive integer value between 0 and 65,535.");
     Tap(IDC_WIZARD_NEXT);
-    TypeInto(IDC_WIZARD_ID, "9");
+    TypeInto(IDC_WIZARD_ID, u"9");
     Tap(IDC_WIZARD_NEXT);
     InWindow(IDD_WIZARD_NUMBER);
-    TypeInto(IDC_VALUE_NUMBER, "40000");
+    TypeInto(IDC_VALUE_NUMBER, u"40000");
     ExpectMessage(u"Property data is incorrect: enter an integer number between -32768 and 32767.\nThe "
                   u"database was not changed.");
     Tap(IDC_WIZARD_FINISH);
@@ -253,14 +254,14 @@ TEST_F(ViewerTest, FillsAnEmptyDatabase) {
     Tap(IDC_VIEWER_ADD);
     InWindow(IDD_WIZARD_TYPE);
     Do([](HWND page) { SetFocus(GetDlgItem(page, IDC_WIZARD_TYPE)); });
-    Type("T");
-    TypeInto(IDC_WIZARD_ID, "9");
+    Type(u"T");
+    TypeInto(IDC_WIZARD_ID, u"9");
     ExpectMessage(u"The property ID 9 is already in use, please choose another value.");
     Tap(IDC_WIZARD_NEXT);
     Tap(IDC_WIZARD_NEW_RECORD); // another record may use it
     Tap(IDC_WIZARD_NEXT);
     InWindow(IDD_WIZARD_TEXT);
-    Type("second");
+    Type(u"second");
     Tap(IDC_WIZARD_FINISH);
     InWindow(IDD_VIEWER);
     ExpectPosition(u"Record\n2 of 2");
@@ -307,6 +308,7 @@ TEST_F(ViewerTest, ReloadsWhatAnotherProcessChanged) {
                         {QStringLiteral("--gtest_filter=OtherProcess.") + QLatin1String(act)});
             EXPECT_TRUE(other.waitForFinished());
             EXPECT_EQ(other.exitCode(), 0);
+            PollStoreChanges(); // noticed now, not amid a save, which would not hear of it
         });
     };
     ExpectMessage(kModifiedByOthers);
@@ -317,7 +319,7 @@ TEST_F(ViewerTest, ReloadsWhatAnotherProcessChanged) {
     Choose(IDM_RECORD_DELETE); // its own change is no news
     ExpectPosition(u"Record\n1 of 3");
     SelectType(u"INT");
-    TypeInto(IDC_VALUE_NUMBER, "31");
+    TypeInto(IDC_VALUE_NUMBER, u"31");
     runOther("DeletesTheFirstRecord"); // which is the one being edited
     ExpectMessage(kOverwrite, IDYES);
     ExpectMessage(u"Unable to save property: People\nThe database was not changed.");
