@@ -30,7 +30,7 @@ void PrintHelp() {
               "  -P          show no progress\n"
               "  -S          take system databases too\n"
               "A path that begins with \\ is the device's, \\Storage Card\\ is this computer's file system,\n"
-              "any other is relative to the working folder.\n"
+              "any other is relative to the working folder. What begins with / is a switch.\n"
               "\n"
               "  --device DIR  use the device in the folder DIR; it is made when missing. Otherwise\n"
               "                $STRANDVIEW_DEVICE, else pocket-strandview/device in $XDG_DATA_HOME\n"
