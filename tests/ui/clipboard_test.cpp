@@ -1,27 +1,26 @@
 // The clipboard: whose it is, what it takes over and what it hands out.
-#include "controlfixture.h"
-
 #include <QMimeData>
 #include <cstring>
 
 #include "platform/clipboard.h"
 #include "platform/heap.h"
+#include "tests/ui/windowfixture.h"
 
 namespace {
 
 const QString kForeignType = QStringLiteral("application/x-pocket-strandview.Test_Format");
 
-class ClipboardTest : public ControlTest {
+class ClipboardTest : public WindowTest {
 protected:
     void SetUp() override {
-        ControlTest::SetUp();
+        WindowTest::SetUp();
         format = RegisterClipboardFormatW(u"Test_Format");
         ASSERT_NE(format, 0u);
     }
     void TearDown() override {
         CloseClipboard();
         QGuiApplication::clipboard()->clear();
-        ControlTest::TearDown();
+        WindowTest::TearDown();
     }
     static void* Block(const std::string& bytes) {
         void* block = LocalAlloc(LMEM_FIXED, bytes.size());
@@ -44,17 +43,16 @@ protected:
 } // namespace
 
 TEST_F(ClipboardTest, OneWindowAtATime) {
-    const HWND other = CreateWindowExW(0, u"ControlTest", u"Other", WS_VISIBLE, 0, 0, 0, 0, nullptr, nullptr,
-                                       nullptr, nullptr);
+    const HWND other = Top(u"Other");
     EXPECT_FALSE(OpenClipboard(nullptr));
     EXPECT_FALSE(CloseClipboard());
-    EXPECT_TRUE(OpenClipboard(parent));
-    EXPECT_TRUE(OpenClipboard(parent));
+    EXPECT_TRUE(OpenClipboard(main));
+    EXPECT_TRUE(OpenClipboard(main));
     EXPECT_FALSE(OpenClipboard(other));
     EXPECT_TRUE(CloseClipboard());
     EXPECT_TRUE(OpenClipboard(other));
     DestroyWindow(other); // and leaves it open
-    EXPECT_TRUE(OpenClipboard(parent));
+    EXPECT_TRUE(OpenClipboard(main));
 }
 
 TEST_F(ClipboardTest, BlocksGoThroughWhole) {
@@ -64,7 +62,7 @@ TEST_F(ClipboardTest, BlocksGoThroughWhole) {
     const std::string bytes("\0\1text\xFF\0", 8);
     void* block = Block(bytes);
     EXPECT_EQ(SetClipboardData(format, block), nullptr); // not open
-    ASSERT_TRUE(OpenClipboard(parent));
+    ASSERT_TRUE(OpenClipboard(main));
     EXPECT_EQ(SetClipboardData(format, block), nullptr); // not emptied
     ASSERT_TRUE(EmptyClipboard());
     EXPECT_EQ(SetClipboardData(0xFFFF, block), nullptr);
@@ -79,7 +77,7 @@ TEST_F(ClipboardTest, BlocksGoThroughWhole) {
     EXPECT_TRUE(IsClipboardFormatAvailable(format));
     EXPECT_FALSE(IsClipboardFormatAvailable(CF_UNICODETEXT));
     EXPECT_EQ(GetClipboardData(format), nullptr); // not open
-    OpenClipboard(parent);
+    OpenClipboard(main);
     EXPECT_EQ(Bytes(format), bytes);
     EmptyClipboard();
     EXPECT_FALSE(IsClipboardFormatAvailable(format));
@@ -87,12 +85,12 @@ TEST_F(ClipboardTest, BlocksGoThroughWhole) {
 }
 
 TEST_F(ClipboardTest, OtherProgramsDataKeepsItsLengthUpToALimit) {
-    OpenClipboard(parent);
+    OpenClipboard(main);
     PutForeign("abc");
     EXPECT_EQ(Bytes(format), "abc");
     CloseClipboard();
     PutForeign(QByteArray(16 * 1024 * 1024 + 1, 'x'));
-    OpenClipboard(parent);
+    OpenClipboard(main);
     EXPECT_TRUE(IsClipboardFormatAvailable(format));
     EXPECT_EQ(Bytes(format), "(none)");
 }
@@ -101,7 +99,7 @@ TEST_F(ClipboardTest, TextIsTheHostsText) {
     QGuiApplication::clipboard()->setText(QStringLiteral("caf\u00E9"));
     EXPECT_TRUE(IsClipboardFormatAvailable(CF_UNICODETEXT));
     EXPECT_FALSE(IsClipboardFormatAvailable(format));
-    OpenClipboard(parent);
+    OpenClipboard(main);
     const auto* text = static_cast<const WCHAR*>(GetClipboardData(CF_UNICODETEXT));
     ASSERT_NE(text, nullptr);
     EXPECT_EQ(LocalSize(text), 10u);

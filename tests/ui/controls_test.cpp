@@ -1,7 +1,5 @@
-#include "controlfixture.h"
-
-#include <QPlainTextEdit>
-#include <QProgressBar>
+// Buttons, edit boxes and progress bars.
+#include "tests/ui/windowfixture.h"
 
 namespace {
 
@@ -9,28 +7,37 @@ constexpr UINT kFirst = 101;
 constexpr UINT kSecond = 102;
 constexpr UINT kThird = 103;
 
-using ButtonTest = ControlTest;
-using EditTest = ControlTest;
-using ProgressTest = ControlTest;
+class ButtonTest : public WindowTest {
+protected:
+    std::optional<LRESULT> Handle(HWND, UINT message, WPARAM, LPARAM lParam) override {
+        if (message == WM_DRAWITEM)
+            drawn.push_back(*reinterpret_cast<DRAWITEMSTRUCT*>(lParam));
+        return std::nullopt;
+    }
+
+    std::vector<DRAWITEMSTRUCT> drawn;
+};
+
+using EditTest = WindowTest;
+using ProgressTest = WindowTest;
 
 TEST_F(ButtonTest, CheckBoxesToggleThemselvesOnlyWhenAutomatic) {
     HWND automatic = Add(u"BUTTON", u"&Auto", BS_AUTOCHECKBOX, kFirst, {10, 10, 210, 40});
     HWND plain = Add(u"BUTTON", u"Plain", BS_CHECKBOX, kSecond, {10, 50, 210, 80});
-    Tap(automatic, {10, 15});
-    Tap(plain, {10, 15});
+    stylus.Tap(automatic, {10, 15});
+    stylus.Tap(plain, {10, 15});
     EXPECT_EQ(Send(automatic, BM_GETCHECK), BST_CHECKED);
     EXPECT_EQ(Send(plain, BM_GETCHECK), BST_UNCHECKED);
     EXPECT_EQ(commands, (std::vector<Command>{{kFirst, BN_CLICKED}, {kSecond, BN_CLICKED}}));
     EXPECT_EQ(GetFocus(), plain);
     // Keys do the same; checking by message tells nobody.
-    SetFocus(automatic);
-    Settle();
-    Press(Qt::Key_Space);
+    Focus(automatic);
+    stylus.Key(Qt::Key_Space);
     EXPECT_EQ(Send(automatic, BM_GETCHECK), BST_UNCHECKED);
     Send(plain, BM_SETCHECK, BST_CHECKED);
     EXPECT_EQ(Send(plain, BM_GETCHECK), BST_CHECKED);
     EXPECT_EQ(commands.size(), 3u);
-    EXPECT_EQ(TextIn(automatic), u"&Auto");
+    EXPECT_EQ(TextOf(automatic), u"&Auto");
 }
 
 TEST_F(ButtonTest, RadioButtonsExcludeOthersOfTheirGroupOnly) {
@@ -39,7 +46,7 @@ TEST_F(ButtonTest, RadioButtonsExcludeOthersOfTheirGroupOnly) {
     HWND other = Add(u"BUTTON", u"3", BS_AUTORADIOBUTTON | WS_GROUP, kThird, {10, 90, 210, 120});
     Send(other, BM_SETCHECK, BST_CHECKED);
     Send(first, BM_SETCHECK, BST_CHECKED);
-    Tap(second, {10, 15});
+    stylus.Tap(second, {10, 15});
     EXPECT_EQ(Send(first, BM_GETCHECK), BST_UNCHECKED);
     EXPECT_EQ(Send(second, BM_GETCHECK), BST_CHECKED);
     EXPECT_EQ(Send(other, BM_GETCHECK), BST_CHECKED);
@@ -49,27 +56,25 @@ TEST_F(ButtonTest, GroupBoxesAndStaticsLetTapsThrough) {
     HWND check = Add(u"BUTTON", u"Inside", BS_AUTOCHECKBOX, kFirst, {20, 30, 180, 60});
     Add(u"BUTTON", u"Box", BS_GROUPBOX, kSecond, {10, 10, 210, 100});
     Add(u"STATIC", u"over it", SS_CENTER, kThird, {10, 10, 210, 100});
-    QPoint inParent = check->widget->mapTo(parent->widget, QPoint(10, 15));
-    Tap(parent, inParent);
+    QPoint inParent = check->widget->mapTo(main->widget, QPoint(10, 15));
+    stylus.Tap(main, inParent);
     EXPECT_EQ(Send(check, BM_GETCHECK), BST_CHECKED);
 }
 
 TEST_F(ButtonTest, TheOwnerDrawsWithThePressedState) {
-    std::vector<UINT> states;
-    onDrawItem = [&states](const DRAWITEMSTRUCT& item) {
-        EXPECT_EQ(item.CtlID, kFirst);
-        EXPECT_EQ(item.CtlType, ODT_BUTTON);
-        EXPECT_EQ(item.rcItem.right, 60);
-        EXPECT_NE(item.hDC, nullptr);
-        states.push_back(item.itemState);
+    const HWND button = Add(u"BUTTON", u"", BS_OWNERDRAW, kFirst, {10, 10, 70, 40});
+    const auto isDrawn = [this](UINT state) {
+        return stylus.WaitFor([&] { return !drawn.empty() && drawn.back().itemState == state; }, "drawing");
     };
-    HWND button = Add(u"BUTTON", u"", BS_OWNERDRAW, kFirst, {10, 10, 70, 40});
-    ASSERT_TRUE(WaitFor([&states] { return !states.empty(); }));
-    EXPECT_EQ(states.back(), 0u);
+    ASSERT_TRUE(isDrawn(0));
+    EXPECT_EQ(drawn.back().CtlID, kFirst);
+    EXPECT_EQ(drawn.back().CtlType, ODT_BUTTON);
+    EXPECT_EQ(drawn.back().rcItem.right, 60);
+    EXPECT_NE(drawn.back().hDC, nullptr);
     QTest::mousePress(button->widget, Qt::LeftButton, {}, {5, 5});
-    ASSERT_TRUE(WaitFor([&states] { return states.back() == ODS_SELECTED; }));
+    EXPECT_TRUE(isDrawn(ODS_SELECTED));
     QTest::mouseRelease(button->widget, Qt::LeftButton, {}, {5, 5});
-    ASSERT_TRUE(WaitFor([&states] { return states.back() == 0; }));
+    EXPECT_TRUE(isDrawn(0));
     EXPECT_EQ(commands, (std::vector<Command>{{kFirst, BN_CLICKED}}));
 }
 
@@ -84,7 +89,7 @@ TEST_F(EditTest, TextThatIsNotEditedIsKeptExactly) {
         for (const std::u16string& text : {odd, lengthy, std::u16string()}) {
             commands.clear();
             SetWindowTextW(box, text.c_str());
-            EXPECT_EQ(TextIn(box), text) << style;
+            EXPECT_EQ(TextOf(box), text) << style;
             EXPECT_EQ(commands, (std::vector<Command>{{kFirst, EN_CHANGE}}));
             EXPECT_FALSE(Send(box, EM_GETMODIFY));
         }
@@ -100,15 +105,15 @@ TEST_F(EditTest, AnEditKeepsTheLineEndsBesideIt) {
     HWND box = Add(u"EDIT", u"", ES_MULTILINE | ES_WANTRETURN, kFirst, {10, 10, 300, 90});
     SetWindowTextW(box, u"one\ntwo\r\nthree\u00A0");
     Send(box, EM_SETSEL, 3, 3);
-    Type(box, "X");
-    EXPECT_EQ(TextIn(box), u"oneX\ntwo\r\nthree\u00A0");
+    Type(box, u"X");
+    EXPECT_EQ(TextOf(box), u"oneX\ntwo\r\nthree\u00A0");
     // A new line ends like the first one of the text.
-    Press(Qt::Key_Return);
-    EXPECT_EQ(TextIn(box), u"oneX\n\ntwo\r\nthree\u00A0");
+    stylus.Key(Qt::Key_Return);
+    EXPECT_EQ(TextOf(box), u"oneX\n\ntwo\r\nthree\u00A0");
     SetWindowTextW(box, u"single");
     Send(box, EM_SETSEL, 6, 6);
-    Press(Qt::Key_Return);
-    EXPECT_EQ(TextIn(box), u"single\r\n");
+    stylus.Key(Qt::Key_Return);
+    EXPECT_EQ(TextOf(box), u"single\r\n");
 }
 
 TEST_F(EditTest, TypingSetsModifyAndUndoTakesItBack) {
@@ -116,14 +121,14 @@ TEST_F(EditTest, TypingSetsModifyAndUndoTakesItBack) {
         HWND box = Add(u"EDIT", u"old", style, kFirst, {10, 10, 300, 90});
         commands.clear();
         Send(box, EM_SETSEL, 0, -1);
-        Type(box, "n");
-        EXPECT_EQ(TextIn(box), u"n");
+        Type(box, u"n");
+        EXPECT_EQ(TextOf(box), u"n");
         EXPECT_TRUE(Send(box, EM_GETMODIFY));
         EXPECT_TRUE(Send(box, EM_CANUNDO));
         EXPECT_FALSE(commands.empty());
         Send(box, WM_UNDO);
-        EXPECT_EQ(TextIn(box), u"old");
-        Type(box, "m");
+        EXPECT_EQ(TextOf(box), u"old");
+        Type(box, u"m");
         Send(box, EM_EMPTYUNDOBUFFER);
         EXPECT_FALSE(Send(box, EM_CANUNDO));
         EXPECT_TRUE(Send(box, EM_GETMODIFY));
@@ -139,8 +144,7 @@ TEST_F(EditTest, SelectionCountsAsTheTextDoes) {
     for (auto [start, end] : {std::pair<int, int>{0, 9}, {4, 5}, {7, 9}, {2, 4}}) {
         Send(box, EM_SETSEL, static_cast<WPARAM>(start), end);
         DWORD first = 99, last = 99;
-        LRESULT packed =
-            Send(box, EM_GETSEL, reinterpret_cast<WPARAM>(&first), reinterpret_cast<LPARAM>(&last));
+        LRESULT packed = Send(box, EM_GETSEL, reinterpret_cast<WPARAM>(&first), &last);
         EXPECT_EQ(first, static_cast<DWORD>(start));
         EXPECT_EQ(last, static_cast<DWORD>(end));
         EXPECT_EQ(packed, start | end << 16);
@@ -156,18 +160,18 @@ TEST_F(EditTest, ClipboardKeysAndLimits) {
     HWND box = Add(u"EDIT", u"text", ES_AUTOHSCROLL, kFirst);
     Send(box, EM_SETSEL, 0, 2);
     Send(box, WM_CUT);
-    EXPECT_EQ(TextIn(box), u"xt");
+    EXPECT_EQ(TextOf(box), u"xt");
     EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("te"));
     HWND fixed = Add(u"EDIT", u"fixed", ES_AUTOHSCROLL | ES_READONLY, kSecond, {10, 50, 210, 80});
     Send(fixed, EM_SETSEL, 0, -1);
     Send(fixed, WM_CUT);
     Send(fixed, WM_PASTE);
-    Type(fixed, "z");
-    EXPECT_EQ(TextIn(fixed), u"fixed");
+    Type(fixed, u"z");
+    EXPECT_EQ(TextOf(fixed), u"fixed");
     HWND secret = Add(u"EDIT", u"", ES_AUTOHSCROLL | ES_PASSWORD, kThird, {10, 90, 210, 120});
     Send(secret, EM_SETLIMITTEXT, 4);
-    Type(secret, "secret");
-    EXPECT_EQ(TextIn(secret), u"secr");
+    Type(secret, u"secret");
+    EXPECT_EQ(TextOf(secret), u"secr");
     Send(secret, EM_SETSEL, 0, -1);
     Send(secret, WM_COPY);
     EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("te"));

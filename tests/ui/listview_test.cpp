@@ -1,7 +1,10 @@
-#include "controlfixture.h"
-
+// The list view and its header.
 #include <QLineEdit>
+#include <QWindow>
 #include <ctime>
+#include <functional>
+
+#include "tests/ui/windowfixture.h"
 
 namespace {
 
@@ -16,10 +19,10 @@ struct Change {
 
 constexpr UINT kBoth = LVIS_SELECTED | LVIS_FOCUSED;
 
-class ListTest : public ControlTest {
+class ListTest : public WindowTest {
 protected:
-    void Make(DWORD style = LVS_REPORT | LVS_SHOWSELALWAYS | LVS_EDITLABELS, int rows = 5, int height = 300) {
-        list = Add(u"SysListView32", u"List", style, kList, {0, 0, 400, height});
+    void Make(DWORD style = LVS_REPORT | LVS_SHOWSELALWAYS | LVS_EDITLABELS, int rows = 5) {
+        list = Add(u"SysListView32", u"List", style, kList, {0, 0, 400, 300});
         Send(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_FULLROWSELECT, LVS_EX_FULLROWSELECT);
         for (int column = 0; column < 3; ++column) {
             std::u16string title = u"Column";
@@ -29,13 +32,11 @@ protected:
                            title.data(),
                            0,
                            0};
-            Send(list, LVM_INSERTCOLUMNW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&info));
+            Send(list, LVM_INSERTCOLUMNW, static_cast<WPARAM>(column), &info);
         }
         for (int row = 0; row < rows; ++row)
             Insert(row);
-        onNotify = [this](NMHDR* header) { return Note(header); };
-        SetFocus(list);
-        Settle();
+        Focus(list);
         changes.clear();
     }
 
@@ -46,9 +47,9 @@ protected:
         item.iItem = row;
         item.pszText = text.data();
         item.lParam = 1000 + row;
-        EXPECT_EQ(Send(list, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)), row);
+        EXPECT_EQ(Send(list, LVM_INSERTITEMW, 0, &item), row);
         for (item.iSubItem = 1; item.iSubItem < 3; ++item.iSubItem)
-            Send(list, LVM_SETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+            Send(list, LVM_SETITEMTEXTW, static_cast<WPARAM>(row), &item);
     }
 
     static std::u16string Digits(int number) {
@@ -62,7 +63,7 @@ protected:
         item.iSubItem = column;
         item.pszText = text;
         item.cchTextMax = 64;
-        Send(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+        Send(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), &item);
         return text;
     }
 
@@ -70,7 +71,7 @@ protected:
         LVITEMW item{};
         item.state = state;
         item.stateMask = mask;
-        Send(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+        Send(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), &item);
     }
 
     std::vector<int> Selected() {
@@ -84,6 +85,15 @@ protected:
         return static_cast<int>(Send(list, LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED));
     }
 
+    static QPoint OnDisplay(HWND window, QPoint point) {
+        return window->widget->mapTo(ScreenArea()->window(), point);
+    }
+    void TapWith(Qt::KeyboardModifier modifier, QPoint point) {
+        QTest::mouseClick(ScreenArea()->window()->windowHandle(), Qt::LeftButton, modifier,
+                          OnDisplay(list, point));
+        stylus.Settle();
+    }
+
     // A point on the row's first column: rows are looked for as a user does, by where they are.
     QPoint Spot(int row) {
         RECT header{};
@@ -93,8 +103,13 @@ protected:
         return {12, header.bottom + (row - top) * height + height / 2};
     }
 
-    LRESULT Note(NMHDR* header) {
-        auto* info = reinterpret_cast<NMLISTVIEW*>(header);
+    std::optional<LRESULT> Handle(HWND, UINT message, WPARAM, LPARAM lParam) override {
+        if (message != WM_NOTIFY)
+            return std::nullopt;
+        if (instead)
+            return instead();
+        auto* info = reinterpret_cast<NMLISTVIEW*>(lParam);
+        const NMHDR* header = &info->hdr;
         EXPECT_EQ(header->hwndFrom, list);
         if (header->code == LVN_ITEMCHANGED)
             changes.push_back({info->iItem, info->uOldState, info->uNewState});
@@ -103,7 +118,7 @@ protected:
         else if (header->code == NM_DBLCLK)
             ++doubleTaps;
         else if (header->code == LVN_ENDLABELEDITW) {
-            auto* edit = reinterpret_cast<NMLVDISPINFOW*>(header);
+            auto* edit = reinterpret_cast<NMLVDISPINFOW*>(lParam);
             labels.push_back(edit->item.pszText ? edit->item.pszText : u"(cancelled)");
             return acceptLabel;
         }
@@ -116,26 +131,27 @@ protected:
     std::vector<std::u16string> labels;
     int doubleTaps = 0;
     bool acceptLabel = true;
+    std::function<LRESULT()> instead; // of writing notifications down
 };
 
 TEST_F(ListTest, TapsSelectAndEveryRowTellsItsChangeOnce) {
     Make();
-    Tap(list, Spot(1));
+    stylus.Tap(list, Spot(1));
     EXPECT_EQ(Selected(), std::vector<int>{1});
     changes.clear();
-    Tap(list, Spot(3));
+    stylus.Tap(list, Spot(3));
     EXPECT_EQ(changes, (std::vector<Change>{{1, kBoth, 0}, {3, 0, kBoth}}));
-    Tap(list, Spot(1), Qt::ShiftModifier);
+    TapWith(Qt::ShiftModifier, Spot(1));
     EXPECT_EQ(Selected(), (std::vector<int>{1, 2, 3}));
-    Tap(list, Spot(2), Qt::ControlModifier);
+    TapWith(Qt::ControlModifier, Spot(2));
     EXPECT_EQ(Selected(), (std::vector<int>{1, 3}));
-    Tap(list, Spot(4));
+    stylus.Tap(list, Spot(4));
     EXPECT_EQ(Selected(), std::vector<int>{4});
-    Press(Qt::Key_Up, Qt::ShiftModifier);
+    stylus.Key(Qt::Key_Up, Qt::ShiftModifier);
     EXPECT_EQ(Selected(), (std::vector<int>{3, 4}));
-    Press(Qt::Key_Home);
+    stylus.Key(Qt::Key_Home);
     EXPECT_EQ(Selected(), std::vector<int>{0});
-    Tap(list, {390, 290});
+    stylus.Tap(list, {390, 290});
     EXPECT_TRUE(Selected().empty());
 }
 
@@ -146,9 +162,9 @@ TEST_F(ListTest, SelectionByMessageTellsTheSameAndTheKeyboardGoesOnFromIt) {
     SetState(2, kBoth, kBoth);
     EXPECT_EQ(changes, (std::vector<Change>{{1, kBoth, 0}, {2, 0, kBoth}}));
     SetState(2, kBoth, kBoth);
-    Settle();
+    stylus.Settle();
     EXPECT_EQ(changes.size(), 2u);
-    Press(Qt::Key_Down);
+    stylus.Key(Qt::Key_Down);
     EXPECT_EQ(Selected(), std::vector<int>{3});
     SetState(-1, 0, LVIS_SELECTED);
     EXPECT_TRUE(Selected().empty());
@@ -159,7 +175,7 @@ TEST_F(ListTest, RowsMayGoWhileTheirChangeIsTold) {
     Make();
     SetState(0, kBoth, kBoth);
     bool refill = true, destroy = false;
-    onNotify = [&](NMHDR*) -> LRESULT {
+    instead = [&]() -> LRESULT {
         if (std::exchange(refill, false)) {
             Send(list, LVM_DELETEALLITEMS);
             Insert(0);
@@ -169,10 +185,10 @@ TEST_F(ListTest, RowsMayGoWhileTheirChangeIsTold) {
             DestroyWindow(list);
         return 0;
     };
-    Tap(list, Spot(4));
+    stylus.Tap(list, Spot(4));
     EXPECT_EQ(Selected(), std::vector<int>{0});
     destroy = true;
-    Press(Qt::Key_Space, Qt::ControlModifier);
+    stylus.Key(Qt::Key_Space, Qt::ControlModifier);
     EXPECT_FALSE(IsWindow(list));
 }
 
@@ -180,22 +196,22 @@ TEST_F(ListTest, WithoutFullRowOnlyTheFirstColumnIsHit) {
     Make();
     Send(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_FULLROWSELECT, 0);
     QPoint spot = Spot(2);
-    Tap(list, {200, spot.y()});
+    stylus.Tap(list, {200, spot.y()});
     EXPECT_TRUE(Selected().empty());
-    Tap(list, spot);
+    stylus.Tap(list, spot);
     EXPECT_EQ(Selected(), std::vector<int>{2});
 }
 
 TEST_F(ListTest, AllViewsShareTheSelection) {
     Make();
-    Tap(list, Spot(2));
+    stylus.Tap(list, Spot(2));
     for (DWORD view : {LVS_ICON, LVS_SMALLICON, LVS_LIST, LVS_REPORT}) {
         LONG_PTR style = GetWindowLongPtrW(list, GWL_STYLE);
         SetWindowLongPtrW(list, GWL_STYLE, (style & ~LONG_PTR{LVS_TYPEMASK}) | view);
-        Settle();
+        stylus.Settle();
         EXPECT_EQ(Selected(), std::vector<int>{2}) << view;
         EXPECT_EQ(GetFocus(), list);
-        Press(Qt::Key_Home);
+        stylus.Key(Qt::Key_Home);
         EXPECT_EQ(Selected(), std::vector<int>{0}) << view;
         SetState(0, 0, LVIS_SELECTED);
         SetState(2, kBoth, kBoth);
@@ -209,12 +225,12 @@ TEST_F(ListTest, CheckBoxesAreToggledByTapAndSpace) {
         return Send(list, LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_STATEIMAGEMASK) >> 12;
     };
     EXPECT_EQ(state(1), 1);
-    Tap(list, Spot(1));
+    stylus.Tap(list, Spot(1));
     EXPECT_EQ(state(1), 2);
     EXPECT_TRUE(Selected().empty());
     EXPECT_EQ(changes.back(), (Change{1, 1u << 12, 2u << 12}));
     SetState(2, kBoth, kBoth);
-    Press(Qt::Key_Space);
+    stylus.Key(Qt::Key_Space);
     EXPECT_EQ(state(2), 2);
     SetState(1, 1u << 12, LVIS_STATEIMAGEMASK);
     EXPECT_EQ(state(1), 1);
@@ -223,50 +239,45 @@ TEST_F(ListTest, CheckBoxesAreToggledByTapAndSpace) {
 TEST_F(ListTest, LabelsAreEditedInPlace) {
     Make();
     auto editor = [this] { return list->widget->findChild<QLineEdit*>(); };
-    Tap(list, Spot(1));
+    stylus.Tap(list, Spot(1));
     EXPECT_EQ(editor(), nullptr);
-    Tap(list, Spot(1));
-    ASSERT_TRUE(WaitFor([&editor] { return editor() != nullptr; }));
-    QTest::keyClicks(editor(), QStringLiteral("new"));
-    QTest::keyClick(editor(), Qt::Key_Return);
+    stylus.Tap(list, Spot(1));
+    ASSERT_TRUE(stylus.WaitFor([&editor] { return editor() != nullptr; }, "the editor"));
+    stylus.Type(u"new");
+    stylus.Key(Qt::Key_Return);
     EXPECT_EQ(labels, std::vector<std::u16string>{u"new"});
     EXPECT_EQ(TextAt(1), u"new");
-    ASSERT_TRUE(WaitFor([&editor] { return editor() == nullptr; }));
+    ASSERT_TRUE(stylus.WaitFor([&editor] { return editor() == nullptr; }, "its end"));
 
-    Press(Qt::Key_F2);
+    stylus.Key(Qt::Key_F2);
     ASSERT_NE(editor(), nullptr);
-    QTest::keyClicks(editor(), QStringLiteral("other"));
-    QTest::keyClick(editor(), Qt::Key_Escape);
+    stylus.Type(u"other");
+    stylus.Key(Qt::Key_Escape);
     EXPECT_EQ(labels.back(), u"(cancelled)");
-    ASSERT_TRUE(WaitFor([&editor] { return editor() == nullptr; }));
+    ASSERT_TRUE(stylus.WaitFor([&editor] { return editor() == nullptr; }, "its end"));
 
     // Leaving the edit ends it; the focus stays where it went.
     HWND other = Add(u"BUTTON", u"Other", 0, 1, {0, 310, 80, 340});
     acceptLabel = false;
     EXPECT_TRUE(Send(list, LVM_EDITLABELW, 2));
-    QTest::keyClicks(editor(), QStringLiteral("refused"));
-    SetFocus(other);
-    Settle();
+    stylus.Type(u"refused");
+    Focus(other);
     EXPECT_EQ(labels.back(), u"refused");
     EXPECT_EQ(TextAt(2), u"row 2");
     EXPECT_EQ(GetFocus(), other);
     EXPECT_TRUE(Send(list, LVM_EDITLABELW, 2));
-    Tap(list, Spot(4));
+    stylus.Tap(list, Spot(4));
     EXPECT_EQ(labels.size(), 4u);
     EXPECT_EQ(Selected(), std::vector<int>{4});
 }
 
 TEST_F(ListTest, ADoubleTapIsToldAndEditsNothing) {
     Make();
-    Tap(list, Spot(1));
-    QPoint point = Spot(1);
-    QWidget* part = PartAt(list, point);
-    QTest::mouseClick(part, Qt::LeftButton, {}, point);
-    QTest::mouseDClick(part, Qt::LeftButton, {}, point);
-    Settle();
+    stylus.Tap(list, Spot(1));
+    stylus.TapTwice(list, Spot(1));
     EXPECT_EQ(doubleTaps, 1);
     QTest::qWait(QApplication::doubleClickInterval() + 100); // longer than an edit would take to begin
-    Settle();
+    stylus.Settle();
     EXPECT_EQ(list->widget->findChild<QLineEdit*>(), nullptr);
 }
 
@@ -279,27 +290,27 @@ TEST_F(ListTest, SortingIsStableAndRowsKeepTheirStates) {
     Make(LVS_REPORT, 30);
     SetState(13, kBoth, kBoth);
     changes.clear();
-    Send(list, LVM_SORTITEMS, TRUE, reinterpret_cast<LPARAM>(&CompareParams));
+    Send(list, LVM_SORTITEMS, TRUE, &CompareParams);
     for (int row = 0; row < 30; ++row)
         EXPECT_EQ(TextAt(row), u"row " + Digits(9 - row / 3 + row % 3 * 10));
     EXPECT_EQ(Selected(), std::vector<int>{19});
     EXPECT_EQ(Send(list, LVM_GETITEMSTATE, 19, kBoth), kBoth);
-    Settle();
+    stylus.Settle();
     EXPECT_TRUE(changes.empty());
     LVFINDINFOW find{LVFI_PARAM, nullptr, 1013};
-    EXPECT_EQ(Send(list, LVM_FINDITEMW, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&find)), 19);
+    EXPECT_EQ(Send(list, LVM_FINDITEMW, static_cast<WPARAM>(-1), &find), 19);
     Send(list, LVM_DELETEITEM, 4);
-    EXPECT_EQ(Send(list, LVM_FINDITEMW, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&find)), 18);
+    EXPECT_EQ(Send(list, LVM_FINDITEMW, static_cast<WPARAM>(-1), &find), 18);
     EXPECT_EQ(Selected(), std::vector<int>{18});
     find.lParam = 5;
-    EXPECT_EQ(Send(list, LVM_FINDITEMW, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&find)), -1);
+    EXPECT_EQ(Send(list, LVM_FINDITEMW, static_cast<WPARAM>(-1), &find), -1);
 }
 
 // A rebuild with the redrawing off leaves the list where it was, as far as the rows allow.
 TEST_F(ListTest, ARebuildKeepsTheScrolledPlace) {
     Make(LVS_REPORT, 100);
     Send(list, LVM_ENSUREVISIBLE, 60);
-    Settle();
+    stylus.Settle();
     int top = static_cast<int>(Send(list, LVM_GETTOPINDEX));
     int page = static_cast<int>(Send(list, LVM_GETCOUNTPERPAGE));
     EXPECT_EQ(top, 60 - page + 1);
@@ -308,15 +319,15 @@ TEST_F(ListTest, ARebuildKeepsTheScrolledPlace) {
     Send(list, LVM_DELETEALLITEMS);
     for (int row = 0; row < 90; ++row)
         Insert(row);
-    Settle(); // the host may look at the list in between
+    stylus.Settle(); // the host may look at the list in between
     SetState(50, kBoth, kBoth);
     Send(list, LVM_ENSUREVISIBLE, static_cast<WPARAM>(top + page - 1));
     Send(list, LVM_ENSUREVISIBLE, 50);
     Send(list, WM_SETREDRAW, TRUE);
-    Settle();
+    stylus.Settle();
     EXPECT_EQ(Send(list, LVM_GETTOPINDEX), 50 < top ? 50 : top);
     EXPECT_EQ(Selected(), std::vector<int>{50});
-    Press(Qt::Key_Down);
+    stylus.Key(Qt::Key_Down);
     EXPECT_EQ(Selected(), std::vector<int>{51});
 }
 
@@ -327,7 +338,7 @@ TEST_F(ListTest, TheHeaderIsAWindowWhoseItemsTheListDraws) {
     ASSERT_EQ(Send(header, HDM_GETITEMCOUNT), 3);
     WCHAR title[20];
     HDITEMW item{HDI_TEXT | HDI_FORMAT, title, 20, 0};
-    ASSERT_TRUE(Send(header, HDM_GETITEMW, 2, reinterpret_cast<LPARAM>(&item)));
+    ASSERT_TRUE(Send(header, HDM_GETITEMW, 2, &item));
     EXPECT_EQ(std::u16string(title), u"Column");
     EXPECT_EQ(item.fmt & HDF_JUSTIFYMASK, HDF_RIGHT);
 
@@ -347,36 +358,36 @@ TEST_F(ListTest, TheHeaderIsAWindowWhoseItemsTheListDraws) {
         })));
     item.mask = HDI_FORMAT;
     item.fmt |= HDF_OWNERDRAW;
-    Send(header, HDM_SETITEMW, 2, reinterpret_cast<LPARAM>(&item));
-    ASSERT_TRUE(WaitFor([] { return !drawn.empty(); }));
+    Send(header, HDM_SETITEMW, 2, &item);
+    ASSERT_TRUE(stylus.WaitFor([] { return !drawn.empty(); }, "drawing"));
     EXPECT_EQ(drawn.back(), (std::pair<UINT, UINT>{2, 0}));
-    QPoint point(300, 10);
-    QWidget* part = PartAt(header, point);
-    QTest::mousePress(part, Qt::LeftButton, {}, point);
-    ASSERT_TRUE(WaitFor([] { return drawn.back().second == ODS_SELECTED; }));
-    QTest::mouseRelease(part, Qt::LeftButton, {}, point);
-    Settle();
+    QWindow* const display = ScreenArea()->window()->windowHandle();
+    const QPoint point = OnDisplay(header, {300, 10});
+    QTest::mousePress(display, Qt::LeftButton, {}, point);
+    ASSERT_TRUE(stylus.WaitFor([] { return drawn.back().second == ODS_SELECTED; }, "a pressed item"));
+    QTest::mouseRelease(display, Qt::LeftButton, {}, point);
+    stylus.Settle();
     EXPECT_EQ(clicked, std::vector<int>{2});
     EXPECT_EQ(GetFocus(), list);
 }
 
 HWND comparedList;
 
+std::u16string_view TextOfParam(LPARAM param, WCHAR (&text)[260]) {
+    LVFINDINFOW find{LVFI_PARAM, nullptr, param};
+    const LRESULT row =
+        SendMessageW(comparedList, LVM_FINDITEMW, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&find));
+    LVITEMW item{};
+    item.pszText = text;
+    item.cchTextMax = 260;
+    SendMessageW(comparedList, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    return text;
+}
+
 // As the program compares: both rows are looked up and both texts read.
 int CompareByText(LPARAM first, LPARAM second, LPARAM) {
     WCHAR texts[2][260];
-    LPARAM params[2] = {first, second};
-    for (int i = 0; i < 2; ++i) {
-        LVFINDINFOW find{LVFI_PARAM, nullptr, params[i]};
-        LRESULT row = SendMessageW(comparedList, LVM_FINDITEMW, static_cast<WPARAM>(-1),
-                                   reinterpret_cast<LPARAM>(&find));
-        LVITEMW item{};
-        item.pszText = texts[i];
-        item.cchTextMax = 260;
-        SendMessageW(comparedList, LVM_GETITEMTEXTW, static_cast<WPARAM>(row),
-                     reinterpret_cast<LPARAM>(&item));
-    }
-    return std::u16string_view(texts[0]).compare(texts[1]);
+    return TextOfParam(first, texts[0]).compare(TextOfParam(second, texts[1]));
 }
 
 // Looking rows up one by one would take many seconds here, and telling the views of each row nearly one.
@@ -387,9 +398,9 @@ TEST_F(ListTest, ManyRowsAreQuick) {
     Send(list, WM_SETREDRAW, FALSE);
     for (int row = 0; row < 10000; ++row)
         Insert(row);
-    Send(list, LVM_SORTITEMS, 0, reinterpret_cast<LPARAM>(&CompareByText));
+    Send(list, LVM_SORTITEMS, 0, &CompareByText);
     Send(list, WM_SETREDRAW, TRUE);
-    Settle();
+    stylus.Settle();
     double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
     RecordProperty("seconds", std::to_string(seconds));
     EXPECT_LT(seconds, 2.0);

@@ -1,6 +1,4 @@
 // Drop-down list, date and time pickers, numbers in dialogs, changing menus.
-#include "controlfixture.h"
-
 #include <QAbstractItemView>
 #include <QCalendarWidget>
 #include <QComboBox>
@@ -9,19 +7,20 @@
 
 #include "platform/menu.h"
 #include "resources/resource.h"
+#include "tests/ui/windowfixture.h"
 
 namespace {
 
 constexpr UINT kFirst = 101;
 constexpr UINT kSecond = 102;
 
-class DropListTest : public ControlTest {
+class DropListTest : public WindowTest {
 protected:
     HWND AddList(DWORD style) {
         return Add(u"ComboBox", u"", CBS_DROPDOWNLIST | WS_VSCROLL | style, kFirst, {10, 10, 210, 240});
     }
     static LRESULT AddItem(HWND list, const WCHAR* text, LPARAM data) {
-        const LRESULT place = Send(list, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
+        const LRESULT place = Send(list, CB_ADDSTRING, 0, text);
         Send(list, CB_SETITEMDATA, static_cast<WPARAM>(place), data);
         return place;
     }
@@ -30,29 +29,35 @@ protected:
     }
 };
 
-class PickerTest : public ControlTest {
+class PickerTest : public WindowTest {
 protected:
+    void SetUp() override {
+        WindowTest::SetUp();
+        date = Add(u"SysDateTimePick32", u"", 0, kFirst);
+        time = Add(u"SysDateTimePick32", u"", DTS_TIMEFORMAT, kSecond, {10, 60, 210, 90});
+    }
     static LRESULT Set(HWND picker, const SYSTEMTIME& time) {
-        return Send(picker, DTM_SETSYSTEMTIME, GDT_VALID, reinterpret_cast<LPARAM>(&time));
+        return Send(picker, DTM_SETSYSTEMTIME, GDT_VALID, &time);
     }
     static std::vector<WORD> Get(HWND picker) {
         SYSTEMTIME time = {};
-        EXPECT_EQ(Send(picker, DTM_GETSYSTEMTIME, 0, reinterpret_cast<LPARAM>(&time)),
-                  static_cast<LRESULT>(GDT_VALID));
+        EXPECT_EQ(Send(picker, DTM_GETSYSTEMTIME, 0, &time), static_cast<LRESULT>(GDT_VALID));
         return {time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond};
     }
-    static void UseSection(HWND picker, QDateTimeEdit::Section section) {
-        SetFocus(picker);
-        Settle();
+    void UseSection(HWND picker, QDateTimeEdit::Section section) {
+        Focus(picker);
         qobject_cast<QDateTimeEdit*>(picker->widget)->setSelectedSection(section);
     }
     static QString Shown(HWND picker) {
         const QLabel* beyond = picker->widget->findChild<QLabel*>();
         return beyond->isVisible() ? beyond->text() : qobject_cast<QDateTimeEdit*>(picker->widget)->text();
     }
+
+    HWND date = nullptr;
+    HWND time = nullptr;
 };
 
-using NumberTest = ControlTest;
+using NumberTest = WindowTest;
 
 } // namespace
 
@@ -85,46 +90,41 @@ TEST_F(DropListTest, TheKeyboardAndThePopupChoose) {
     AddItem(list, u"River", 11);
     AddItem(list, u"Sea", 12);
     Send(list, CB_SETCURSEL, 0);
-    SetFocus(list);
-    Settle();
-    Press(Qt::Key_Down);
+    Focus(list);
+    stylus.Key(Qt::Key_Down);
     EXPECT_EQ(ChosenData(list), 11);
-    Type(list, "s");
+    Type(list, u"s");
     EXPECT_EQ(ChosenData(list), 12);
     EXPECT_EQ(commands, (std::vector<Command>{{kFirst, CBN_SELCHANGE}, {kFirst, CBN_SELCHANGE}}));
 
-    Press(Qt::Key_Down, Qt::AltModifier);
-    QWidget* popup = QApplication::activePopupWidget();
-    ASSERT_NE(popup, nullptr);
-    QTest::keyClick(popup->focusWidget() ? popup->focusWidget() : popup, Qt::Key_Escape);
-    Settle();
+    stylus.Key(Qt::Key_Down, Qt::AltModifier);
+    ASSERT_NE(QApplication::activePopupWidget(), nullptr);
+    stylus.Key(Qt::Key_Escape);
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
     EXPECT_EQ(commands.size(), 2u);
 
-    Tap(list, {20, 10});
-    popup = QApplication::activePopupWidget();
+    stylus.Tap(list, {20, 10});
+    QWidget* popup = QApplication::activePopupWidget();
     ASSERT_NE(popup, nullptr);
     auto* rows = qobject_cast<QComboBox*>(list->widget)->view();
     EXPECT_GE(popup->mapToGlobal(QPoint(0, 0)).y(), list->widget->mapToGlobal(QPoint(0, 0)).y() + 10);
     const QPoint first = rows->visualRect(rows->model()->index(0, 0)).center();
     QTest::mouseMove(rows->viewport(), first);
     QTest::mouseClick(rows->viewport(), Qt::LeftButton, {}, first, QApplication::doubleClickInterval());
-    Settle();
+    stylus.Settle();
     EXPECT_EQ(ChosenData(list), 10);
     EXPECT_EQ(commands.size(), 3u);
     EXPECT_EQ(GetFocus(), list);
 }
 
 TEST_F(PickerTest, EveryDateOfTheCalendarIsGivenBack) {
-    HWND date = Add(u"SysDateTimePick32", u"", 0, kFirst);
-    HWND time = Add(u"SysDateTimePick32", u"", DTS_TIMEFORMAT, kSecond, {10, 60, 210, 90});
     const SYSTEMTIME times[] = {{1601, 1, 0, 1, 0, 0, 0, 0},      {2024, 2, 0, 29, 23, 59, 58, 0},
                                 {9999, 12, 0, 31, 1, 2, 3, 0},    {10000, 1, 0, 1, 4, 5, 6, 0},
                                 {12000, 2, 0, 29, 12, 30, 45, 0}, {30827, 12, 0, 31, 23, 59, 59, 0}};
     for (const SYSTEMTIME& set : times) {
         EXPECT_EQ(Set(date, set), TRUE);
         EXPECT_EQ(Set(time, set), TRUE);
-        Settle();
+        stylus.Settle();
         const std::vector<WORD> fields = {set.wYear, set.wMonth,  set.wDay,
                                           set.wHour, set.wMinute, set.wSecond};
         EXPECT_EQ(Get(date), fields);
@@ -137,50 +137,44 @@ TEST_F(PickerTest, EveryDateOfTheCalendarIsGivenBack) {
     EXPECT_EQ(Get(date)[0], 30827);
     // Looking at it changes nothing; an edit starts from the editor's last day.
     UseSection(date, QDateTimeEdit::YearSection);
-    Press(Qt::Key_Left);
+    stylus.Key(Qt::Key_Left);
     EXPECT_EQ(Get(date)[0], 30827);
     UseSection(date, QDateTimeEdit::YearSection);
-    Press(Qt::Key_Down);
+    stylus.Key(Qt::Key_Down);
     EXPECT_EQ(Get(date), (std::vector<WORD>{9998, 12, 31, 23, 59, 59}));
     EXPECT_TRUE(Shown(date).contains(QStringLiteral("9998")));
 }
 
 TEST_F(PickerTest, SectionsAreTyped) {
-    HWND date = Add(u"SysDateTimePick32", u"", 0, kFirst);
-    HWND time = Add(u"SysDateTimePick32", u"", DTS_TIMEFORMAT, kSecond, {10, 60, 210, 90});
     const SYSTEMTIME set = {2024, 5, 0, 17, 8, 9, 10, 0};
     Set(date, set);
     Set(time, set);
     UseSection(date, QDateTimeEdit::YearSection);
-    Type(date, "1987");
+    Type(date, u"1987");
     UseSection(date, QDateTimeEdit::DaySection);
-    Press(Qt::Key_Up);
+    stylus.Key(Qt::Key_Up);
     EXPECT_EQ(Get(date), (std::vector<WORD>{1987, 5, 18, 8, 9, 10}));
     // One digit of two counts as soon as the value is asked for.
     UseSection(time, QDateTimeEdit::HourSection);
-    Type(time, "1");
+    Type(time, u"1");
     EXPECT_EQ(Get(time), (std::vector<WORD>{2024, 5, 17, 1, 9, 10}));
     UseSection(time, QDateTimeEdit::SecondSection);
-    Type(time, "59");
+    Type(time, u"59");
     EXPECT_EQ(Get(time), (std::vector<WORD>{2024, 5, 17, 1, 9, 59}));
     Set(time, set);
     EXPECT_EQ(Get(time), (std::vector<WORD>{2024, 5, 17, 8, 9, 10}));
 }
 
 TEST_F(PickerTest, TheCalendarOpensByArrowAndByKey) {
-    HWND date = Add(u"SysDateTimePick32", u"", 0, kFirst);
     Set(date, {2024, 5, 0, 17, 8, 9, 10, 0});
-    SetFocus(date);
-    Settle();
-    Press(Qt::Key_Down, Qt::AltModifier);
-    QWidget* popup = QApplication::activePopupWidget();
-    ASSERT_NE(popup, nullptr);
-    QTest::keyClick(popup, Qt::Key_Escape);
-    Settle();
+    Focus(date);
+    stylus.Key(Qt::Key_Down, Qt::AltModifier);
+    ASSERT_NE(QApplication::activePopupWidget(), nullptr);
+    stylus.Key(Qt::Key_Escape);
     ASSERT_EQ(QApplication::activePopupWidget(), nullptr);
 
-    Tap(date, {date->widget->width() - 8, date->widget->height() / 2});
-    popup = QApplication::activePopupWidget();
+    stylus.Tap(date, {date->widget->width() - 8, date->widget->height() / 2});
+    QWidget* popup = QApplication::activePopupWidget();
     ASSERT_NE(popup, nullptr);
     auto* calendar = popup->findChild<QCalendarWidget*>();
     ASSERT_NE(calendar, nullptr);
@@ -188,7 +182,7 @@ TEST_F(PickerTest, TheCalendarOpensByArrowAndByKey) {
     ASSERT_NE(days, nullptr);
     QTest::keyClick(days, Qt::Key_Right);
     QTest::keyClick(days, Qt::Key_Return);
-    Settle();
+    stylus.Settle();
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
     EXPECT_EQ(Get(date), (std::vector<WORD>{2024, 5, 18, 8, 9, 10}));
     EXPECT_EQ(GetFocus(), date);
@@ -197,9 +191,9 @@ TEST_F(PickerTest, TheCalendarOpensByArrowAndByKey) {
 TEST_F(NumberTest, OnlyWholeNumbersThatFitAreTranslated) {
     Add(u"EDIT", u"", 0, kFirst);
     const auto read = [this](const WCHAR* text, BOOL isSigned, BOOL expectTranslated) {
-        SetDlgItemTextW(parent, kFirst, text);
+        SetDlgItemTextW(main, kFirst, text);
         BOOL translated = 2;
-        const UINT number = GetDlgItemInt(parent, kFirst, &translated, isSigned);
+        const UINT number = GetDlgItemInt(main, kFirst, &translated, isSigned);
         EXPECT_EQ(translated, expectTranslated) << QString::fromUtf16(text).toStdString();
         return number;
     };
@@ -213,12 +207,12 @@ TEST_F(NumberTest, OnlyWholeNumbersThatFitAreTranslated) {
         EXPECT_EQ(read(text, FALSE, FALSE), 0u);
     for (const WCHAR* text : {u"2147483648", u"-2147483649", u"--4", u"- 4", u"+4"})
         EXPECT_EQ(read(text, TRUE, FALSE), 0u);
-    EXPECT_EQ(GetDlgItemInt(parent, kSecond, nullptr, FALSE), 0u);
+    EXPECT_EQ(GetDlgItemInt(main, kSecond, nullptr, FALSE), 0u);
 
-    SetDlgItemInt(parent, kFirst, 4294967295u, FALSE);
-    EXPECT_EQ(TextIn(GetDlgItem(parent, kFirst)), u"4294967295");
-    SetDlgItemInt(parent, kFirst, 4294967295u, TRUE);
-    EXPECT_EQ(TextIn(GetDlgItem(parent, kFirst)), u"-1");
+    SetDlgItemInt(main, kFirst, 4294967295u, FALSE);
+    EXPECT_EQ(TextOf(main, kFirst), u"4294967295");
+    SetDlgItemInt(main, kFirst, 4294967295u, TRUE);
+    EXPECT_EQ(TextOf(main, kFirst), u"-1");
 }
 
 TEST(MenuEdit, ItemsOfSubmenusAreChangedAndDeleted) {
