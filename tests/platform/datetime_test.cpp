@@ -1,5 +1,5 @@
 #include "platform/datetime.h"
-#include "platform/errors.h"
+#include "tests/platform/hostsupport.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -18,9 +18,7 @@ std::uint64_t Number(const FILETIME& time) {
 }
 
 void ExpectInvalid(BOOL result) {
-    EXPECT_FALSE(result);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
-    SetLastError(ERROR_SUCCESS);
+    EXPECT_EQ(FailureOf(result), ERROR_INVALID_PARAMETER);
 }
 
 FILETIME Moment(WORD year, WORD month, WORD day, WORD hour, WORD minute) {
@@ -128,8 +126,8 @@ TEST(DateTime, IsWrittenAsTheLocaleDoes) {
     EXPECT_EQ(GetTimeFormatW(LOCALE_SYSTEM_DEFAULT, TIME_NOSECONDS, &time, nullptr, text, 16), 6);
     EXPECT_EQ(std::u16string(text), u"14:05");
 
-    EXPECT_EQ(GetDateFormatW(LOCALE_SYSTEM_DEFAULT, DATE_SHORTDATE, &time, nullptr, text, 10), 0);
-    EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(FailureOf(GetDateFormatW(LOCALE_SYSTEM_DEFAULT, DATE_SHORTDATE, &time, nullptr, text, 10)),
+              ERROR_INSUFFICIENT_BUFFER);
     EXPECT_EQ(std::u16string(text), u"");
     ExpectInvalid(GetDateFormatW(LOCALE_SYSTEM_DEFAULT, DATE_SHORTDATE, &wrong, nullptr, text, 16));
     ExpectInvalid(GetTimeFormatW(LOCALE_SYSTEM_DEFAULT, 0, &wrong, nullptr, text, 16));

@@ -1,18 +1,13 @@
 #include "platform/base/paths.h"
 #include "platform/device.h"
-#include "platform/errors.h"
 #include "platform/files.h"
+#include "tests/platform/hostsupport.h"
+#include "tests/platform/otherprocess.h"
 #include "tests/support/testdevice.h"
 
-#include <csignal>
-#include <cstdlib>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <string>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
@@ -26,31 +21,23 @@ DWORD OpenError(const WCHAR* path, DWORD disposition, DWORD access = GENERIC_REA
     return GetLastError();
 }
 
-void Write(const std::string& path, const std::string& content) {
-    std::ofstream(path, std::ios::binary) << content;
-}
-
-std::string Content(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 class Files : public testing::Test {
 protected:
     void SetUp() override {
         root = DeviceRootFolder();
         ASSERT_EQ(mkdir((root + "/My Documents").c_str(), 0777), 0);
-        Write(root + "/My Documents/Old.bkp", "old content");
+        old = root + "/My Documents/Old.bkp";
+        WriteHostFile(old, "old content");
     }
 
     TestDevice device;
     std::string root;
+    std::string old;
 };
 
 TEST_F(Files, NamesAreFoundByPathRuleAndWithoutCase) {
-    Write(root + "/UPPER", "");
-    Write(root + "/upper", "");
-    const std::string old = root + "/My Documents/Old.bkp";
+    WriteHostFile(root + "/UPPER", "");
+    WriteHostFile(root + "/upper", "");
     const struct {
         std::u16string path;
         std::string host;
@@ -87,7 +74,6 @@ TEST_F(Files, NamesAreFoundByPathRuleAndWithoutCase) {
 }
 
 TEST_F(Files, OpeningHonoursTheDispositionAndSaysWhyNot) {
-    const std::string old = root + "/My Documents/Old.bkp";
     EXPECT_EQ(OpenError(u"\\My Documents\\none", OPEN_EXISTING), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(OpenError(u"\\none\\none", OPEN_EXISTING), ERROR_PATH_NOT_FOUND);
     EXPECT_EQ(OpenError(u"\\none\\none", CREATE_ALWAYS, GENERIC_WRITE), ERROR_PATH_NOT_FOUND);
@@ -100,19 +86,17 @@ TEST_F(Files, OpeningHonoursTheDispositionAndSaysWhyNot) {
     EXPECT_EQ(OpenError(u"\\x", OPEN_EXISTING, 0), ERROR_INVALID_PARAMETER);
     ASSERT_EQ(mkfifo((root + "/pipe").c_str(), 0666), 0);
     EXPECT_EQ(OpenError(u"\\pipe", OPEN_EXISTING), ERROR_ACCESS_DENIED); // and does not wait for a writer
-    EXPECT_EQ(Content(old), "old content");
+    EXPECT_EQ(HostFile(old), "old content");
 
     DWORD count = 0;
     HANDLE file = Open(u"\\MY DOCUMENTS\\OLD.BKP", CREATE_ALWAYS, GENERIC_WRITE);
     EXPECT_TRUE(WriteFile(file, "new", 3, &count, nullptr));
     EXPECT_EQ(count, 3u);
     char byte = 0;
-    EXPECT_FALSE(ReadFile(file, &byte, 1, &count, nullptr));
-    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(FailureOf(ReadFile(file, &byte, 1, &count, nullptr)), ERROR_ACCESS_DENIED);
     EXPECT_TRUE(CloseHandle(file));
-    EXPECT_FALSE(WriteFile(file, "late", 4, &count, nullptr));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
-    EXPECT_EQ(Content(old), "new"); // under its old name
+    EXPECT_EQ(FailureOf(WriteFile(file, "late", 4, &count, nullptr)), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(HostFile(old), "new"); // under its old name
 }
 
 TEST_F(Files, PlacesReachBeyondFourGigabytes) {
@@ -134,8 +118,8 @@ TEST_F(Files, PlacesReachBeyondFourGigabytes) {
     EXPECT_TRUE(ReadFile(file, text, 8, &count, nullptr)); // the end is no failure
     EXPECT_EQ(count, 0u);
 
-    EXPECT_EQ(SetFilePointer(file, 0, nullptr, FILE_CURRENT), INVALID_SET_FILE_POINTER); // does not fit
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    // The place does not fit.
+    EXPECT_EQ(FailureOf(SetFilePointer(file, 0, nullptr, FILE_CURRENT)), ERROR_INVALID_PARAMETER);
     EXPECT_EQ(SetFilePointer(file, 5, nullptr, FILE_BEGIN), 5u);
     EXPECT_EQ(SetFilePointer(file, -6, nullptr, FILE_CURRENT), INVALID_SET_FILE_POINTER);
     EXPECT_EQ(SetFilePointer(file, -1, nullptr, FILE_CURRENT), 4u); // where it was, less one
@@ -145,8 +129,7 @@ TEST_F(Files, PlacesReachBeyondFourGigabytes) {
 TEST_F(Files, AFullDiskStopsAWrite) {
     const HANDLE file = Open(u"\\Storage Card\\dev\\full", CREATE_ALWAYS, GENERIC_WRITE);
     DWORD count = 1;
-    EXPECT_FALSE(WriteFile(file, "x", 1, &count, nullptr));
-    EXPECT_EQ(GetLastError(), ERROR_DISK_FULL);
+    EXPECT_EQ(FailureOf(WriteFile(file, "x", 1, &count, nullptr)), ERROR_DISK_FULL);
     EXPECT_EQ(count, 0u);
     CloseHandle(file);
 }
@@ -158,44 +141,30 @@ TEST_F(Files, AnOpenFileIsSharedOnlyAmongReaders) {
     EXPECT_NE(second, INVALID_HANDLE_VALUE);
     EXPECT_EQ(OpenError(path, OPEN_EXISTING), ERROR_SHARING_VIOLATION);
     EXPECT_EQ(OpenError(path, CREATE_ALWAYS, GENERIC_WRITE, FILE_SHARE_READ), ERROR_SHARING_VIOLATION);
-    EXPECT_FALSE(DeleteFileW(path));
-    EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
-    EXPECT_EQ(Content(root + "/My Documents/Old.bkp"), "old content");
+    EXPECT_EQ(FailureOf(DeleteFileW(path)), ERROR_SHARING_VIOLATION);
+    EXPECT_EQ(HostFile(old), "old content");
     CloseHandle(first);
     CloseHandle(second);
     const HANDLE alone = Open(path, OPEN_EXISTING);
     EXPECT_EQ(OpenError(path, OPEN_EXISTING, GENERIC_READ, FILE_SHARE_READ), ERROR_SHARING_VIOLATION);
     CloseHandle(alone);
 
-    EXPECT_FALSE(DeleteFileW(u"\\My Documents"));
-    EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(FailureOf(DeleteFileW(u"\\My Documents")), ERROR_ACCESS_DENIED);
     EXPECT_TRUE(DeleteFileW(u"\\my documents\\OLD.bkp"));
-    EXPECT_FALSE(DeleteFileW(path));
-    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(FailureOf(DeleteFileW(path)), ERROR_FILE_NOT_FOUND);
 }
 
 TEST_F(Files, AnotherProcessHoldsAFileUntilItDies) {
     const WCHAR* path = u"\\My Documents\\Old.bkp";
-    int ready[2];
-    ASSERT_EQ(pipe(ready), 0);
-    const pid_t other = fork();
-    if (other == 0) {
-        const char opened = Open(path, OPEN_EXISTING, GENERIC_WRITE) != INVALID_HANDLE_VALUE;
-        _exit(write(ready[1], &opened, 1) == 1 ? pause() : 1);
-    }
-    char opened = 0;
-    ASSERT_EQ(read(ready[0], &opened, 1), 1);
-    EXPECT_EQ(opened, 1);
+    OtherProcess other({[=] { return Open(path, OPEN_EXISTING, GENERIC_WRITE) != INVALID_HANDLE_VALUE; }});
+    ASSERT_TRUE(other.Run(0));
     EXPECT_EQ(OpenError(path, OPEN_EXISTING, GENERIC_READ, FILE_SHARE_READ), ERROR_SHARING_VIOLATION);
     EXPECT_EQ(OpenError(path, CREATE_ALWAYS, GENERIC_WRITE), ERROR_SHARING_VIOLATION);
-    EXPECT_EQ(Content(root + "/My Documents/Old.bkp"), "old content");
-    kill(other, SIGKILL);
-    waitpid(other, nullptr, 0);
+    EXPECT_EQ(HostFile(old), "old content");
+    other.Kill();
     const HANDLE file = Open(path, CREATE_ALWAYS, GENERIC_WRITE);
     EXPECT_NE(file, INVALID_HANDLE_VALUE);
     CloseHandle(file);
-    close(ready[0]);
-    close(ready[1]);
 }
 
 } // namespace

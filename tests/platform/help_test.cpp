@@ -1,10 +1,10 @@
 #include "platform/help/helppages.h"
 #include "platform/help/helpwindow.h"
+#include "tests/platform/hostsupport.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QDir>
-#include <QFile>
 #include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
@@ -24,16 +24,14 @@ protected:
             static char* arguments[] = {name, nullptr};
             new QApplication(count, arguments); // the other tests use it too
         }
-        Write("tarnwickscope.htm", "<h1>First</h1>" + QByteArray("<p>filler</p>").repeated(200) +
-                                       "<h2><a name=\"options\"></a>Options</h2>" +
-                                       QByteArray("<p>filler</p>").repeated(200));
+        QDir(folder.path()).mkdir("help");
+        Write("help/tarnwickscope.htm", "<h1>First</h1>" + QByteArray("<p>filler</p>").repeated(200) +
+                                            "<h2><a name=\"options\"></a>Options</h2>" +
+                                            QByteArray("<p>filler</p>").repeated(200));
     }
 
     void Write(const char* name, const QByteArray& content) {
-        QDir(folder.path()).mkdir("help");
-        QFile file(folder.filePath(QString("help/") + name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
+        WriteHostFile(folder.filePath(name).toStdString(), content.toStdString());
     }
 
     std::unique_ptr<HelpWindow> Open(const char* topic) {
@@ -71,10 +69,7 @@ TEST_F(Help, APageThatIsNotThereSaysSoAndLeadsToTheContents) {
 }
 
 TEST_F(Help, ShowsNothingFromOutsideItsFolder) {
-    QFile outside(folder.filePath("outside.htm"));
-    ASSERT_TRUE(outside.open(QIODevice::WriteOnly));
-    outside.write("private");
-    outside.close();
+    Write("outside.htm", "private");
     for (const char* topic : {"../outside.htm", "/etc/passwd", "..", "http://example.org/x.htm"}) {
         const auto window = Open(topic);
         EXPECT_TRUE(window->pages->toPlainText().contains("has no page")) << topic;

@@ -2,9 +2,10 @@
 #include "platform/base/display.h"
 #include "platform/base/instance.h"
 #include "platform/base/utf8.h"
-#include "platform/errors.h"
 #include "platform/launcher/arguments.h"
 #include "platform/process.h"
+#include "tests/platform/hostsupport.h"
+#include "tests/platform/otherprocess.h"
 #include "tests/support/testdevice.h"
 
 #include <QDir>
@@ -12,11 +13,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
-#include <csignal>
 #include <gtest/gtest.h>
 #include <initializer_list>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -88,18 +86,10 @@ TEST(Launcher, SaysHowToGetADisplayAndLeavesNoDevice) {
 
 TEST(Instance, AWindowIsFoundByItsDeviceAndClassWhileItsProcessLives) {
     const TestDevice device;
-    int ready[2];
-    ASSERT_EQ(pipe(ready), 0);
     EXPECT_FALSE(OtherInstanceHasWindow(kClass));
     EXPECT_FALSE(RequestForeground(kClass));
-    const pid_t other = fork();
-    if (other == 0) {
-        const bool listening = ListenForForegroundRequests(kClass) >= 0;
-        _exit(write(ready[1], &listening, 1) == 1 ? pause() : 1);
-    }
-    char listening = 0;
-    ASSERT_EQ(read(ready[0], &listening, 1), 1);
-    EXPECT_EQ(listening, 1);
+    OtherProcess other({[] { return ListenForForegroundRequests(kClass) >= 0; }});
+    ASSERT_TRUE(other.Run(0));
     EXPECT_TRUE(OtherInstanceHasWindow(kClass));
     EXPECT_FALSE(OtherInstanceHasWindow(u"OtherClass"));
     EXPECT_EQ(ListenForForegroundRequests(kClass), -1);
@@ -110,10 +100,6 @@ TEST(Instance, AWindowIsFoundByItsDeviceAndClassWhileItsProcessLives) {
         const TestDevice another;
         EXPECT_FALSE(OtherInstanceHasWindow(kClass));
     }
-    kill(other, SIGKILL);
-    waitpid(other, nullptr, 0);
-    close(ready[0]);
-    close(ready[1]);
 }
 
 TEST(Instance, OnlyARequestBringsTheWindowToTheFront) {
@@ -136,10 +122,11 @@ TEST(Process, StartsAProgramBesideThisOneAndForgetsIt) {
     const QString name = QString("started-%1.sh").arg(getpid());
     const QString report = folder.filePath("report");
     QFile script(here.filePath(name));
-    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
-    script.write("#!/bin/sh\necho \"$#:$1\" > " + report.toUtf8() + ".new\nls /proc/self/fd | wc -l >> " +
-                 report.toUtf8() + ".new\nmv " + report.toUtf8() + ".new " + report.toUtf8() + "\n");
-    script.close();
+    WriteHostFile(
+        script.fileName().toStdString(),
+        QString("#!/bin/sh\ncd %1\necho \"$#:$1\" > new\nls /proc/self/fd | wc -l >> new\nmv new report\n")
+            .arg(folder.path())
+            .toStdString());
     script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 
     const int inherited = dup(1);
@@ -149,14 +136,12 @@ TEST(Process, StartsAProgramBesideThisOneAndForgetsIt) {
     SetNoDisplay(false);
     EXPECT_TRUE(CreateProcessW(program.c_str(), u"tarnwickscope.htm#a b"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(report); }, 10000));
-    QFile result(report);
-    ASSERT_TRUE(result.open(QIODevice::ReadOnly));
-    EXPECT_EQ(result.readAll(), "1:tarnwickscope.htm#a b\n4\n"); // the fourth is the listing itself
-    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);                // no child is left to bury
+    // The fourth is the listing itself.
+    EXPECT_EQ(HostFile(report.toStdString()), "1:tarnwickscope.htm#a b\n4\n");
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1); // no child is left to bury
     close(inherited);
     script.remove();
-    EXPECT_FALSE(CreateProcessW(program.c_str(), u""));
-    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(FailureOf(CreateProcessW(program.c_str(), u"")), ERROR_FILE_NOT_FOUND);
 }
 
 } // namespace

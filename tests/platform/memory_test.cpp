@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 
-#include "platform/errors.h"
+#include "tests/platform/hostsupport.h"
 
 namespace {
 
@@ -21,8 +21,7 @@ TEST(PageMemory, IsTakenFilledWithZerosAndGivenBackOnce) {
         EXPECT_FALSE(VirtualFree(page + 1, 0, MEM_RELEASE));
         EXPECT_TRUE(VirtualFree(page, 0, MEM_RELEASE));
         SetLastError(ERROR_SUCCESS);
-        EXPECT_FALSE(VirtualFree(page, 0, MEM_RELEASE));
-        EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+        EXPECT_EQ(FailureOf(VirtualFree(page, 0, MEM_RELEASE)), ERROR_INVALID_PARAMETER);
     }
     for (std::size_t tooMuch : {std::size_t{1} << 60, ~std::size_t{0}}) {
         EXPECT_EQ(VirtualAlloc(nullptr, tooMuch, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE), nullptr);

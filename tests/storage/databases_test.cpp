@@ -30,31 +30,22 @@ TEST(Databases, AreFoundByNameIdentifierAndType) {
     EXPECT_EQ(info.wNumSortOrder, 2);
     EXPECT_EQ(std::memcmp(info.rgSortSpecs, specs, sizeof(specs)), 0);
     EXPECT_EQ(info.dwSize, 0U);
-    CEOID found = 0;
-    const HANDLE handle = CeOpenDatabase(&found, u"kontakte \u00e4", 0, 0, nullptr);
-    EXPECT_NE(handle, INVALID_HANDLE_VALUE);
-    EXPECT_EQ(found, contacts);
-    CloseHandle(handle);
-    EXPECT_EQ(OpenById(contacts, Prop(3, CEVT_I4)), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
-    found = 0;
-    EXPECT_EQ(CeOpenDatabase(&found, u"Kontakte", 0, 0, nullptr), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(FindDatabase(u"kontakte \u00e4"), contacts);
+    EXPECT_EQ(FailureOf(OpenById(contacts, Prop(3, CEVT_I4))), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(FailureOf(FindDatabase(u"Kontakte")), ERROR_FILE_NOT_FOUND);
 }
 
 TEST(Databases, NamesHaveTheirLimits) {
     TestDevice device;
     const std::u16string longest(31, u'n');
     EXPECT_NE(CeCreateDatabase(longest.c_str(), 0, 0, nullptr), 0U);
-    EXPECT_EQ(CeCreateDatabase(std::u16string(31, u'N').c_str(), 0, 0, nullptr), 0U);
-    EXPECT_EQ(GetLastError(), ERROR_DUP_NAME);
+    EXPECT_EQ(FailureOf(CeCreateDatabase(std::u16string(31, u'N').c_str(), 0, 0, nullptr)), ERROR_DUP_NAME);
     for (const std::u16string& name :
          {std::u16string(), std::u16string(32, u'n'), std::u16string(1000, u'n')}) {
-        EXPECT_EQ(CeCreateDatabase(name.c_str(), 0, 0, nullptr), 0U);
-        EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+        EXPECT_EQ(FailureOf(CeCreateDatabase(name.c_str(), 0, 0, nullptr)), ERROR_INVALID_PARAMETER);
     }
-    EXPECT_EQ(CeCreateDatabase(u"five orders", 0, 5, std::vector<SORTORDERSPEC>(5).data()), 0U);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(FailureOf(CeCreateDatabase(u"five orders", 0, 5, std::vector<SORTORDERSPEC>(5).data())),
+              ERROR_INVALID_PARAMETER);
     // Halves of a surrogate pair are names like any other, and different ones.
     EXPECT_NE(CeCreateDatabase(u"\xD800", 0, 0, nullptr), 0U);
     EXPECT_NE(CeCreateDatabase(u"\xDC00", 0, 0, nullptr), 0U);
@@ -70,8 +61,7 @@ TEST(Databases, AreRenamedRetypedAndReordered) {
     }
     CEDBASEINFO info = InfoOf(one);
     std::u16string_view(u"TWO").copy(info.szDbaseName, 4);
-    EXPECT_FALSE(CeSetDatabaseInfo(one, &info));
-    EXPECT_EQ(GetLastError(), ERROR_DUP_NAME);
+    EXPECT_EQ(FailureOf(CeSetDatabaseInfo(one, &info)), ERROR_DUP_NAME);
     std::u16string_view(u"ONE").copy(info.szDbaseName, 4);
     info.dwDbaseType = 3;
     EXPECT_TRUE(CeSetDatabaseInfo(one, &info)) << "a new spelling of the own name, while it is open";
@@ -79,8 +69,7 @@ TEST(Databases, AreRenamedRetypedAndReordered) {
     EXPECT_EQ(InfoOf(one).dwDbaseType, 3U);
     info.wNumSortOrder = 1;
     info.rgSortSpecs[0] = {Prop(1, CEVT_I4), CEDB_SORT_DESCENDING};
-    EXPECT_FALSE(CeSetDatabaseInfo(one, &info));
-    EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
+    EXPECT_EQ(FailureOf(CeSetDatabaseInfo(one, &info)), ERROR_SHARING_VIOLATION);
     CloseHandle(handle);
     EXPECT_TRUE(CeSetDatabaseInfo(one, &info));
     handle = OpenById(one, Prop(1, CEVT_I4));
@@ -99,21 +88,18 @@ TEST(Databases, AreNotDeletedWhileOpenAndLeaveNothingBehind) {
     const HANDLE second = OpenById(database);
     const CEOID record = Values().Number(1, 1).Write(first);
     CloseHandle(first);
-    EXPECT_FALSE(CeDeleteDatabase(database));
-    EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
+    EXPECT_EQ(FailureOf(CeDeleteDatabase(database)), ERROR_SHARING_VIOLATION);
     CloseHandle(second);
     EXPECT_TRUE(CeDeleteDatabase(database));
     CEOIDINFO info{};
-    EXPECT_FALSE(CeOidGetInfo(database, &info));
-    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(FailureOf(CeOidGetInfo(database, &info)), ERROR_FILE_NOT_FOUND);
     EXPECT_FALSE(CeDeleteDatabase(database));
     EXPECT_EQ(OpenById(database), INVALID_HANDLE_VALUE);
     storage::Statement left(storage::TheStore()->connection,
                             "SELECT (SELECT count(*) FROM records) + (SELECT count(*) FROM sortkeys)");
     ASSERT_TRUE(left.Row());
     EXPECT_EQ(left.Number(0), 0);
-    const CEOID again = CeCreateDatabase(u"Short-lived", 1, 0, nullptr);
-    EXPECT_GT(again, record) << "identifiers are never used again";
+    EXPECT_GT(CeCreateDatabase(u"Short-lived", 1, 0, nullptr), record) << "identifiers are never used again";
 }
 
 TEST(Databases, TellSizeCountAndTimeOfTheLatestChange) {

@@ -1,41 +1,27 @@
 // Devices that are damaged, foreign, full, or cannot be written.
+#include "tests/platform/otherprocess.h"
 #include "tests/storage/storesupport.h"
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sched.h>
 #include <sqlite3.h>
 #include <sys/mount.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
 
-void WriteFile(const std::string& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary) << bytes;
-}
-
-std::string FileBytes(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void RunSql(const std::string& path, const char* sql) {
+void RunSql(const std::string& path, const std::string& sql) {
     sqlite3* database = nullptr;
     ASSERT_EQ(sqlite3_open(path.c_str(), &database), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(database, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sqlite3_errmsg(database);
+    EXPECT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+        << sqlite3_errmsg(database);
     sqlite3_close(database);
 }
 
 void ExpectUnusable(DWORD error) {
-    EXPECT_EQ(CeFindFirstDatabase(0), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), error);
-    EXPECT_EQ(CeCreateDatabase(u"New", 1, 0, nullptr), 0U);
-    EXPECT_EQ(GetLastError(), error);
-    CEOID oid = 0;
-    EXPECT_EQ(CeOpenDatabase(&oid, u"New", 0, 0, nullptr), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), error);
+    EXPECT_EQ(FailureOf(CeFindFirstDatabase(0)), error);
+    EXPECT_EQ(FailureOf(CeCreateDatabase(u"New", 1, 0, nullptr)), error);
+    EXPECT_EQ(FailureOf(FindDatabase(u"New")), error);
 }
 
 TEST(Faults, AFileThatIsNoStoreIsLeftAlone) {
@@ -43,18 +29,18 @@ TEST(Faults, AFileThatIsNoStoreIsLeftAlone) {
     const std::string path = device.folder + "/objectstore.db";
     for (const std::string& garbage : {std::string("not a store"), std::string(100000, 'g'),
                                        std::string("SQLite format 3\0", 16) + std::string(5000, '\xA5')}) {
-        WriteFile(path, garbage);
+        WriteHostFile(path, garbage);
         ExpectUnusable(ERROR_FILE_CORRUPT);
         device.Restart();
-        EXPECT_EQ(FileBytes(path), garbage);
+        EXPECT_EQ(HostFile(path), garbage);
     }
     std::filesystem::remove(path);
     RunSql(path, "CREATE TABLE somebody_elses (a); INSERT INTO somebody_elses VALUES (1)");
-    const std::string foreign = FileBytes(path);
+    const std::string foreign = HostFile(path);
     ExpectUnusable(ERROR_FILE_CORRUPT);
     device.Restart();
-    EXPECT_EQ(FileBytes(path), foreign);
-    WriteFile(path, "");
+    EXPECT_EQ(HostFile(path), foreign);
+    WriteHostFile(path, "");
     EXPECT_NE(CeCreateDatabase(u"On an empty file", 1, 0, nullptr), 0U);
 }
 
@@ -72,50 +58,41 @@ TEST(Faults, AStoreOfANewerVersionIsLeftAlone) {
 
 TEST(Faults, DamagedRowsFailAndHarmNothingElse) {
     TestDevice device;
+    const std::string path = device.folder + "/objectstore.db";
     const CEOID database = CeCreateDatabase(u"Damaged", 1, 0, nullptr);
     HANDLE handle = OpenById(database);
+    const char* const damages[] = {
+        "properties = 4", "properties = 65535", "data = substr(data, 1, 20)",
+        "data = substr(data, 1, length(data) - 6)",
+        // The text's offset.
+        "data = CAST(substr(data, 1, 24) || x'0100FFFF' || substr(data, 29) AS BLOB)",
+        "data = CAST(substr(data, 1, 24) || x'08000000' || substr(data, 29) AS BLOB)",
+        // The blob's length.
+        "data = CAST(substr(data, 1, 40) || x'FFFFFFFF' || substr(data, 45) AS BLOB)", "data = 'words'",
+        "data = data", // this one stays whole
+    };
     std::vector<CEOID> records;
-    for (int number = 0; number < 9; ++number) {
-        records.push_back(Values().Number(1, number).Text(2, u"text").Blob(3, "blob").Write(handle));
+    for (const char* damage : damages) {
+        records.push_back(Values().Number(1, 1).Text(2, u"text").Blob(3, "blob").Write(handle));
+        RunSql(path, std::string("UPDATE records SET ") + damage +
+                         " WHERE id & 0xFFFFFFFF = " + std::to_string(records.back()));
     }
     CloseHandle(handle);
     device.Restart();
-    const auto damage = [&](int number, const char* what) {
-        const std::string sql = std::string("UPDATE records SET ") + what + " WHERE id & 0xFFFFFFFF = " +
-                                std::to_string(records[static_cast<std::size_t>(number)]);
-        RunSql(device.folder + "/objectstore.db", sql.c_str());
-    };
-    damage(0, "properties = 4");
-    damage(1, "properties = 65535");
-    damage(2, "data = substr(data, 1, 20)");
-    damage(3, "data = substr(data, 1, length(data) - 6)");
-    damage(
-        4,
-        "data = CAST(substr(data, 1, 24) || x'0100FFFF' || substr(data, 29) AS BLOB)"); // the text's offset
-    damage(5, "data = CAST(substr(data, 1, 24) || x'08000000' || substr(data, 29) AS BLOB)");
-    damage(
-        6,
-        "data = CAST(substr(data, 1, 40) || x'FFFFFFFF' || substr(data, 45) AS BLOB)"); // the blob's length
-    damage(7, "data = 'words'");
     handle = OpenById(database);
-    int read = 0;
-    for (CEOID at = CeSeekDatabase(handle, CEDB_SEEK_BEGINNING, 0, nullptr); at != 0;
-         at = CeSeekDatabase(handle, CEDB_SEEK_CURRENT, 1, nullptr)) {
-        ReadBack record(handle);
-        EXPECT_EQ(record.record, at == records[8] ? at : 0) << at;
-        ++read;
-        if (at != records[8]) {
-            EXPECT_EQ(GetLastError(), ERROR_FILE_CORRUPT);
-            EXPECT_EQ(Values().Number(1, 1).Write(handle, at), 0U);
-        }
+    for (std::size_t at = 0; at < records.size(); ++at) {
+        SCOPED_TRACE(damages[at]);
+        const bool whole = at == records.size() - 1;
+        EXPECT_EQ(Seek(handle, CEDB_SEEK_CURRENT, at == 0 ? 0 : 1), Place(records[at], at));
+        EXPECT_EQ(FailureOf(ReadBack(handle).record), whole ? ERROR_SUCCESS : ERROR_FILE_CORRUPT);
+        EXPECT_EQ(Values().Number(1, 1).Write(handle, records[at]), whole ? records[at] : 0);
     }
-    EXPECT_EQ(read, 9);
     for (const CEOID record : records) {
         EXPECT_TRUE(CeDeleteRecord(handle, record));
     }
     CloseHandle(handle);
     device.Restart();
-    RunSql(device.folder + "/objectstore.db",
+    RunSql(path,
            "UPDATE databases SET name = printf('%.*c', 500, 'n'), sortorders = zeroblob(1000), records = -7, "
            "bytes = -7, version = 9223372036854775807, deletions = 9223372036854775807");
     EXPECT_EQ(InfoOf(database).szDbaseName[31], 0);
@@ -123,9 +100,8 @@ TEST(Faults, DamagedRowsFailAndHarmNothingElse) {
     handle = OpenById(database);
     EXPECT_TRUE(CeDeleteRecord(handle, Values().Number(1, 1).Write(handle))) << "counted on from the utmost";
     EXPECT_EQ(InfoOf(database).dwSize, 0U);
-    RunSql(device.folder + "/objectstore.db", "DROP TABLE records");
-    EXPECT_EQ(Values().Number(1, 1).Write(handle), 0U);
-    EXPECT_EQ(GetLastError(), ERROR_FILE_CORRUPT);
+    RunSql(path, "DROP TABLE records");
+    EXPECT_EQ(FailureOf(Values().Number(1, 1).Write(handle)), ERROR_FILE_CORRUPT);
     CloseHandle(handle);
 }
 
@@ -147,8 +123,7 @@ TEST(Faults, AFullDiskFailsTheWriteAndKeepsTheRest) {
     EXPECT_GT(Values().Number(1, 2).Write(handle), kept);
     // A disk without room even for opening the store in order leaves it readable, until there is room.
     storage::TheStore()->readOnlyError = ERROR_DISK_FULL;
-    EXPECT_EQ(Values().Number(1, 3).Write(handle), 0U);
-    EXPECT_EQ(GetLastError(), ERROR_DISK_FULL);
+    EXPECT_EQ(FailureOf(Values().Number(1, 3).Write(handle)), ERROR_DISK_FULL);
     CloseHandle(handle);
     EXPECT_NE(CeCreateDatabase(u"Room", 1, 0, nullptr), 0U);
 }
@@ -159,7 +134,7 @@ bool DeletesOnAFullDisk(const std::string& folder) {
     const CEOID kept = CeCreateDatabase(u"Kept", 1, 0, nullptr);
     const CEOID full = CeCreateDatabase(u"Full", 1, 0, nullptr);
     const HANDLE handle = OpenById(full);
-    WriteFile(ballast, std::string(200'000, 'b'));
+    WriteHostFile(ballast, std::string(200'000, 'b'));
     while (Values().Blob(2, std::string(1000, 'f')).Write(handle) != 0) {
     }
     CloseHandle(handle);
@@ -174,42 +149,29 @@ bool DeletesOnAFullDisk(const std::string& folder) {
 }
 
 TEST(Faults, ADatabaseIsDeletedOnAFullDisk) {
-    constexpr int kNoDisk = 2;
     TestDevice device;
-    const pid_t child = fork();
-    if (child == 0) {
-        // A small disk that this process alone sees.
-        const bool mounted = (unshare(CLONE_NEWNS) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0) &&
-                             mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                             mount("none", device.folder.c_str(), "tmpfs", 0, "size=1m") == 0;
-        _exit(!mounted ? kNoDisk : DeletesOnAFullDisk(device.folder) ? 0 : 1);
-    }
-    int status = -1;
-    waitpid(child, &status, 0);
-    ASSERT_TRUE(WIFEXITED(status));
-    if (WEXITSTATUS(status) == kNoDisk) {
+    OtherProcess other({[&] { // a small disk that this process alone sees
+                            return (unshare(CLONE_NEWNS) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0) &&
+                                   mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                                   mount("none", device.folder.c_str(), "tmpfs", 0, "size=1m") == 0;
+                        },
+                        [&] { return DeletesOnAFullDisk(device.folder); }});
+    if (!other.Run(0)) {
         GTEST_SKIP() << "no disk can be mounted here";
     }
-    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_TRUE(other.Run(1));
 }
 
 // Runs a check as a user that no permission is waived for.
 bool AsOrdinaryUser(bool (*check)()) {
     constexpr uid_t kNobody = 65534;
-    const pid_t child = fork();
-    if (child == 0) {
-        const bool ordinary = geteuid() != 0 || setuid(kNobody) == 0;
-        _exit(ordinary && check() ? 0 : 1);
-    }
-    int status = -1;
-    waitpid(child, &status, 0);
-    return status == 0;
+    OtherProcess other({[=] { return (geteuid() != 0 || setuid(kNobody) == 0) && check(); }});
+    return other.Run(0);
 }
 
 TEST(Faults, ADeviceThatCannotBeWrittenCanBeRead) {
     TestDevice device;
-    CloseHandle(OpenById(CeCreateDatabase(u"Readable", 1, 0, nullptr)));
-    HANDLE handle = OpenById(1);
+    const HANDLE handle = OpenById(CeCreateDatabase(u"Readable", 1, 0, nullptr));
     Values().Text(1, u"as it was").Write(handle);
     CloseHandle(handle);
     device.Restart();
@@ -225,32 +187,31 @@ TEST(Faults, ADeviceThatCannotBeWrittenCanBeRead) {
         return passed;
     };
     const std::string log = device.folder + "/objectstore.db-wal";
-    WriteFile(log, ""); // says nothing: the store is in order
+    WriteHostFile(log, ""); // says nothing: the store is in order
     EXPECT_TRUE(passesReadOnly([] {
-        CEOID oid = 0;
-        const HANDLE readable = CeOpenDatabase(&oid, u"Readable", 0, 0, nullptr);
+        const CEOID oid = FindDatabase(u"Readable");
+        const HANDLE readable = OpenById(oid);
         const ReadBack read(readable);
         return read.count == 1 && std::u16string(read[0].val.lpwstr) == u"as it was" &&
-               Values().Number(1, 1).Write(readable) == 0 && GetLastError() == ERROR_WRITE_PROTECT &&
+               FailureOf(Values().Number(1, 1).Write(readable)) == ERROR_WRITE_PROTECT &&
                CeCreateDatabase(u"More", 1, 0, nullptr) == 0 && CloseHandle(readable) &&
-               !CeDeleteDatabase(oid) && GetLastError() == ERROR_WRITE_PROTECT;
+               FailureOf(CeDeleteDatabase(oid)) == ERROR_WRITE_PROTECT;
     }));
     const auto isWriteProtected = [] {
         return CeFindFirstDatabase(0) == INVALID_HANDLE_VALUE && GetLastError() == ERROR_WRITE_PROTECT;
     };
     std::filesystem::remove(log);
-    WriteFile(log, "left by a process that died");
+    WriteHostFile(log, "left by a process that died");
     EXPECT_TRUE(passesReadOnly(isWriteProtected)) << "not damaged: it can be opened where it can be written";
     std::filesystem::remove(log);
-    WriteFile(device.folder + "/objectstore.db", "");
+    WriteHostFile(device.folder + "/objectstore.db", "");
     EXPECT_TRUE(passesReadOnly(isWriteProtected));
 }
 
 TEST(Faults, ADeviceThatCannotBeMadeIsTold) {
     TestDevice device;
-    WriteFile(device.folder + "/file", "in the way");
-    EXPECT_FALSE(UseDevice(device.folder + "/file/device"));
-    EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
+    WriteHostFile(device.folder + "/file", "in the way");
+    EXPECT_EQ(FailureOf(UseDevice(device.folder + "/file/device")), ERROR_PATH_NOT_FOUND);
     ExpectUnusable(ERROR_ACCESS_DENIED);
     EXPECT_TRUE(UseDevice(device.folder + "/made/on/the/way//"));
     EXPECT_EQ(DeviceFolder(), device.folder + "/made/on/the/way");

@@ -1,75 +1,12 @@
-// Two processes on one device. The other one is a child that is started before this one opens the store.
+// Two processes on one device.
+#include "tests/platform/otherprocess.h"
 #include "tests/storage/storesupport.h"
 
 #include "platform/storage/watch.h"
 
-#include <csignal>
-#include <functional>
 #include <set>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
-
-// A child that runs errands, one for each byte that it is sent, and answers each with a byte.
-class OtherProcess {
-public:
-    using Errand = std::function<bool()>;
-
-    explicit OtherProcess(const std::vector<Errand>& errands) {
-        int toChild[2];
-        int fromChild[2];
-        EXPECT_EQ(pipe(toChild) + pipe(fromChild), 0);
-        child = fork();
-        if (child == 0) {
-            close(toChild[1]);
-            for (char errand; read(toChild[0], &errand, 1) == 1;) {
-                const char answer = errands[static_cast<std::size_t>(errand)]() ? 1 : 0;
-                if (write(fromChild[1], &answer, 1) != 1) {
-                    break;
-                }
-            }
-            _exit(0); // without closing anything: the kernel is to clean up
-        }
-        close(toChild[0]);
-        close(fromChild[1]);
-        orders = toChild[1];
-        answers = fromChild[0];
-    }
-    ~OtherProcess() {
-        End();
-        close(answers);
-    }
-    void Start(char errand) { EXPECT_EQ(write(orders, &errand, 1), 1); }
-    bool Await() {
-        char answer = 0;
-        return read(answers, &answer, 1) == 1 && answer == 1;
-    }
-    bool Run(char errand) {
-        Start(errand);
-        return Await();
-    }
-    void Kill() { kill(child, SIGKILL); }
-    // Waits for the child's end.
-    void End() {
-        if (child > 0) {
-            close(orders);
-            waitpid(child, nullptr, 0);
-            child = 0;
-        }
-    }
-
-private:
-    pid_t child = 0;
-    int orders = -1;
-    int answers = -1;
-};
-
-CEOID FindDatabase(const WCHAR* name) {
-    CEOID oid = 0;
-    CloseHandle(CeOpenDatabase(&oid, name, 0, 0, nullptr));
-    return oid;
-}
 
 struct Notified {
     HWND window;
@@ -91,8 +28,7 @@ TEST(Processes, AnOpenDatabaseIsInUseEverywhereUntilItsProcessDies) {
     ASSERT_TRUE(other.Run(0));
     const CEOID database = FindDatabase(u"Shared");
     ASSERT_NE(database, 0U) << "open in two processes at once";
-    EXPECT_FALSE(CeDeleteDatabase(database));
-    EXPECT_EQ(GetLastError(), ERROR_SHARING_VIOLATION);
+    EXPECT_EQ(FailureOf(CeDeleteDatabase(database)), ERROR_SHARING_VIOLATION);
     ASSERT_TRUE(other.Run(1));
     EXPECT_TRUE(CeDeleteDatabase(database));
     EXPECT_FALSE(other.Run(2)) << "the other process sees the deletion";
@@ -100,7 +36,6 @@ TEST(Processes, AnOpenDatabaseIsInUseEverywhereUntilItsProcessDies) {
     ASSERT_TRUE(other.Run(2));
     EXPECT_FALSE(CeDeleteDatabase(FindDatabase(u"Shared")));
     other.Kill();
-    other.End();
     EXPECT_TRUE(CeDeleteDatabase(FindDatabase(u"Shared")));
 }
 
@@ -127,10 +62,9 @@ TEST(Processes, WritersWaitForEachOtherAndShareOneIdentifierSpace) {
     const HANDLE handle = OpenById(database);
     std::set<CEOID> records;
     std::vector<int> numbers(kRecords);
-    DWORD index = 0;
-    for (CEOID at = CeSeekDatabase(handle, CEDB_SEEK_BEGINNING, 0, &index); at != 0;
-         at = CeSeekDatabase(handle, CEDB_SEEK_CURRENT, 1, &index)) {
-        records.insert(at);
+    for (Place at = Seek(handle, CEDB_SEEK_BEGINNING); at != kNowhere;
+         at = Seek(handle, CEDB_SEEK_CURRENT, 1)) {
+        records.insert(at.first);
         ++numbers[static_cast<std::size_t>(ReadBack(handle)[0].val.lVal)];
     }
     CloseHandle(handle);
@@ -156,21 +90,18 @@ TEST(Processes, AHandleSeesWhatTheOtherProcessChanged) {
     const HANDLE handle = OpenById(database, spec.propid);
     const CEOID ten = Values().Number(1, 10).Write(handle);
     const CEOID twenty = Values().Number(1, 20).Write(handle);
-    DWORD index = 0;
-    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_END, 0, &index), twenty);
+    EXPECT_EQ(Seek(handle, CEDB_SEEK_END), Place(twenty, 1));
     ASSERT_TRUE(other.Run(0)); // 5 10 [20]
-    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_CURRENT, 0, &index), twenty);
-    EXPECT_EQ(index, 2U);
-    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_CURRENT, static_cast<DWORD>(-1), &index), ten);
+    EXPECT_EQ(Seek(handle, CEDB_SEEK_CURRENT), Place(twenty, 2));
+    EXPECT_EQ(Seek(handle, CEDB_SEEK_CURRENT, -1), Place(ten, 1));
     ASSERT_TRUE(other.Run(1)); // 5 20 [25]: the record that the handle stands on moved
-    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_CURRENT, static_cast<DWORD>(-1), &index), twenty);
-    EXPECT_EQ(index, 1U);
-    CeSeekDatabase(handle, CEDB_SEEK_END, 0, nullptr);
+    EXPECT_EQ(Seek(handle, CEDB_SEEK_CURRENT, -1), Place(twenty, 1));
+    Seek(handle, CEDB_SEEK_END);
     EXPECT_EQ(ReadBack(handle)[0].val.lVal, 25);
     ASSERT_TRUE(other.Run(2)); // 5 20 []
-    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_CURRENT, 0, &index), 0U);
+    EXPECT_EQ(Seek(handle, CEDB_SEEK_CURRENT), kNowhere);
     EXPECT_EQ(ReadBack(handle).record, 0U);
-    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_CURRENT, static_cast<DWORD>(-1), &index), twenty);
+    EXPECT_EQ(Seek(handle, CEDB_SEEK_CURRENT, -1), Place(twenty, 1));
     EXPECT_EQ(InfoOf(database).wNumRecords, 2);
     CloseHandle(handle);
 }
@@ -247,21 +178,18 @@ TEST(Processes, AKilledWriterLeavesWholeRecordsAndNoLock) {
         }
         usleep(static_cast<unsigned>(round) * 1'301U); // anywhere within some write
         other.Kill();
-        other.End();
         const CEDBASEINFO info = InfoOf(database);
         EXPECT_GT(info.wNumRecords, 0);
         const HANDLE handle = OpenById(database, Prop(1, CEVT_I4));
         DWORD found = 0;
-        while (CeSeekDatabase(handle, CEDB_SEEK_BEGINNING, found, nullptr) != 0 && found < 20) {
+        while (found < 20 && Seek(handle, CEDB_SEEK_BEGINNING, found) != kNowhere) {
             ReadBack read(handle);
             ASSERT_EQ(read.count, 2);
             EXPECT_EQ(read[0].val.lVal, static_cast<LONG>(found));
             EXPECT_EQ(std::u16string(read[1].val.lpwstr).size(), 3000U);
             ++found;
         }
-        DWORD last = 0;
-        EXPECT_NE(CeSeekDatabase(handle, CEDB_SEEK_END, 0, &last), 0U);
-        EXPECT_EQ(last + 1, info.wNumRecords);
+        EXPECT_EQ(Seek(handle, CEDB_SEEK_END).second + 1, info.wNumRecords);
         EXPECT_EQ(info.dwSize, info.wNumRecords * (32U + 6002U));
         EXPECT_NE(Values().Number(1, 1).Write(handle), 0U);
         CloseHandle(handle);

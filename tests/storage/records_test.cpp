@@ -128,18 +128,20 @@ TEST_F(Records, ReadingGrowsABlockOnlyAsAllowed) {
     Values().Text(1, std::u16string(100, u'a')).Write(handle);
     BYTE* block = nullptr;
     DWORD size = 0;
-    WORD count = 0;
-    ASSERT_NE(CeReadRecordProps(handle, CEDB_ALLOWREALLOC, &count, nullptr, &block, &size), 0U);
+    const auto read = [&](DWORD flags) {
+        WORD count = 0;
+        return CeReadRecordProps(handle, flags, &count, nullptr, &block, &size);
+    };
+    ASSERT_NE(read(CEDB_ALLOWREALLOC), 0U);
     EXPECT_EQ(size, 16U);
-    CeSeekDatabase(handle, CEDB_SEEK_CURRENT, 1, nullptr);
-    EXPECT_EQ(CeReadRecordProps(handle, 0, &count, nullptr, &block, &size), 0U);
-    EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
+    Seek(handle, CEDB_SEEK_CURRENT, 1);
+    EXPECT_EQ(FailureOf(read(0)), ERROR_INSUFFICIENT_BUFFER);
     EXPECT_EQ(size, 218U);
-    ASSERT_NE(CeReadRecordProps(handle, CEDB_ALLOWREALLOC, &count, nullptr, &block, &size), 0U);
+    ASSERT_NE(read(CEDB_ALLOWREALLOC), 0U);
     EXPECT_GE(LocalSize(block), 218U);
     // The larger block serves a smaller record, whose own size is told.
-    CeSeekDatabase(handle, CEDB_SEEK_BEGINNING, 0, nullptr);
-    ASSERT_NE(CeReadRecordProps(handle, CEDB_ALLOWREALLOC, &count, nullptr, &block, &size), 0U);
+    Seek(handle, CEDB_SEEK_BEGINNING);
+    ASSERT_NE(read(CEDB_ALLOWREALLOC), 0U);
     EXPECT_EQ(size, 16U);
     LocalFree(block);
 }
@@ -151,16 +153,11 @@ TEST_F(Records, PointersThatLeadAstrayAreRefusedAndNothingChanges) {
     std::fill_n(unended, 4, u'x');
     void* freed = LocalAlloc(LMEM_ZEROINIT, 8);
     LocalFree(freed);
-    std::vector<CEVALUNION> texts;
     for (const DWORD address : {DWORD{1}, ArenaAddress(unended), ArenaAddress(freed),
                                 ArenaAddress(unended) + 8, DWORD{0x30000000}, DWORD{0xFFFFFFFE}}) {
-        texts.emplace_back().lpwstr = DevicePointer<WCHAR>::FromAddress(address);
-    }
-    for (const CEVALUNION& text : texts) {
         Values values;
-        values.Number(1, 2).Add(Prop(2, CEVT_LPWSTR)).val = text;
-        EXPECT_EQ(values.Write(handle, record), 0U);
-        EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+        values.Number(1, 2).Add(Prop(2, CEVT_LPWSTR)).val.lpwstr = DevicePointer<WCHAR>::FromAddress(address);
+        EXPECT_EQ(FailureOf(values.Write(handle, record)), ERROR_INVALID_PARAMETER);
         EXPECT_EQ(values.Write(handle), 0U);
     }
     for (const auto& [count, address] : std::vector<std::pair<DWORD, DWORD>>{
@@ -169,8 +166,7 @@ TEST_F(Records, PointersThatLeadAstrayAreRefusedAndNothingChanges) {
         CEBLOB& blob = values.Add(Prop(2, CEVT_BLOB)).val.blob;
         blob.dwCount = count;
         blob.lpb = DevicePointer<BYTE>::FromAddress(address);
-        EXPECT_EQ(values.Write(handle), 0U);
-        EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+        EXPECT_EQ(FailureOf(values.Write(handle)), ERROR_INVALID_PARAMETER);
     }
     LocalFree(unended);
     EXPECT_EQ(std::memcmp(&before, std::vector<CEDBASEINFO>{InfoOf(database)}.data(), sizeof(before)), 0);
@@ -178,18 +174,14 @@ TEST_F(Records, PointersThatLeadAstrayAreRefusedAndNothingChanges) {
 }
 
 TEST_F(Records, WrongHandlesAndRecordsAreRefused) {
-    const CEOID other = CeCreateDatabase(u"Other", 1, 0, nullptr);
-    const HANDLE otherHandle = OpenById(other);
+    const HANDLE otherHandle = OpenById(CeCreateDatabase(u"Other", 1, 0, nullptr));
     const CEOID foreign = Values().Number(1, 1).Write(otherHandle);
-    EXPECT_EQ(Values().Number(1, 1).Write(handle, foreign), 0U);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
-    EXPECT_FALSE(CeDeleteRecord(handle, foreign));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(FailureOf(Values().Number(1, 1).Write(handle, foreign)), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(FailureOf(CeDeleteRecord(handle, foreign)), ERROR_INVALID_PARAMETER);
     EXPECT_TRUE(CloseHandle(otherHandle));
-    EXPECT_FALSE(CloseHandle(otherHandle));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
-    EXPECT_EQ(CeSeekDatabase(otherHandle, CEDB_SEEK_BEGINNING, 0, nullptr), 0U);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(FailureOf(CloseHandle(otherHandle)), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(FailureOf(CeSeekDatabase(otherHandle, CEDB_SEEK_BEGINNING, 0, nullptr)),
+              ERROR_INVALID_PARAMETER);
 }
 
 TEST_F(Records, ADatabaseTakes65535Records) {
@@ -200,8 +192,7 @@ TEST_F(Records, ADatabaseTakes65535Records) {
     device.Restart();
     handle = OpenById(database);
     EXPECT_NE(Values().Number(1, 2).Write(handle), 0U);
-    EXPECT_EQ(Values().Number(1, 3).Write(handle), 0U);
-    EXPECT_EQ(GetLastError(), ERROR_DISK_FULL);
+    EXPECT_EQ(FailureOf(Values().Number(1, 3).Write(handle)), ERROR_DISK_FULL);
     EXPECT_EQ(InfoOf(database).wNumRecords, 65535);
 }
 

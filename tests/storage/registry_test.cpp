@@ -99,28 +99,28 @@ TEST(Registry, ValuesComeBackWithTheirBytesWhateverTheTypeSays) {
     EXPECT_EQ(type, REG_DWORD);
     EXPECT_EQ(size, 58U);
     std::vector<BYTE> data(16384, 0xEE);
-    size = 57;
-    EXPECT_EQ(RegQueryValueExW(key, u"ScriptName", nullptr, &type, data.data(), &size),
-              LONG{ERROR_MORE_DATA});
+    const auto query = [&](const WCHAR* name, DWORD room) {
+        size = room;
+        return RegQueryValueExW(key, name, nullptr, &type, data.data(), &size);
+    };
+    EXPECT_EQ(query(u"ScriptName", 57), LONG{ERROR_MORE_DATA});
     EXPECT_EQ(size, 58U);
     EXPECT_EQ(data[0], 0xEE);
-    EXPECT_EQ(RegQueryValueExW(key, u"ScriptName", nullptr, &type, data.data(), &size), 0);
+    EXPECT_EQ(query(u"ScriptName", 58), 0);
     EXPECT_EQ(std::vector<BYTE>(data.begin(), data.begin() + 58), text);
-    size = 10;
-    EXPECT_EQ(RegQueryValueExW(key, u"", nullptr, &type, data.data(), &size), 0);
+    EXPECT_EQ(query(u"", 10), 0);
     EXPECT_EQ(size, 0U);
-    EXPECT_EQ(RegQueryValueExW(key, u"missing", nullptr, &type, data.data(), &size),
-              LONG{ERROR_FILE_NOT_FOUND});
+    EXPECT_EQ(query(u"missing", 10), LONG{ERROR_FILE_NOT_FOUND});
 
-    WCHAR name[MAX_PATH];
-    DWORD length = MAX_PATH;
-    size = 16384;
-    EXPECT_EQ(RegEnumValueW(key, 1, name, &length, nullptr, &type, data.data(), &size),
-              LONG{ERROR_MORE_DATA});
+    const auto enumerate = [&](DWORD index) {
+        WCHAR name[MAX_PATH];
+        DWORD length = MAX_PATH;
+        size = 16384;
+        return RegEnumValueW(key, index, name, &length, nullptr, &type, data.data(), &size);
+    };
+    EXPECT_EQ(enumerate(1), LONG{ERROR_MORE_DATA});
     EXPECT_EQ(size, 20000U);
-    length = MAX_PATH;
-    size = 16384;
-    EXPECT_EQ(RegEnumValueW(key, 2, name, &length, nullptr, &type, data.data(), &size), 0);
+    EXPECT_EQ(enumerate(2), 0);
     EXPECT_EQ(type, 0x12345U);
     EXPECT_EQ(size, 1U);
     EXPECT_EQ(data[0], 9);

@@ -21,8 +21,8 @@ std::vector<int> OrderOf(const SORTORDERSPEC& spec,
     CloseHandle(handle);
     handle = OpenById(database, spec.propid);
     std::vector<int> order;
-    for (CEOID at = CeSeekDatabase(handle, CEDB_SEEK_BEGINNING, 0, nullptr); at != 0;
-         at = CeSeekDatabase(handle, CEDB_SEEK_CURRENT, 1, nullptr)) {
+    for (Place at = Seek(handle, CEDB_SEEK_BEGINNING); at != kNowhere;
+         at = Seek(handle, CEDB_SEEK_CURRENT, 1)) {
         order.push_back(ReadBack(handle)[0].val.lVal);
     }
     EXPECT_EQ(GetLastError(), ERROR_NO_MORE_ITEMS);
@@ -86,42 +86,32 @@ TEST(Seek, EndsStayPutAndGapsCloseEitherWay) {
     TestDevice device;
     const CEOID database = CeCreateDatabase(u"Steps", 1, 0, nullptr);
     const HANDLE handle = OpenById(database);
-    DWORD index = 77;
-    EXPECT_EQ(ReadBack(handle).record, 0U);
-    EXPECT_EQ(GetLastError(), ERROR_NO_MORE_ITEMS);
+    EXPECT_EQ(FailureOf(ReadBack(handle).record), ERROR_NO_MORE_ITEMS);
     for (const DWORD type : {CEDB_SEEK_BEGINNING, CEDB_SEEK_END, CEDB_SEEK_CURRENT}) {
-        EXPECT_EQ(CeSeekDatabase(handle, type, 0, &index), 0U);
+        EXPECT_EQ(Seek(handle, type), kNowhere);
         EXPECT_EQ(GetLastError(), ERROR_NO_MORE_ITEMS);
     }
-    EXPECT_EQ(index, 77U);
     std::vector<CEOID> made;
     for (LONG number = 0; number < 5; ++number) {
         made.push_back(Values().Number(1, number).Write(handle));
     }
     EXPECT_EQ(ReadBack(handle).record, made[0]) << "a handle begins on the first record";
-    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_CURRENT, static_cast<DWORD>(-1), &index), 0U);
-    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_END, 0, &index), made[4]);
-    EXPECT_EQ(index, 4U);
-    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_CURRENT, 1, &index), 0U);
-    EXPECT_EQ(GetLastError(), ERROR_NO_MORE_ITEMS);
+    EXPECT_EQ(Seek(handle, CEDB_SEEK_CURRENT, -1), kNowhere);
+    EXPECT_EQ(Seek(handle, CEDB_SEEK_END), Place(made[4], 4));
+    EXPECT_EQ(Seek(handle, CEDB_SEEK_CURRENT, 1), kNowhere);
     EXPECT_EQ(ReadBack(handle).record, made[4]) << "a failed step leaves the handle where it was";
-    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_BEGINNING, 2, &index), made[2]);
-    EXPECT_EQ(index, 2U);
-    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_BEGINNING, 5, &index), 0U);
-    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_END, 0x80000000, &index), 0U);
+    EXPECT_EQ(Seek(handle, CEDB_SEEK_BEGINNING, 2), Place(made[2], 2));
+    EXPECT_EQ(Seek(handle, CEDB_SEEK_BEGINNING, 5), kNowhere);
+    EXPECT_EQ(Seek(handle, CEDB_SEEK_END, INT32_MIN), kNowhere);
     EXPECT_EQ(ReadBack(handle).record, made[2]);
-    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_CEOID, made[3], &index), made[3]);
-    EXPECT_EQ(index, 3U);
+    EXPECT_EQ(Seek(handle, CEDB_SEEK_CEOID, made[3]), Place(made[3], 3));
     EXPECT_TRUE(CeDeleteRecord(handle, made[3]));
     EXPECT_EQ(ReadBack(handle).record, 0U);
-    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_CEOID, made[3], &index), 0U);
-    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_CURRENT, 1, &index), made[4]);
-    EXPECT_EQ(index, 3U);
+    EXPECT_EQ(Seek(handle, CEDB_SEEK_CEOID, made[3]), kNowhere);
+    EXPECT_EQ(Seek(handle, CEDB_SEEK_CURRENT, 1), Place(made[4], 3));
     EXPECT_TRUE(CeDeleteRecord(handle, made[4]));
-    EXPECT_EQ(CeSeekDatabase(handle, CEDB_SEEK_CURRENT, static_cast<DWORD>(-1), &index), made[2]);
-    EXPECT_EQ(index, 2U);
-    EXPECT_EQ(CeSeekDatabase(handle, 3, 0, &index), 0U);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(Seek(handle, CEDB_SEEK_CURRENT, -1), Place(made[2], 2));
+    EXPECT_EQ(FailureOf(CeSeekDatabase(handle, 3, 0, nullptr)), ERROR_INVALID_PARAMETER);
     CloseHandle(handle);
 }
 
@@ -160,7 +150,7 @@ void WalkAtRandom(bool sorted) {
             auto at = std::lower_bound(model.begin(), model.end(), current);
             const bool gone = at == model.end() || *at != current;
             DWORD type = CEDB_SEEK_CURRENT;
-            DWORD value = 1;
+            std::int64_t value = 1;
             if (action == 4 || current.second == 0) {
                 type = action == 4 ? CEDB_SEEK_CEOID : CEDB_SEEK_END;
                 value = action == 4 ? model[chosen].second : 0;
@@ -168,15 +158,14 @@ void WalkAtRandom(bool sorted) {
             } else if (action < 9) {
                 at += gone ? 0 : at == model.end() ? 0 : 1;
             } else {
-                value = static_cast<DWORD>(-1);
+                value = -1;
                 at = at == model.begin() ? model.end() : at - 1;
             }
-            DWORD index = 0;
-            const CEOID found = CeSeekDatabase(handle, type, value, &index);
-            ASSERT_EQ(found, at == model.end() ? 0 : at->second) << "round " << round;
-            if (found != 0) {
-                ASSERT_EQ(index, at - model.begin()) << "round " << round;
-                ASSERT_EQ(ReadBack(handle).record, found);
+            const Place expected =
+                at == model.end() ? kNowhere : Place(at->second, static_cast<DWORD>(at - model.begin()));
+            ASSERT_EQ(Seek(handle, type, value), expected) << "round " << round;
+            if (expected != kNowhere) {
+                ASSERT_EQ(ReadBack(handle).record, at->second);
                 current = *at;
             }
         }
@@ -185,12 +174,11 @@ void WalkAtRandom(bool sorted) {
     CloseHandle(writer);
 }
 
-TEST(Seek, KeepsPlaceAndIndexAmongChangesInMadeOrder) {
-    WalkAtRandom(false);
-}
-
-TEST(Seek, KeepsPlaceAndIndexAmongChangesInSortedOrder) {
-    WalkAtRandom(true);
+TEST(Seek, KeepsPlaceAndIndexAmongChanges) {
+    for (const bool sorted : {false, true}) {
+        SCOPED_TRACE(sorted);
+        WalkAtRandom(sorted);
+    }
 }
 
 } // namespace

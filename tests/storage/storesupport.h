@@ -1,14 +1,15 @@
 // Short forms for tests of the store: records written as lists of properties and read back as text.
 #pragma once
 
-#include "platform/errors.h"
 #include "platform/objectstore.h"
+#include "tests/platform/hostsupport.h"
 #include "tests/support/testdevice.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 constexpr CEPROPID Prop(WORD number, WORD type) {
@@ -89,6 +90,23 @@ struct ReadBack {
 
 inline HANDLE OpenById(CEOID database, CEPROPID sort = 0, HWND notify = nullptr) {
     return CeOpenDatabase(&database, nullptr, sort, 0, notify);
+}
+
+// 0, with the last error, when there is none of that name.
+inline CEOID FindDatabase(const WCHAR* name) {
+    CEOID oid = 0;
+    const HANDLE found = CeOpenDatabase(&oid, name, 0, 0, nullptr);
+    return found != INVALID_HANDLE_VALUE && CloseHandle(found) ? oid : 0;
+}
+
+// Where a seek leads: the record and its index, or nowhere.
+using Place = std::pair<CEOID, DWORD>;
+constexpr Place kNowhere = {0, 0xFFFFFFFF};
+
+inline Place Seek(HANDLE database, DWORD type, std::int64_t value = 0) {
+    Place found = kNowhere;
+    found.first = CeSeekDatabase(database, type, static_cast<DWORD>(value), &found.second);
+    return found;
 }
 
 inline CEDBASEINFO InfoOf(CEOID database) {
