@@ -1,54 +1,12 @@
 // Menus as data, tracked menus, and the menu bar.
 #include <QAction>
-#include <QTest>
-#include <chrono>
-#include <cstring>
-#include <functional>
-#include <gtest/gtest.h>
 
 #include "platform/resources.h"
 #include "platform/ui/menubarwidget.h"
-#include "platform/ui/testhooks.h"
-#include "platform/ui/windowobject.h"
 #include "resources/resource.h"
+#include "tests/ui/windowfixture.h"
 
 namespace {
-
-struct Seen {
-    std::vector<UINT> commands;
-    std::vector<HMENU> popups;
-    int barSizeChanges = 0;
-    bool greyCopy = false; // when a popup is about to show
-};
-Seen seen;
-
-LRESULT OwnerProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    switch (message) {
-    case WM_COMMAND:
-        seen.commands.push_back(LOWORD(wParam));
-        return 0;
-    case WM_INITMENUPOPUP:
-        seen.popups.push_back(reinterpret_cast<HMENU>(wParam));
-        if (seen.greyCopy)
-            EnableMenuItem(seen.popups.back(), IDM_COPY, MF_BYCOMMAND | MF_GRAYED);
-        return 0;
-    case WM_NOTIFY:
-        seen.barSizeChanges += reinterpret_cast<NMHDR*>(lParam)->code == MBN_SIZECHANGED;
-        return 0;
-    default:
-        return DefWindowProcW(window, message, wParam, lParam);
-    }
-}
-
-bool PumpUntil(const std::function<bool()>& reached) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    while (!reached() && std::chrono::steady_clock::now() < deadline) {
-        MSG message;
-        if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
-            DispatchMessageW(&message);
-    }
-    return reached();
-}
 
 QAction* ActionOf(const QMenu* popup, const QString& text) {
     for (QAction* const action : popup->actions()) {
@@ -58,34 +16,30 @@ QAction* ActionOf(const QMenu* popup, const QString& text) {
     return nullptr;
 }
 
-class Menus : public testing::Test {
+class Menus : public WindowTest {
 protected:
-    void SetUp() override {
-        seen = {};
-        WNDCLASSW windowClass{};
-        windowClass.lpfnWndProc = OwnerProcedure;
-        windowClass.lpszClassName = u"MenuOwner";
-        RegisterClassW(&windowClass); // once is enough
-        window = CreateWindowExW(0, u"MenuOwner", u"Menus", WS_VISIBLE, 0, 0, 0, 0, nullptr, nullptr, nullptr,
-                                 nullptr);
-    }
-    void TearDown() override {
-        TestHooks() = {};
-        DestroyWindow(window);
+    std::optional<LRESULT> Handle(HWND, UINT message, WPARAM wParam, LPARAM lParam) override {
+        if (message == WM_INITMENUPOPUP) {
+            popups.push_back(reinterpret_cast<HMENU>(wParam));
+            if (greyCopy)
+                EnableMenuItem(popups.back(), IDM_COPY, MF_BYCOMMAND | MF_GRAYED);
+        }
+        if (message == WM_NOTIFY)
+            barSizeChanges += reinterpret_cast<NMHDR*>(lParam)->code == MBN_SIZECHANGED;
+        return std::nullopt;
     }
     MenuBarWidget* MakeBar(UINT definition, int bitmap, int images) {
-        SHMENUBARINFO info{sizeof info, window, 0, definition, nullptr, bitmap, images, nullptr};
+        SHMENUBARINFO info{sizeof info, main, 0, definition, nullptr, bitmap, images, nullptr};
         if (!SHCreateMenuBar(&info))
             return nullptr;
         bar = info.hwndMB;
         return qobject_cast<MenuBarWidget*>(bar->widget);
     }
-    void ResizeScreen(int width, int height) {
-        ScreenArea()->window()->resize(width, height);
-        PumpUntil([] { return true; });
-    }
-    HWND window = nullptr;
+
     HWND bar = nullptr;
+    std::vector<HMENU> popups;
+    int barSizeChanges = 0;
+    bool greyCopy = false; // when a popup is about to show
 };
 
 } // namespace
@@ -145,7 +99,7 @@ TEST(MenuData, BrokenResourcesMakeNoMenu) {
 }
 
 TEST_F(Menus, ATrackedMenuRunsUntilAChoiceIsPosted) {
-    seen.greyCopy = true;
+    greyCopy = true;
     const HMENU menu = LoadMenuW(nullptr, MAKEINTRESOURCEW(IDR_LIST_MENU));
     const HMENU popup = GetSubMenu(menu, 0);
     bool copyEnabled = true;
@@ -154,25 +108,26 @@ TEST_F(Menus, ATrackedMenuRunsUntilAChoiceIsPosted) {
         QTest::mouseClick(shown, Qt::LeftButton, {},
                           shown->actionGeometry(ActionOf(shown, QStringLiteral("&Delete"))).center());
     };
-    EXPECT_TRUE(TrackPopupMenuEx(popup, TPM_RIGHTALIGN, 100, 100, window, nullptr));
+    EXPECT_TRUE(TrackPopupMenuEx(popup, TPM_RIGHTALIGN, 100, 100, main, nullptr));
     EXPECT_FALSE(copyEnabled); // as WM_INITMENUPOPUP left it
-    EXPECT_EQ(seen.popups, std::vector{popup});
-    EXPECT_TRUE(seen.commands.empty()); // posted, not sent
-    EXPECT_TRUE(PumpUntil([] { return seen.commands == std::vector<UINT>{IDM_DELETE}; }));
+    EXPECT_EQ(popups, std::vector{popup});
+    EXPECT_TRUE(commands.empty()); // posted, not sent
+    stylus.Settle();
+    EXPECT_EQ(commands, (std::vector<Command>{{IDM_DELETE, 0}}));
 
     TestHooks().menu = [](QMenu* shown) { QTest::keyClick(shown, Qt::Key_Escape); };
-    EXPECT_TRUE(TrackPopupMenuEx(popup, 0, 100, 100, window, nullptr));
+    EXPECT_TRUE(TrackPopupMenuEx(popup, 0, 100, 100, main, nullptr));
     DestroyMenu(menu);
-    EXPECT_FALSE(TrackPopupMenuEx(popup, 0, 100, 100, window, nullptr));
-    PumpUntil([] { return true; });
-    EXPECT_EQ(seen.commands.size(), 1u);
+    EXPECT_FALSE(TrackPopupMenuEx(popup, 0, 100, 100, main, nullptr));
+    stylus.Settle();
+    EXPECT_EQ(commands.size(), 1u);
 }
 
 TEST_F(Menus, APopupShowsEveryMark) {
     const HMENU menu = LoadMenuW(nullptr, MAKEINTRESOURCEW(IDR_MAIN_MENU));
     CheckMenuRadioItem(menu, IDM_VIEW_SMALL_ICONS, IDM_VIEW_LARGE_ICONS, IDM_VIEW_LIST, MF_BYCOMMAND);
     CheckMenuRadioItem(menu, IDM_ARRANGE_BY_NAME, IDM_ARRANGE_BY_DATE, IDM_ARRANGE_BY_SIZE, MF_BYCOMMAND);
-    const std::unique_ptr<QMenu> popup(MakePopup(GetSubMenu(menu, 1), window, 1));
+    const std::unique_ptr<QMenu> popup(MakePopup(GetSubMenu(menu, 1), main, 1));
     QStringList marked;
     for (const QAction* const action : popup->actions()) {
         if (action->isChecked())
@@ -196,19 +151,20 @@ TEST_F(Menus, TheBarRunsItsButtonsAndPopups) {
     QTest::mouseClick(deletion, Qt::LeftButton);
     SendMessageW(bar, TB_ENABLEBUTTON, IDM_PROPERTIES, TRUE);
     QTest::mouseClick(widget->Buttons()[4], Qt::LeftButton);
-    EXPECT_TRUE(PumpUntil([] { return seen.commands == std::vector<UINT>{IDM_PROPERTIES}; }));
+    stylus.Settle();
+    EXPECT_EQ(commands, (std::vector<Command>{{IDM_PROPERTIES, 0}}));
 
     TestHooks().menu = [](QMenu* shown) {
         ActionOf(shown, QStringLiteral("&List"))->trigger();
         shown->close();
     };
     QTest::mousePress(view, Qt::LeftButton);
-    EXPECT_TRUE(PumpUntil([] { return seen.commands.size() == 2; }));
-    EXPECT_EQ(seen.commands.back(), static_cast<UINT>(IDM_VIEW_LIST));
-    EXPECT_EQ(seen.popups, std::vector{GetSubMenu(menu, 1)});
+    stylus.Settle();
+    EXPECT_EQ(commands, (std::vector<Command>{{IDM_PROPERTIES, 0}, {IDM_VIEW_LIST, 0}}));
+    EXPECT_EQ(popups, std::vector{GetSubMenu(menu, 1)});
 
     DestroyWindow(bar);
-    EXPECT_EQ(MenuBarOf(window), nullptr);
+    EXPECT_EQ(MenuBarOf(main), nullptr);
     EXPECT_EQ(LiveMenu(menu), nullptr);
 }
 
@@ -233,11 +189,12 @@ TEST_F(Menus, KeysOpenPopupsAndMoveAlongTheBar) {
     EXPECT_EQ(widget->Marked(), widget->Buttons()[4]); // past the greyed one
     QTest::keyClick(widget->window(), Qt::Key_Return);
     EXPECT_EQ(widget->Marked(), nullptr);
-    EXPECT_TRUE(PumpUntil([] { return seen.commands == std::vector<UINT>{IDM_PROPERTIES}; }));
+    stylus.Settle();
+    EXPECT_EQ(commands, (std::vector<Command>{{IDM_PROPERTIES, 0}}));
 }
 
 TEST_F(Menus, TheBarWrapsAndSaysSo) {
-    ResizeScreen(480, 640);
+    stylus.Resize(480, 640);
     MenuBarWidget* const widget = MakeBar(IDR_VIEWER_MENU, IDB_VIEWER_BUTTONS, 9);
     ASSERT_NE(widget, nullptr);
     const auto oneRow = SendMessageW(bar, SHCMBM_GETHEIGHT, 0, 0);
@@ -245,19 +202,19 @@ TEST_F(Menus, TheBarWrapsAndSaysSo) {
     EXPECT_GE(oneRow, 34);
     EXPECT_LE(oneRow, 40);
 
-    seen.barSizeChanges = 0;
-    ResizeScreen(240, 640);
+    barSizeChanges = 0;
+    stylus.Resize(240, 640);
     EXPECT_GT(SendMessageW(bar, SHCMBM_GETHEIGHT, 0, 0), oneRow);
     EXPECT_EQ(widget->height(), SendMessageW(bar, SHCMBM_GETHEIGHT, 0, 0));
-    EXPECT_EQ(seen.barSizeChanges, 1);
+    EXPECT_EQ(barSizeChanges, 1);
     for (const BarButton* const button : widget->Buttons())
         EXPECT_TRUE(widget->rect().contains(button->geometry()));
-    ResizeScreen(480, 640);
+    stylus.Resize(480, 640);
 
-    SHMENUBARINFO empty{sizeof empty, window, SHCMBF_EMPTYBAR, 0, nullptr, 0, 0, nullptr};
+    SHMENUBARINFO empty{sizeof empty, main, SHCMBF_EMPTYBAR, 0, nullptr, 0, 0, nullptr};
     DestroyWindow(bar);
     EXPECT_TRUE(SHCreateMenuBar(&empty));
     EXPECT_EQ(SendMessageW(empty.hwndMB, SHCMBM_GETHEIGHT, 0, 0), 0);
-    SHMENUBARINFO absent{sizeof absent, window, 0, 1, nullptr, 0, 0, nullptr};
+    SHMENUBARINFO absent{sizeof absent, main, 0, 1, nullptr, 0, 0, nullptr};
     EXPECT_FALSE(SHCreateMenuBar(&absent));
 }

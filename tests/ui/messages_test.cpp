@@ -1,42 +1,17 @@
 // The queue, timers, keys, accelerators and gestures.
-#include <QTest>
 #include <QWindow>
-#include <gtest/gtest.h>
 
-#include "platform/controls.h"
 #include "platform/menu.h"
 #include "platform/shell.h"
 #include "platform/ui/messagequeue.h"
-#include "platform/ui/windowcore.h"
 #include "resources/resource.h"
-#include "tests/support/stylus.h"
+#include "tests/ui/windowfixture.h"
 
 namespace {
 
-std::vector<UINT> commands;
-std::vector<UINT> timers;
 std::vector<UINT> keys; // seen by the subclass procedure
-DWORD gesture = 12345;
 bool swallowKeys = false;
 WNDPROC editProcedure = nullptr;
-
-LRESULT TopProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    switch (message) {
-    case WM_COMMAND:
-        commands.push_back(LOWORD(wParam));
-        return 0;
-    case WM_TIMER:
-        timers.push_back(static_cast<UINT>(wParam));
-        return 0;
-    case WM_LBUTTONDOWN:
-    case WM_RBUTTONDOWN: {
-        SHRGINFO info{sizeof(SHRGINFO), window, {SignedLoWord(lParam), SignedHiWord(lParam)}, SHRG_RETURNCMD};
-        gesture = SHRecognizeGesture(&info);
-        return 0;
-    }
-    }
-    return DefWindowProcW(window, message, wParam, lParam);
-}
 
 LRESULT EditSubclass(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_KEYDOWN) {
@@ -47,33 +22,28 @@ LRESULT EditSubclass(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     return CallWindowProcW(editProcedure, window, message, wParam, lParam);
 }
 
-class Messages : public testing::Test {
+class Messages : public WindowTest {
 protected:
     void SetUp() override {
-        WNDCLASSW windowClass{};
-        windowClass.lpfnWndProc = TopProcedure;
-        windowClass.lpszClassName = u"Messages";
-        RegisterClassW(&windowClass);
-        top = CreateWindowExW(0, u"Messages", u"Messages", WS_VISIBLE, 0, 0, 0, 0, nullptr, nullptr, nullptr,
-                              nullptr);
-        edit = CreateWindowExW(0, u"EDIT", u"", WS_CHILD | WS_VISIBLE, 10, 100, 200, 30, top, ChildId(1),
-                               nullptr, nullptr);
+        WindowTest::SetUp();
+        edit = Add(u"EDIT", u"", 0, 1);
         editProcedure = reinterpret_cast<WNDPROC>(
             SetWindowLongPtrW(edit, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(EditSubclass)));
-        SetFocus(edit);
-        stylus.Settle();
-        commands.clear();
-        timers.clear();
-        keys.clear();
         swallowKeys = false;
-        gesture = 12345;
+        Focus(edit);
     }
-    void TearDown() override {
-        DestroyWindow(top);
-        MSG message;
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+
+    std::optional<LRESULT> Handle(HWND window, UINT message, WPARAM, LPARAM lParam) override {
+        if (message == WM_TIMER)
+            ++timers;
+        if (message == WM_LBUTTONDOWN || message == WM_RBUTTONDOWN) {
+            SHRGINFO info{
+                sizeof(SHRGINFO), window, {SignedLoWord(lParam), SignedHiWord(lParam)}, SHRG_RETURNCMD};
+            gesture = SHRecognizeGesture(&info);
         }
+        return std::nullopt;
     }
+
     static std::vector<UINT> Queued() {
         std::vector<UINT> queued;
         MSG message;
@@ -82,17 +52,17 @@ protected:
         return queued;
     }
 
-    Stylus stylus;
-    HWND top = nullptr;
     HWND edit = nullptr;
+    int timers = 0;
+    DWORD gesture = 12345;
 };
 
 TEST_F(Messages, PostedOnesAndInputKeepTheirOrder) {
-    PostMessageW(top, WM_USER, 0, 0);
+    PostMessageW(main, WM_USER, 0, 0);
     QTest::keyClick(ScreenArea()->window()->windowHandle(), Qt::Key_A);
     PostMessageW(edit, WM_USER + 1, 0, 0);
     PostQuitMessage(7);
-    PostMessageW(top, WM_USER + 2, 0, 0);
+    PostMessageW(main, WM_USER + 2, 0, 0);
 
     MSG message;
     EXPECT_TRUE(PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE));
@@ -112,18 +82,18 @@ TEST_F(Messages, PostedOnesAndInputKeepTheirOrder) {
 }
 
 TEST_F(Messages, ATimerWaitsInTheQueueOnce) {
-    SetTimer(top, 5, 1, nullptr);
+    SetTimer(main, 5, 1, nullptr);
     QTest::qWait(30);
     PumpHost(false);
     MSG message;
     ASSERT_TRUE(PeekMessageW(&message, nullptr, WM_TIMER, WM_TIMER, PM_REMOVE));
     EXPECT_EQ(FindQueued(WM_TIMER, WM_TIMER), nullptr);
-    stylus.WaitFor([] { return timers.size() >= 2; }, "the timer goes on");
+    stylus.WaitFor([this] { return timers >= 2; }, "the timer goes on");
     QTest::qWait(10);
     PumpHost(false);
-    KillTimer(top, 5);
+    KillTimer(main, 5);
     EXPECT_TRUE(Queued().empty()); // not even what had fired already
-    EXPECT_FALSE(KillTimer(top, 5));
+    EXPECT_FALSE(KillTimer(main, 5));
 }
 
 TEST_F(Messages, ASubclassProcedureSeesKeysFirst) {
@@ -146,36 +116,31 @@ TEST_F(Messages, ASubclassProcedureSeesKeysFirst) {
 }
 
 TEST_F(Messages, PointerMessagesOfTheProgramReachTheControl) {
-    const HWND button = CreateWindowExW(0, u"BUTTON", u"Go", WS_CHILD | WS_VISIBLE, 10, 150, 80, 30, top,
-                                        ChildId(9), nullptr, nullptr);
+    const HWND button = Add(u"BUTTON", u"Go", 0, 9, {10, 150, 90, 180});
     PostMessageW(button, WM_LBUTTONDOWN, 0, static_cast<LPARAM>(MAKELONG(10, 10)));
     stylus.Settle();
     EXPECT_TRUE(commands.empty());
     PostMessageW(button, WM_LBUTTONUP, 0, static_cast<LPARAM>(MAKELONG(10, 10)));
     stylus.Settle();
-    EXPECT_EQ(commands, std::vector<UINT>{9});
+    EXPECT_EQ(commands, (std::vector<Command>{{9, BN_CLICKED}}));
 }
 
 TEST_F(Messages, AcceleratorsNeedTheirModifiersAndNoMenu) {
     const HACCEL table = LoadAcceleratorsW(nullptr, MAKEINTRESOURCEW(IDR_MAIN_ACCELERATORS));
     ASSERT_TRUE(table);
     EXPECT_EQ(LoadAcceleratorsW(nullptr, MAKEINTRESOURCEW(9999)), nullptr);
-    SHMENUBARINFO bar{};
-    bar.cbSize = sizeof(bar);
-    bar.hwndParent = top;
-    bar.nToolBarId = IDR_MAIN_MENU;
-    bar.nBmpId = IDB_MAIN_BUTTONS;
-    bar.cBmpImages = 2;
+    SHMENUBARINFO bar{sizeof bar, main, 0, IDR_MAIN_MENU, nullptr, IDB_MAIN_BUTTONS, 2, nullptr};
     ASSERT_TRUE(SHCreateMenuBar(&bar));
     const auto menu = reinterpret_cast<HMENU>(SendMessageW(bar.hwndMB, SHCMBM_GETMENU, 0, 0));
     EnableMenuItem(menu, IDM_DELETE, MF_BYCOMMAND | MF_GRAYED);
+    QWindow* const display = ScreenArea()->window()->windowHandle();
     const auto translated = [&](Qt::Key key, Qt::KeyboardModifiers modifiers) {
-        QTest::keyPress(ScreenArea()->window()->windowHandle(), key, modifiers);
+        QTest::keyPress(display, key, modifiers);
         bool result = false;
         MSG message;
         while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) // the modifiers are pressed first
-            result = TranslateAcceleratorW(top, table, &message) || result;
-        QTest::keyRelease(ScreenArea()->window()->windowHandle(), key, modifiers);
+            result = TranslateAcceleratorW(main, table, &message) || result;
+        QTest::keyRelease(display, key, modifiers);
         Queued();
         return result;
     };
@@ -184,16 +149,16 @@ TEST_F(Messages, AcceleratorsNeedTheirModifiersAndNoMenu) {
     EXPECT_FALSE(translated(Qt::Key_R, Qt::ControlModifier | Qt::ShiftModifier));
     EXPECT_TRUE(translated(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier));
     EXPECT_TRUE(translated(Qt::Key_D, Qt::ControlModifier)); // greyed in the bar's menu
-    EXPECT_EQ(commands, (std::vector<UINT>{IDM_REFRESH, IDM_EXPORT, IDM_DELETE}));
+    EXPECT_EQ(commands, (std::vector<Command>{{IDM_REFRESH, 1}, {IDM_EXPORT, 1}, {IDM_DELETE, 1}}));
 }
 
 TEST_F(Messages, AHoldIsToldFromATap) {
-    stylus.Tap(top, QPoint(300, 300));
+    stylus.Tap(main, QPoint(300, 300));
     EXPECT_EQ(gesture, 0u);
-    SetTimer(top, 6, 20, nullptr);
-    stylus.TapAndHold(top, QPoint(300, 300));
+    SetTimer(main, 6, 20, nullptr);
+    stylus.TapAndHold(main, QPoint(300, 300));
     EXPECT_EQ(gesture, GN_CONTEXTMENU);
-    EXPECT_FALSE(timers.empty()); // time goes on meanwhile
+    EXPECT_GT(timers, 0); // time goes on meanwhile
     gesture = 1;
     QWindow* display = ScreenArea()->window()->windowHandle();
     QTest::mousePress(display, Qt::LeftButton, {}, QPoint(300, 300));
@@ -201,10 +166,10 @@ TEST_F(Messages, AHoldIsToldFromATap) {
     stylus.Settle();
     EXPECT_EQ(gesture, 0u);
     QTest::mouseRelease(display, Qt::LeftButton, {}, QPoint(330, 300));
-    stylus.TapRight(top, QPoint(300, 300));
+    stylus.TapRight(main, QPoint(300, 300));
     EXPECT_EQ(gesture, GN_CONTEXTMENU);
     gesture = 1;
-    SendMessageW(top, WM_LBUTTONDOWN, 0, 0); // no stylus behind it
+    SendMessageW(main, WM_LBUTTONDOWN, 0, 0); // no stylus behind it
     EXPECT_EQ(gesture, 0u);
 }
 

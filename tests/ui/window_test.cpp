@@ -1,13 +1,10 @@
 // Windows: their lives, their relatives, focus and activation, the display and its title bar.
 #include <algorithm>
-#include <gtest/gtest.h>
 
-#include "platform/controls.h"
 #include "platform/shell.h"
 #include "platform/ui/cursors.h"
-#include "platform/ui/windowcore.h"
 #include "resources/resource.h"
-#include "tests/support/stylus.h"
+#include "tests/ui/windowfixture.h"
 
 namespace {
 
@@ -17,75 +14,46 @@ struct Seen {
     WPARAM wParam;
     bool operator==(const Seen&) const = default;
 };
-std::vector<Seen> seen;
-LRESULT createResult = 0;
-HWND destroyOnCommand = nullptr;
 
-LRESULT Recorder(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    switch (message) {
-    case WM_CREATE:
-        return createResult;
-    case WM_COMMAND:
-        DestroyWindow(destroyOnCommand);
-        [[fallthrough]];
-    case WM_DESTROY:
-    case WM_SIZE:
-    case WM_SETTINGCHANGE:
-    case WM_SETFOCUS:
-    case WM_KILLFOCUS:
-    case WM_ACTIVATE:
-        seen.push_back({window, message, wParam});
-        return 0;
-    case WM_CLOSE:
-        seen.push_back({window, message, 0});
-        return 0;
-    }
-    return DefWindowProcW(window, message, wParam, lParam);
-}
-
-class Windows : public testing::Test {
+class Windows : public WindowTest {
 protected:
     void SetUp() override {
-        WNDCLASSW windowClass{};
-        windowClass.lpfnWndProc = Recorder;
-        windowClass.cbWndExtra = sizeof(LONG_PTR);
-        windowClass.lpszClassName = u"Recorder";
-        RegisterClassW(&windowClass);
-        createResult = 0;
-        destroyOnCommand = nullptr;
-        stylus.Resize(480, 640);
-        main = Top(u"Main");
+        WindowTest::SetUp();
         seen.clear();
     }
-    void TearDown() override {
-        for (const HWND window : std::vector<HWND>(TopLevelWindows()))
-            DestroyWindow(window);
-        stylus.Settle();
+
+    std::optional<LRESULT> Handle(HWND window, UINT message, WPARAM wParam, LPARAM) override {
+        switch (message) {
+        case WM_CREATE:
+            return createResult;
+        case WM_COMMAND:
+            DestroyWindow(destroyOnCommand);
+            [[fallthrough]];
+        case WM_DESTROY:
+        case WM_SIZE:
+        case WM_SETTINGCHANGE:
+        case WM_ACTIVATE:
+        case WM_CLOSE:
+            seen.push_back({window, message, wParam});
+            return 0;
+        }
+        return std::nullopt;
     }
 
-    HWND Top(const WCHAR* title, HWND owner = nullptr) {
-        const HWND window =
-            CreateWindowExW(0, u"Recorder", title, WS_VISIBLE, 0, 0, 0, 0, owner, nullptr, nullptr, nullptr);
-        stylus.Settle();
-        return window;
-    }
-    HWND Child(const WCHAR* className, UINT id, int y, HWND parent = nullptr) {
-        return CreateWindowExW(0, className, u"child", WS_CHILD | WS_VISIBLE, 10, y, 100, 30,
-                               parent ? parent : main, ChildId(id), nullptr, nullptr);
-    }
-    static std::ptrdiff_t PlaceOf(const Seen& wanted) {
+    std::ptrdiff_t PlaceOf(const Seen& wanted) const {
         const auto found = std::find(seen.begin(), seen.end(), wanted);
         return found == seen.end() ? -1 : found - seen.begin();
     }
 
-    Stylus stylus;
-    HWND main = nullptr;
+    std::vector<Seen> seen;
+    LRESULT createResult = 0;
+    HWND destroyOnCommand = nullptr;
 };
 
 TEST_F(Windows, AreRefusedWhereTheyCannotLive) {
     WNDCLASSW windowClass{};
-    windowClass.lpfnWndProc = Recorder;
-    windowClass.lpszClassName = u"RECORDER";
+    windowClass.lpfnWndProc = DefWindowProcW;
+    windowClass.lpszClassName = u"WINDOWTEST";
     EXPECT_EQ(RegisterClassW(&windowClass), 0); // taken, whatever its case
     EXPECT_EQ(CreateWindowExW(0, u"NoSuchClass", u"", 0, 0, 0, 0, 0, main, nullptr, nullptr, nullptr),
               nullptr);
@@ -108,8 +76,8 @@ TEST_F(Windows, ExtraBytesAreReachedWithinTheirBounds) {
 }
 
 TEST_F(Windows, DieFromTheTopDownAndTheirHandlesStaySafe) {
-    const HWND panel = Child(u"Recorder", 1, 10);
-    const HWND inner = Child(u"Recorder", 2, 0, panel);
+    const HWND panel = Add(kClass, u"", 0, 1);
+    const HWND inner = Add(kClass, u"", 0, 2, {0, 0, 100, 30}, panel);
     const HWND owned = Top(u"Owned", main);
     EXPECT_EQ(GetWindow(main, GW_CHILD), panel);
     EXPECT_EQ(GetParent(inner), panel);
@@ -141,20 +109,20 @@ TEST_F(Windows, DieFromTheTopDownAndTheirHandlesStaySafe) {
 
 TEST_F(Windows, MayDieInTheirOwnHandling) {
     destroyOnCommand = main;
-    const HWND button = Child(u"BUTTON", 5, 10);
+    const HWND button = Add(u"BUTTON", u"child", 0, 5);
     stylus.Tap(button, QPoint(20, 10));
     EXPECT_FALSE(IsWindow(main));
     EXPECT_FALSE(IsWindow(button));
 
     main = Top(u"Again");
-    destroyOnCommand = Child(u"BUTTON", 5, 10); // the button alone
+    destroyOnCommand = Add(u"BUTTON", u"child", 0, 5); // the button alone
     stylus.Tap(destroyOnCommand, QPoint(20, 10));
     EXPECT_TRUE(IsWindow(main));
     EXPECT_EQ(GetWindow(main, GW_CHILD), nullptr);
 }
 
 TEST_F(Windows, DisabledOnesGetNoInput) {
-    const HWND button = Child(u"BUTTON", 5, 10);
+    const HWND button = Add(u"BUTTON", u"child", 0, 5);
     EnableWindow(button, FALSE);
     stylus.Tap(button, QPoint(20, 10));
     EXPECT_EQ(PlaceOf({main, WM_COMMAND, 5}), -1);
@@ -168,8 +136,8 @@ TEST_F(Windows, DisabledOnesGetNoInput) {
 }
 
 TEST_F(Windows, TheFocusComesBackToTheChildThatHadIt) {
-    const HWND first = Child(u"EDIT", 1, 10);
-    const HWND second = Child(u"EDIT", 2, 50);
+    const HWND first = Add(u"EDIT", u"child", 0, 1);
+    const HWND second = Add(u"EDIT", u"child", 0, 2, {10, 50, 210, 80});
     SetFocus(first);
     EXPECT_EQ(SetFocus(second), first);
     stylus.Type(u"x");
@@ -234,9 +202,9 @@ TEST_F(Windows, TheTitleBarSpeaksForTheActiveOne) {
 }
 
 TEST_F(Windows, AreFoundByClassAndTitle) {
-    EXPECT_EQ(FindWindowW(u"recorder", nullptr), main);
-    EXPECT_EQ(FindWindowW(u"Recorder", u"Main"), main);
-    EXPECT_EQ(FindWindowW(u"Recorder", u"Other"), nullptr);
+    EXPECT_EQ(FindWindowW(u"windowtest", nullptr), main);
+    EXPECT_EQ(FindWindowW(kClass, u"Main"), main);
+    EXPECT_EQ(FindWindowW(kClass, u"Other"), nullptr);
     EXPECT_EQ(FindWindowW(u"BUTTON", nullptr), nullptr);
 }
 
