@@ -1,23 +1,17 @@
 // Dialogs from templates, what runs them, and message boxes.
-#include <QTest>
-#include <gtest/gtest.h>
-
 #include "platform/base/display.h"
-#include "platform/controls.h"
 #include "platform/shell.h"
-#include "platform/ui/windowcore.h"
-#include "tests/support/stylus.h"
 #include "tests/ui/templatebuilder.h"
+#include "tests/ui/windowfixture.h"
 
 namespace {
 
-std::vector<UINT> commands;
 LONG_PTR endAtInit = 0;
 bool quitAtCommand = false;
 bool destroyAtCommand = false;
 HWND initFocus = nullptr;
 
-LONG_PTR Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+LONG_PTR DialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
     case WM_INITDIALOG:
         initFocus = reinterpret_cast<HWND>(wParam);
@@ -26,7 +20,6 @@ LONG_PTR Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
             EndDialog(dialog, endAtInit);
         return TRUE;
     case WM_COMMAND:
-        commands.push_back(LOWORD(wParam));
         if (quitAtCommand)
             PostQuitMessage(3);
         else if (destroyAtCommand)
@@ -38,27 +31,15 @@ LONG_PTR Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     return FALSE;
 }
 
-class Dialogs : public testing::Test {
+class Dialogs : public WindowTest {
 protected:
     void SetUp() override {
-        WNDCLASSW windowClass{};
-        windowClass.lpfnWndProc = DefWindowProcW;
-        windowClass.lpszClassName = u"DialogOwner";
-        RegisterClassW(&windowClass);
-        stylus.Resize(480, 640);
-        owner = CreateWindowExW(0, u"DialogOwner", u"Owner", WS_VISIBLE, 0, 0, 0, 0, nullptr, nullptr,
-                                nullptr, nullptr);
-        edit = CreateWindowExW(0, u"EDIT", u"", WS_CHILD | WS_VISIBLE, 10, 10, 100, 30, owner, ChildId(1),
-                               nullptr, nullptr);
-        SetFocus(edit);
-        stylus.Settle();
-        commands.clear();
+        WindowTest::SetUp();
+        TestHooks() = {}; // the tests answer by themselves, from beside the loops
+        edit = Add(u"EDIT", u"", 0, 1);
+        Focus(edit);
         endAtInit = 0;
         quitAtCommand = destroyAtCommand = false;
-    }
-    void TearDown() override {
-        DestroyWindow(owner);
-        stylus.Settle();
     }
 
     static TemplateBuilder OkCancel(bool extended) {
@@ -71,20 +52,20 @@ protected:
     }
     // Runs the dialog with the steps beside it; they get it from its being active.
     LONG_PTR Run(const TemplateBuilder& builder, std::function<void(HWND)> steps) {
-        ModalHooks& hooks = TestHooks();
-        const auto restored = hooks.dialog;
-        hooks.dialog = nullptr;
         LONG_PTR result = 0;
         const auto program = [&] {
-            result = DialogBoxIndirectParamW(nullptr, builder.Get(), owner, Procedure, 42);
+            result = DialogBoxIndirectParamW(nullptr, builder.Get(), main, DialogProcedure, 42);
         };
         stylus.Beside(program, [&steps] { steps(ActiveTopLevel()); });
-        hooks.dialog = restored;
         return result;
     }
+    int RunBox(const std::u16string& text, UINT style, std::function<void(HWND)> steps) {
+        int answer = 0;
+        const auto program = [&] { answer = MessageBoxW(main, text.c_str(), u"Caption", style); };
+        stylus.Beside(program, [&steps] { steps(ActiveTopLevel()); });
+        return answer;
+    }
 
-    Stylus stylus;
-    HWND owner = nullptr;
     HWND edit = nullptr;
 };
 
@@ -113,23 +94,22 @@ TEST_F(Dialogs, BothFormsOfTemplateMakeTheSameControls) {
 
 TEST_F(Dialogs, TheOwnerWaitsAndGetsTheFocusBack) {
     const LONG_PTR result = Run(OkCancel(false), [&](HWND dialog) {
-        EXPECT_FALSE(IsWindowEnabled(owner));
-        EXPECT_EQ(GetParent(dialog), owner);
-        PostMessageW(owner, WM_USER, 0, 0); // goes on being dispatched
+        EXPECT_FALSE(IsWindowEnabled(main));
+        EXPECT_EQ(GetParent(dialog), main);
+        PostMessageW(main, WM_COMMAND, 77, 0);
         stylus.Settle();
+        EXPECT_EQ(commands, (std::vector<Command>{{77, 0}})); // messages go on being dispatched
         stylus.Key(Qt::Key_Escape);
     });
     EXPECT_EQ(result, IDCANCEL + 100);
-    EXPECT_TRUE(IsWindowEnabled(owner));
+    EXPECT_TRUE(IsWindowEnabled(main));
     EXPECT_EQ(GetFocus(), edit);
 }
 
 TEST_F(Dialogs, EndInEveryWay) {
     const TemplateBuilder builder = OkCancel(false);
-    const auto told = std::exchange(TestHooks().dialog, nullptr);
     endAtInit = 9;
-    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, builder.Get(), owner, Procedure, 0), 9);
-    TestHooks().dialog = told;
+    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, builder.Get(), main, DialogProcedure, 0), 9);
     endAtInit = 0;
     const auto tapOk = [this](HWND dialog) { stylus.Tap(dialog, IDOK); };
     destroyAtCommand = true;
@@ -140,22 +120,19 @@ TEST_F(Dialogs, EndInEveryWay) {
     MSG message;
     EXPECT_FALSE(GetMessageW(&message, nullptr, 0, 0)); // the outer loop ends, too
     EXPECT_EQ(message.wParam, WPARAM{3});
-    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, nullptr, owner, Procedure, 0), -1);
-    EXPECT_EQ(ActiveTopLevel(), owner);
-    EXPECT_TRUE(IsWindowEnabled(owner));
+    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, nullptr, main, DialogProcedure, 0), -1);
+    EXPECT_EQ(ActiveTopLevel(), main);
+    EXPECT_TRUE(IsWindowEnabled(main));
 }
 
 TEST_F(Dialogs, FullScreenOnesStandBelowTheirBarAndHaveADoneButton) {
-    Run(OkCancel(false), [&](HWND dialog) {
+    const LONG_PTR result = Run(OkCancel(false), [&](HWND dialog) {
         RECT client;
         GetClientRect(dialog, &client);
         EXPECT_LT(client.right, 480);
         SHINITDLGINFO info{SHIDIM_FLAGS, dialog, SHIDIF_DONEBUTTON | SHIDIF_SIZEDLGFULLSCREEN};
         SHInitDialog(&info);
-        SHMENUBARINFO bar{};
-        bar.cbSize = sizeof(bar);
-        bar.hwndParent = dialog;
-        bar.dwFlags = SHCMBF_EMPTYBAR;
+        SHMENUBARINFO bar{sizeof bar, dialog, SHCMBF_EMPTYBAR, 0, nullptr, 0, 0, nullptr};
         SHCreateMenuBar(&bar);
         const auto full = 640 - GetSystemMetrics(SM_CYCAPTION);
         GetClientRect(dialog, &client);
@@ -171,7 +148,7 @@ TEST_F(Dialogs, FullScreenOnesStandBelowTheirBarAndHaveADoneButton) {
         EXPECT_EQ(client.bottom, full - height);
         stylus.TapTitleButton();
     });
-    EXPECT_EQ(commands, std::vector<UINT>{IDOK});
+    EXPECT_EQ(result, IDOK + 100);
 }
 
 // A rotation or a small screen while it is open: what is wide grows, buttons keep their places, and what does
@@ -232,24 +209,17 @@ TEST_F(Dialogs, BoxesAnswerByTapKeyAndMnemonic) {
     };
     for (const Case& one : cases) {
         SCOPED_TRACE(one.style);
-        const auto seen = TestHooks().messageBox;
-        TestHooks().messageBox = nullptr;
-        int answer = 0;
-        stylus.Beside(
-            [&] { answer = MessageBoxW(owner, u"Shall it?", u"Caption", one.style | MB_ICONQUESTION); },
-            [&] {
-                EXPECT_FALSE(IsWindowEnabled(owner));
-                stylus.Key(one.key);
-                if (one.key == Qt::Key_Right)
-                    stylus.Key(Qt::Key_Return);
-            });
-        TestHooks().messageBox = seen;
+        const int answer = RunBox(u"Shall it?", one.style | MB_ICONQUESTION, [&](HWND) {
+            EXPECT_FALSE(IsWindowEnabled(main));
+            stylus.Key(one.key);
+            if (one.key == Qt::Key_Right)
+                stylus.Key(Qt::Key_Return);
+        });
         EXPECT_EQ(answer, one.answer);
         EXPECT_EQ(GetFocus(), edit);
-        EXPECT_TRUE(IsWindowEnabled(owner));
+        EXPECT_TRUE(IsWindowEnabled(main));
     }
-    stylus.ExpectBox(u"Tapped?", IDYES);
-    EXPECT_EQ(MessageBoxW(owner, u"Tapped?", u"Caption", MB_YESNO), IDYES);
+    EXPECT_EQ(RunBox(u"Tapped?", MB_YESNO, [this](HWND box) { stylus.Tap(box, IDYES); }), IDYES);
 }
 
 TEST_F(Dialogs, BoxesFitTheScreenWhateverTheirText) {
@@ -260,22 +230,20 @@ TEST_F(Dialogs, BoxesFitTheScreenWhateverTheirText) {
     for (const QSize& screen : {QSize(480, 640), QSize(640, 480)}) {
         stylus.Resize(screen.width(), screen.height());
         for (const std::u16string& text : {path, words}) {
-            const auto seen = TestHooks().messageBox;
-            TestHooks().messageBox = [&](const MessageBoxSeen& box) {
-                const QSize wanted = box.window->topLevel->cardSize;
+            RunBox(text, MB_ICONEXCLAMATION, [&](HWND box) {
+                const QSize& size = box->topLevel->cardSize;
+                const QSize wanted = size;
                 EXPECT_LE(wanted.width(), ScreenArea()->width());
                 EXPECT_LE(wanted.height(), ScreenArea()->height());
                 EXPECT_GT(wanted.height(), 140);                // more than a few lines
                 stylus.Resize(screen.height(), screen.width()); // turned while the box is open
-                EXPECT_LE(box.window->topLevel->cardSize.height(), ScreenArea()->height());
+                EXPECT_LE(size.height(), ScreenArea()->height());
                 stylus.Resize(300, 640);
-                EXPECT_LT(box.window->topLevel->cardSize.width(), wanted.width());
+                EXPECT_LT(size.width(), wanted.width());
                 stylus.Resize(screen.width(), screen.height());
-                EXPECT_EQ(box.window->topLevel->cardSize, wanted);
-                AnswerMessageBox(IDOK);
-            };
-            EXPECT_EQ(MessageBoxW(owner, text.c_str(), u"Caption", MB_ICONEXCLAMATION), IDOK);
-            TestHooks().messageBox = seen;
+                EXPECT_EQ(size, wanted);
+                stylus.Tap(box, IDOK);
+            });
         }
     }
 }
@@ -284,10 +252,10 @@ TEST_F(Dialogs, WithoutADisplayNothingWaits) {
     SetNoDisplay(true);
     testing::internal::CaptureStderr();
     EXPECT_EQ(MessageBoxW(nullptr, u"Two\nlines", u"Caption", MB_OK), IDOK);
-    EXPECT_EQ(MessageBoxW(nullptr, u"Sure?", u"Caption", MB_YESNO), IDNO);
-    EXPECT_EQ(MessageBoxW(nullptr, u"Sure?", u"Caption", MB_YESNOCANCEL), IDCANCEL);
-    EXPECT_EQ(MessageBoxW(nullptr, u"Sure?", u"Caption", MB_ABORTRETRYIGNORE), IDABORT);
-    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, OkCancel(true).Get(), owner, Procedure, 0), IDCANCEL);
+    for (const auto& [style, answer] :
+         {std::pair{MB_YESNO, IDNO}, {MB_YESNOCANCEL, IDCANCEL}, {MB_ABORTRETRYIGNORE, IDABORT}})
+        EXPECT_EQ(MessageBoxW(nullptr, u"Sure?", u"Caption", style), answer);
+    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, OkCancel(true).Get(), main, DialogProcedure, 0), IDCANCEL);
     const std::string printed = testing::internal::GetCapturedStderr();
     SetNoDisplay(false);
     EXPECT_TRUE(printed.starts_with("Caption: Two lines\nCaption: Sure?\n")) << printed;

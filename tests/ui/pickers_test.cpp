@@ -70,16 +70,16 @@ TEST_F(Pickers, SaveGivesTheDevicePathWithTheExtension) {
     EXPECT_EQ(shown, QStringLiteral(".bkp"));
     EXPECT_EQ(std::u16string(path), u"\\My Documents\\week.bkp");
 
-    WhenShown([](QWidget* picker) { Type(picker, QStringLiteral("Old\\plain")); });
-    ASSERT_TRUE(Run(true));
-    EXPECT_EQ(std::u16string(path), u"\\My Documents\\Old\\plain.bkp");
-    WhenShown([](QWidget* picker) { Type(picker, QStringLiteral("other.txt")); });
-    ASSERT_TRUE(Run(true));
-    EXPECT_EQ(std::u16string(path), u"\\My Documents\\other.txt");
-    // The program asks about overwriting by itself.
-    WhenShown([](QWidget* picker) { Type(picker, QStringLiteral("all")); });
-    ASSERT_TRUE(Run(true));
-    EXPECT_EQ(std::u16string(path), u"\\My Documents\\all.bkp");
+    const std::pair<QString, std::u16string> cases[] = {
+        {QStringLiteral("Old\\plain"), u"\\My Documents\\Old\\plain.bkp"},
+        {QStringLiteral("other.txt"), u"\\My Documents\\other.txt"},
+        {QStringLiteral("all"), u"\\My Documents\\all.bkp"}, // the program asks about overwriting by itself
+    };
+    for (const auto& [typed, saved] : cases) {
+        WhenShown([&](QWidget* picker) { Type(picker, typed); });
+        ASSERT_TRUE(Run(true));
+        EXPECT_EQ(std::u16string(path), saved);
+    }
 }
 
 TEST_F(Pickers, OpenTakesOnlyWhatIsThere) {

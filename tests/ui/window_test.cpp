@@ -32,6 +32,8 @@ protected:
         case WM_DESTROY:
         case WM_SIZE:
         case WM_SETTINGCHANGE:
+        case WM_SETFOCUS:
+        case WM_KILLFOCUS:
         case WM_ACTIVATE:
         case WM_CLOSE:
             seen.push_back({window, message, wParam});
