@@ -19,6 +19,21 @@ struct Change {
 
 constexpr UINT kBoth = LVIS_SELECTED | LVIS_FOCUSED;
 
+std::u16string TextAt(HWND list, int row) {
+    WCHAR text[64];
+    LVITEMW item{};
+    item.pszText = text;
+    item.cchTextMax = 64;
+    SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    return text;
+}
+
+int RowOf(HWND list, LPARAM param) {
+    LVFINDINFOW find{LVFI_PARAM, nullptr, param};
+    return static_cast<int>(
+        SendMessageW(list, LVM_FINDITEMW, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&find)));
+}
+
 class ListTest : public WindowTest {
 protected:
     void Make(DWORD style = LVS_REPORT | LVS_SHOWSELALWAYS | LVS_EDITLABELS, int rows = 5) {
@@ -26,12 +41,8 @@ protected:
         Send(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_FULLROWSELECT, LVS_EX_FULLROWSELECT);
         for (int column = 0; column < 3; ++column) {
             std::u16string title = u"Column";
-            LVCOLUMNW info{LVCF_TEXT | LVCF_WIDTH | LVCF_FMT,
-                           column == 2 ? LVCFMT_RIGHT : LVCFMT_LEFT,
-                           120,
-                           title.data(),
-                           0,
-                           0};
+            const int format = column == 2 ? LVCFMT_RIGHT : LVCFMT_LEFT;
+            LVCOLUMNW info{LVCF_TEXT | LVCF_WIDTH | LVCF_FMT, format, 120, title.data(), 0, 0};
             Send(list, LVM_INSERTCOLUMNW, static_cast<WPARAM>(column), &info);
         }
         for (int row = 0; row < rows; ++row)
@@ -55,16 +66,6 @@ protected:
     static std::u16string Digits(int number) {
         std::string digits = std::to_string(number);
         return {digits.begin(), digits.end()};
-    }
-
-    std::u16string TextAt(int row, int column = 0) {
-        WCHAR text[64];
-        LVITEMW item{};
-        item.iSubItem = column;
-        item.pszText = text;
-        item.cchTextMax = 64;
-        Send(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), &item);
-        return text;
     }
 
     void SetState(int row, UINT state, UINT mask) {
@@ -153,6 +154,15 @@ TEST_F(ListTest, TapsSelectAndEveryRowTellsItsChangeOnce) {
     EXPECT_EQ(Selected(), std::vector<int>{0});
     stylus.Tap(list, {390, 290});
     EXPECT_TRUE(Selected().empty());
+    const QPoint secondColumn(200, Spot(2).y());
+    stylus.Tap(list, secondColumn);
+    EXPECT_EQ(Selected(), std::vector<int>{2});
+    // Without full rows only the first column is hit.
+    Send(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_FULLROWSELECT, 0);
+    stylus.Tap(list, secondColumn);
+    EXPECT_TRUE(Selected().empty());
+    stylus.Tap(list, Spot(2));
+    EXPECT_EQ(Selected(), std::vector<int>{2});
 }
 
 TEST_F(ListTest, SelectionByMessageTellsTheSameAndTheKeyboardGoesOnFromIt) {
@@ -190,16 +200,6 @@ TEST_F(ListTest, RowsMayGoWhileTheirChangeIsTold) {
     destroy = true;
     stylus.Key(Qt::Key_Space, Qt::ControlModifier);
     EXPECT_FALSE(IsWindow(list));
-}
-
-TEST_F(ListTest, WithoutFullRowOnlyTheFirstColumnIsHit) {
-    Make();
-    Send(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_FULLROWSELECT, 0);
-    QPoint spot = Spot(2);
-    stylus.Tap(list, {200, spot.y()});
-    EXPECT_TRUE(Selected().empty());
-    stylus.Tap(list, spot);
-    EXPECT_EQ(Selected(), std::vector<int>{2});
 }
 
 TEST_F(ListTest, AllViewsShareTheSelection) {
@@ -246,7 +246,7 @@ TEST_F(ListTest, LabelsAreEditedInPlace) {
     stylus.Type(u"new");
     stylus.Key(Qt::Key_Return);
     EXPECT_EQ(labels, std::vector<std::u16string>{u"new"});
-    EXPECT_EQ(TextAt(1), u"new");
+    EXPECT_EQ(TextAt(list, 1), u"new");
     ASSERT_TRUE(stylus.WaitFor([&editor] { return editor() == nullptr; }, "its end"));
 
     stylus.Key(Qt::Key_F2);
@@ -263,7 +263,7 @@ TEST_F(ListTest, LabelsAreEditedInPlace) {
     stylus.Type(u"refused");
     Focus(other);
     EXPECT_EQ(labels.back(), u"refused");
-    EXPECT_EQ(TextAt(2), u"row 2");
+    EXPECT_EQ(TextAt(list, 2), u"row 2");
     EXPECT_EQ(GetFocus(), other);
     EXPECT_TRUE(Send(list, LVM_EDITLABELW, 2));
     stylus.Tap(list, Spot(4));
@@ -292,18 +292,16 @@ TEST_F(ListTest, SortingIsStableAndRowsKeepTheirStates) {
     changes.clear();
     Send(list, LVM_SORTITEMS, TRUE, &CompareParams);
     for (int row = 0; row < 30; ++row)
-        EXPECT_EQ(TextAt(row), u"row " + Digits(9 - row / 3 + row % 3 * 10));
+        EXPECT_EQ(TextAt(list, row), u"row " + Digits(9 - row / 3 + row % 3 * 10));
     EXPECT_EQ(Selected(), std::vector<int>{19});
     EXPECT_EQ(Send(list, LVM_GETITEMSTATE, 19, kBoth), kBoth);
     stylus.Settle();
     EXPECT_TRUE(changes.empty());
-    LVFINDINFOW find{LVFI_PARAM, nullptr, 1013};
-    EXPECT_EQ(Send(list, LVM_FINDITEMW, static_cast<WPARAM>(-1), &find), 19);
+    EXPECT_EQ(RowOf(list, 1013), 19);
     Send(list, LVM_DELETEITEM, 4);
-    EXPECT_EQ(Send(list, LVM_FINDITEMW, static_cast<WPARAM>(-1), &find), 18);
+    EXPECT_EQ(RowOf(list, 1013), 18);
     EXPECT_EQ(Selected(), std::vector<int>{18});
-    find.lParam = 5;
-    EXPECT_EQ(Send(list, LVM_FINDITEMW, static_cast<WPARAM>(-1), &find), -1);
+    EXPECT_EQ(RowOf(list, 5), -1);
 }
 
 // A rebuild with the redrawing off leaves the list where it was, as far as the rows allow.
@@ -371,41 +369,27 @@ TEST_F(ListTest, TheHeaderIsAWindowWhoseItemsTheListDraws) {
     EXPECT_EQ(GetFocus(), list);
 }
 
-HWND comparedList;
-
-std::u16string_view TextOfParam(LPARAM param, WCHAR (&text)[260]) {
-    LVFINDINFOW find{LVFI_PARAM, nullptr, param};
-    const LRESULT row =
-        SendMessageW(comparedList, LVM_FINDITEMW, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&find));
-    LVITEMW item{};
-    item.pszText = text;
-    item.cchTextMax = 260;
-    SendMessageW(comparedList, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-    return text;
-}
-
 // As the program compares: both rows are looked up and both texts read.
-int CompareByText(LPARAM first, LPARAM second, LPARAM) {
-    WCHAR texts[2][260];
-    return TextOfParam(first, texts[0]).compare(TextOfParam(second, texts[1]));
+int CompareByText(LPARAM first, LPARAM second, LPARAM sorted) {
+    const auto list = reinterpret_cast<HWND>(sorted);
+    return TextAt(list, RowOf(list, first)).compare(TextAt(list, RowOf(list, second)));
 }
 
 // Looking rows up one by one would take many seconds here, and telling the views of each row nearly one.
 TEST_F(ListTest, ManyRowsAreQuick) {
     Make(LVS_REPORT, 0);
-    comparedList = list;
     std::clock_t start = std::clock();
     Send(list, WM_SETREDRAW, FALSE);
     for (int row = 0; row < 10000; ++row)
         Insert(row);
-    Send(list, LVM_SORTITEMS, 0, &CompareByText);
+    Send(list, LVM_SORTITEMS, reinterpret_cast<WPARAM>(list), &CompareByText);
     Send(list, WM_SETREDRAW, TRUE);
     stylus.Settle();
     double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
     RecordProperty("seconds", std::to_string(seconds));
     EXPECT_LT(seconds, 2.0);
-    EXPECT_EQ(TextAt(9999), u"row 9999");
-    EXPECT_EQ(TextAt(1), u"row 1");
+    EXPECT_EQ(TextAt(list, 9999), u"row 9999");
+    EXPECT_EQ(TextAt(list, 1), u"row 1");
 }
 
 } // namespace

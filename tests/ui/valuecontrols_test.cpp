@@ -36,13 +36,13 @@ protected:
         date = Add(u"SysDateTimePick32", u"", 0, kFirst);
         time = Add(u"SysDateTimePick32", u"", DTS_TIMEFORMAT, kSecond, {10, 60, 210, 90});
     }
-    static LRESULT Set(HWND picker, const SYSTEMTIME& time) {
-        return Send(picker, DTM_SETSYSTEMTIME, GDT_VALID, &time);
+    static LRESULT Set(HWND picker, const SYSTEMTIME& value) {
+        return Send(picker, DTM_SETSYSTEMTIME, GDT_VALID, &value);
     }
     static std::vector<WORD> Get(HWND picker) {
-        SYSTEMTIME time = {};
-        EXPECT_EQ(Send(picker, DTM_GETSYSTEMTIME, 0, &time), static_cast<LRESULT>(GDT_VALID));
-        return {time.wYear, time.wMonth, time.wDay, time.wHour, time.wMinute, time.wSecond};
+        SYSTEMTIME value = {};
+        EXPECT_EQ(Send(picker, DTM_GETSYSTEMTIME, 0, &value), static_cast<LRESULT>(GDT_VALID));
+        return {value.wYear, value.wMonth, value.wDay, value.wHour, value.wMinute, value.wSecond};
     }
     void UseSection(HWND picker, QDateTimeEdit::Section section) {
         Focus(picker);
