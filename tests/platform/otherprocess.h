@@ -53,6 +53,8 @@ public:
         kill(child, SIGKILL);
         End();
     }
+
+private:
     // Waits for the child's end.
     void End() {
         if (child > 0) {
@@ -62,7 +64,6 @@ public:
         }
     }
 
-private:
     pid_t child = 0;
     int orders = -1;
     int answers = -1;
