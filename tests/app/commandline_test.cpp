@@ -8,12 +8,13 @@
 
 #include "app/application.h"
 #include "platform/files.h"
-#include "platform/objectstore.h"
-#include "platform/registry.h"
 #include "platform/ui/testhooks.h"
+#include "tests/support/sampledatabases.h"
 #include "tests/support/testdevice.h"
 
 namespace {
+
+using Texts = std::vector<std::u16string>;
 
 class CommandLineTest : public testing::Test {
 protected:
@@ -25,29 +26,23 @@ protected:
     }
     ~CommandLineTest() override { TestHooks().messageBox = nullptr; }
 
-    static void MakeDatabase(const WCHAR* name) { EXPECT_NE(CeCreateDatabase(name, 1, 0, nullptr), 0u); }
-    static bool Exists(const WCHAR* name) {
-        CEOID oid = 0;
-        const HANDLE opened = CeOpenDatabase(&oid, name, 0, 0, nullptr);
-        return opened != INVALID_HANDLE_VALUE && CloseHandle(opened);
-    }
     bool HasFile(const char* name) const { return std::filesystem::exists(device.folder + "/root/" + name); }
     // The program's verdict: invalid lines say so once and do nothing.
     bool IsInvalid(const std::u16string& line) {
         messages.clear();
         EXPECT_EQ(RunCommandLine(line.c_str()), -1);
         EXPECT_EQ(App().settings, nullptr);
-        return messages == std::vector<std::u16string>{u"Invalid command line parameters."};
+        return messages == Texts{u"Invalid command line parameters."};
     }
 
     TestDevice device;
-    std::vector<std::u16string> messages;
+    Texts messages;
 };
 
 } // namespace
 
 TEST_F(CommandLineTest, RefusesWhatNamesNoJob) {
-    const std::u16string invalid[] = {
+    const Texts invalid = {
         u" ",
         u"\t\v",
         u"all.bkp",
@@ -70,8 +65,8 @@ TEST_F(CommandLineTest, RefusesWhatNamesNoJob) {
 }
 
 TEST_F(CommandLineTest, BacksUpWithEveryFormOfSwitch) {
-    MakeDatabase(u"Plain");
-    MakeDatabase(u"\\System");
+    MakeDatabase(u"Plain", {});
+    MakeDatabase(u"\\System", {});
     RunCommandLine(u"ignored -b \\one.bkp -D -P more");
     EXPECT_TRUE(HasFile("one.bkp"));
     RunCommandLine(u"/Backup \"\\with blanks.bkp\"/d/p"); // a quote ends its token, blank or not
@@ -82,8 +77,8 @@ TEST_F(CommandLineTest, BacksUpWithEveryFormOfSwitch) {
 }
 
 TEST_F(CommandLineTest, LaterArchiveWinsAndSystemDatabasesNeedTheirSwitch) {
-    MakeDatabase(u"Plain");
-    MakeDatabase(u"\\System");
+    MakeDatabase(u"Plain", {});
+    MakeDatabase(u"\\System", {});
     RunCommandLine(u"-B \\all.bkp -S -D -P");
     RunCommandLine(u"-B \\plain.bkp -D -P");
     const TestDevice other;
@@ -91,10 +86,9 @@ TEST_F(CommandLineTest, LaterArchiveWinsAndSystemDatabasesNeedTheirSwitch) {
                           std::filesystem::copy_options::recursive);
     RunCommandLine(u"-B \\never.bkp -R \\plain.bkp -D -P");
     EXPECT_FALSE(std::filesystem::exists(other.folder + "/root/never.bkp"));
-    EXPECT_TRUE(Exists(u"Plain"));
-    EXPECT_FALSE(Exists(u"\\System"));
+    EXPECT_EQ(DatabaseNames(), Texts{u"Plain"});
     RunCommandLine(u"-R \\all.bkp -S -D -P");
-    EXPECT_TRUE(Exists(u"\\System"));
+    EXPECT_EQ(DatabaseNames(), (Texts{u"Plain", u"\\System"}));
     EXPECT_TRUE(messages.empty());
 }
 
@@ -112,13 +106,13 @@ TEST_F(CommandLineTest, ScriptIsRememberedAndSwitchesAreNot) {
 }
 
 TEST_F(CommandLineTest, ReplacesLastNightsArchiveWithoutAsking) {
-    MakeDatabase(u"Plain");
+    MakeDatabase(u"Plain", {});
     RunCommandLine(u"-B \\nightly.bkp -D -P");
     const auto first = std::filesystem::file_size(device.folder + "/root/nightly.bkp");
-    MakeDatabase(u"Newer");
+    MakeDatabase(u"Newer", {});
     RunCommandLine(u"-B \\nightly.bkp -D -P");
     EXPECT_GT(std::filesystem::file_size(device.folder + "/root/nightly.bkp"), first);
     EXPECT_TRUE(messages.empty());
     RunCommandLine(u"-B \\nightly.bkp -P"); // with dialogs it is asked once
-    EXPECT_EQ(messages, (std::vector<std::u16string>{u"File \"\\nightly.bkp\" already exists; overwrite?"}));
+    EXPECT_EQ(messages, (Texts{u"File \"\\nightly.bkp\" already exists; overwrite?"}));
 }

@@ -9,6 +9,7 @@
 
 #include "platform/errors.h"
 #include "platform/registry.h"
+#include "platform/text.h"
 #include "tests/support/testdevice.h"
 
 namespace {
@@ -62,8 +63,7 @@ TEST(Settings, StoreTheirBytesAsEver) {
         settings.listStyle = 3;
         settings.sortAscending = 0;
         settings.selection[1] = 7;
-        settings.scriptName[0] = u'x';
-        settings.scriptName[1] = 0;
+        CopyText(settings.scriptName, u"x");
     }
     EXPECT_EQ(Read(u"SortOrder"), (Value{REG_DWORD, {0, 1, 0, 0}}));
     EXPECT_EQ(Read(u"ShowSysDb"), (Value{REG_DWORD, {1, 0, 0, 3}}));

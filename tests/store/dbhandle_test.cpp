@@ -7,9 +7,8 @@
 #include <vector>
 
 #include "app/application.h"
-#include "platform/errors.h"
 #include "platform/ui/testhooks.h"
-#include "tests/support/testdevice.h"
+#include "tests/storage/storesupport.h"
 
 namespace {
 
@@ -38,14 +37,16 @@ protected:
     std::vector<std::u16string> messages;
 };
 
-// A record in storage form in a block of its own.
-RecordBuffer Stored(WORD properties, const std::vector<BYTE>& bytes) {
+// Writes a record in storage form, from a block of its own.
+CEOID WriteStored(DbHandle& database, WORD properties, const std::vector<BYTE>& bytes) {
     RecordBuffer buffer;
     buffer.propCount = properties;
     buffer.size = static_cast<DWORD>(bytes.size());
     buffer.data = static_cast<BYTE*>(LocalAlloc(LMEM_FIXED, bytes.size()));
     std::memcpy(buffer.data, bytes.data(), bytes.size());
-    return buffer;
+    const CEOID record = database.WriteRecordFromStorage(0, &buffer);
+    LocalFree(buffer.data);
+    return record;
 }
 
 // A text "Hi" (property 1), an absent text (2), a blob of 3 bytes (3) and an empty blob (4).
@@ -64,9 +65,7 @@ constexpr std::size_t kBlobOffset = 2 * 16 + 12;
 TEST_F(DbHandleTest, StorageFormSurvivesTheStoreByteForByte) {
     DbHandle database(nullptr);
     Make(database, u"Bytes");
-    RecordBuffer buffer = Stored(4, kRecord);
-    ASSERT_NE(database.WriteRecordFromStorage(0, &buffer), 0u);
-    LocalFree(buffer.data);
+    ASSERT_NE(WriteStored(database, 4, kRecord), 0u);
 
     RecordBuffer read;
     DWORD index = 9;
@@ -89,31 +88,25 @@ TEST_F(DbHandleTest, StorageFormSurvivesTheStoreByteForByte) {
 }
 
 TEST_F(DbHandleTest, RefusesStoredRecordsThatDoNotFitTheirBlock) {
-    struct Spoiled {
+    // Past the end; into the entries; odd; a blob that is longer than what is left; one that starts behind
+    // the end; more entries than bytes.
+    const struct {
         std::size_t at;
         BYTE value;
         WORD properties;
-    };
-    // Past the end; into the entries; odd; a blob that is longer than what is left; one that starts behind
-    // the end; more entries than bytes.
-    const Spoiled cases[] = {{kTextOffset, 200, 4}, {kTextOffset, 16, 4}, {kTextOffset, 65, 4},
-                             {kBlobCount, 4, 4},    {kBlobOffset, 99, 4}, {0, 31, 5},
-                             {0, 31, 0xFFFF}};
+    } cases[] = {{kTextOffset, 200, 4}, {kTextOffset, 16, 4}, {kTextOffset, 65, 4}, {kBlobCount, 4, 4},
+                 {kBlobOffset, 99, 4},  {0, 31, 5},           {0, 31, 0xFFFF}};
     DbHandle database(nullptr);
     Make(database, u"Spoiled");
-    for (const Spoiled& spoiled : cases) {
+    for (const auto& spoiled : cases) {
         std::vector<BYTE> bytes = kRecord;
         bytes[spoiled.at] = spoiled.value;
-        RecordBuffer buffer = Stored(spoiled.properties, bytes);
-        EXPECT_EQ(database.WriteRecordFromStorage(0, &buffer), 0u);
-        LocalFree(buffer.data);
+        EXPECT_EQ(WriteStored(database, spoiled.properties, bytes), 0u);
     }
     std::vector<BYTE> unterminated = kRecord;
     unterminated[kTextOffset] = 68; // "\0" is the last whole character: take it away
     unterminated[68] = unterminated[69] = unterminated[70] = unterminated[71] = 1;
-    RecordBuffer buffer = Stored(4, unterminated);
-    EXPECT_EQ(database.WriteRecordFromStorage(0, &buffer), 0u);
-    LocalFree(buffer.data);
+    EXPECT_EQ(WriteStored(database, 4, unterminated), 0u);
 
     EXPECT_EQ(messages.size(), std::size(cases) + 1);
     for (const std::u16string& message : messages)
@@ -176,12 +169,9 @@ TEST_F(DbHandleTest, EmptiesFromTheEndAndGrowsItsBuffer) {
     DbHandle database(nullptr);
     Make(database, u"Many");
     for (WORD size : {10, 3000, 20}) {
-        CEPROPVAL property = {};
-        property.propid = 1 << 16 | CEVT_BLOB;
-        auto* bytes = static_cast<BYTE*>(LocalAlloc(LMEM_ZEROINIT, size));
-        property.val.blob = {size, bytes};
-        EXPECT_NE(database.WriteProperty(0, &property), 0u);
-        LocalFree(bytes);
+        Values blob;
+        blob.Blob(1, std::string(size, 'b'));
+        EXPECT_NE(database.WriteProperty(0, blob.list.data()), 0u);
     }
     RecordBuffer buffer;
     DWORD index = 0;
