@@ -9,22 +9,16 @@
 #include "platform/datetime.h"
 #include "tests/backup/backupfixture.h"
 
-#include <sqlite3.h>
-
 namespace {
 
 constexpr const WCHAR* kPath = u"\\all.bkp";
 
 class ArchiveTest : public BackupTest {
 protected:
-    static bool BackUp(BackupEngine& engine, std::initializer_list<const WCHAR*> names) {
-        if (!engine.BeginBackup(nullptr, false, kPath))
-            return false;
-        bool whole = true;
-        for (const WCHAR* name : names)
-            whole = whole && engine.WriteDatabase(name);
-        return engine.Finish() && whole;
-    }
+    // An engine that writes plain archives.
+    struct PlainEngine : BackupEngine {
+        PlainEngine() { compress = false; }
+    };
 
     // The times in a database block are those of the test's run: they are looked at, then put back to those
     // of the bytes written by hand.
@@ -40,9 +34,8 @@ protected:
 
 TEST_F(ArchiveTest, PlainArchiveHasTheDocumentedBytes) {
     MakeSample();
-    BackupEngine engine;
-    engine.compress = false;
-    ASSERT_TRUE(BackUp(engine, {u"Ab"}));
+    PlainEngine engine;
+    ASSERT_TRUE(BackUp(engine, kPath, {u"Ab"}));
     const Bytes expected = FromHex(kPlainArchive);
     Bytes written = FileBytes(kPath);
     ASSERT_EQ(written.size(), expected.size());
@@ -55,10 +48,10 @@ TEST_F(ArchiveTest, PlainArchiveHasTheDocumentedBytes) {
 TEST_F(ArchiveTest, CompressedArchiveWithPasswordHasTheDocumentedBytes) {
     MakeSample();
     BackupEngine engine;
-    std::memcpy(engine.password.text, u"open", sizeof u"open");
+    engine.password = {u"open"};
     ScramblePassword(&engine.password);
     engine.passwordFlag = true;
-    ASSERT_TRUE(BackUp(engine, {u"Ab"}));
+    ASSERT_TRUE(BackUp(engine, kPath, {u"Ab"}));
     const Bytes expected = FromHex(kCompressedArchive);
     const Bytes written = FileBytes(kPath);
     ASSERT_GT(written.size(), 72u);
@@ -81,15 +74,14 @@ TEST_F(ArchiveTest, CompressedArchiveWithPasswordHasTheDocumentedBytes) {
 
 TEST_F(ArchiveTest, EmptyArchiveAndEmptyDatabase) {
     BackupEngine none;
-    ASSERT_TRUE(BackUp(none, {}));
+    ASSERT_TRUE(BackUp(none, kPath, {}));
     EXPECT_EQ(FileBytes(kPath).size(), 24u);
 
     CEDBASEINFO info = {};
     DbHandle(nullptr).Create(u"Nothing", info);
     MakeSample();
-    BackupEngine engine;
-    engine.compress = false;
-    ASSERT_TRUE(BackUp(engine, {u"Nothing", u"Ab"}));
+    PlainEngine engine;
+    ASSERT_TRUE(BackUp(engine, kPath, {u"Nothing", u"Ab"}));
     const Bytes written = FileBytes(kPath);
     EXPECT_EQ(NumberAt(written, 8), 2u);
     EXPECT_EQ(NumberAt(written, 24 + 140), 24u + 144); // the second entry follows the first one's block
@@ -113,8 +105,7 @@ TEST_F(ArchiveTest, PasswordsAreScrambledInPlaceAndEndInTheirBlock) {
 
 TEST_F(ArchiveTest, MissingDatabaseEndsTheBackupAndKeepsWhatIsThere) {
     MakeSample();
-    BackupEngine engine;
-    engine.compress = false;
+    PlainEngine engine;
     ASSERT_TRUE(engine.BeginBackup(nullptr, false, kPath));
     EXPECT_TRUE(engine.WriteDatabase(u"Ab"));
     ExpectMessage(u"Couldn't open \"Missing\" database: The system cannot find the file specified");
@@ -130,19 +121,13 @@ TEST_F(ArchiveTest, UnreadableRecordIsLeftOutOfTheCount) {
         SCOPED_TRACE(compress);
         const std::u16string name = compress ? u"Packed" : u"Plain";
         MakeRecords(name.c_str(), 5);
-        storage::CloseStore();
-        sqlite3* raw = nullptr;
-        ASSERT_EQ(sqlite3_open((device.folder + "/objectstore.db").c_str(), &raw), SQLITE_OK);
-        const char* const damage =
-            "UPDATE records SET data = x'00' WHERE id = (SELECT max(id) - 2 FROM records)";
-        EXPECT_EQ(sqlite3_exec(raw, damage, nullptr, nullptr, nullptr), SQLITE_OK);
-        EXPECT_EQ(sqlite3_changes(raw), 1);
-        sqlite3_close(raw);
-
+        storage::TheStore()->connection.Execute(
+            "UPDATE records SET data = x'00' WHERE id = (SELECT max(id) - 2 FROM records)");
+        device.Restart();
         BackupEngine engine;
         engine.compress = compress;
         ExpectMessage(u"Couldn't read record in \"" + name + u"\" database: Unknown error");
-        ASSERT_TRUE(BackUp(engine, {name.c_str()}));
+        ASSERT_TRUE(BackUp(engine, kPath, {name.c_str()}));
         DeleteAllBut(u"");
         ASSERT_TRUE(RestoreCommand(nullptr, kPath));
         EXPECT_EQ(Contents(name.c_str()), u"1=0 2= 3=<Binary Data>\n1=1 2=x 3=<Binary Data>\n"
@@ -154,8 +139,7 @@ TEST_F(ArchiveTest, StopsBeforeFourGibibytes) {
     MakeSample();
     for (const DWORD room : {143u, 144u, 199u}) {
         SCOPED_TRACE(room);
-        BackupEngine engine;
-        engine.compress = false;
+        PlainEngine engine;
         ASSERT_TRUE(engine.BeginBackup(nullptr, false, kPath));
         engine.entryOffset = 0xFFFFFFFF - room;
         ExpectMessage(u"Unable to write the file. Possibly not enough storage space.");
@@ -165,8 +149,7 @@ TEST_F(ArchiveTest, StopsBeforeFourGibibytes) {
         // Without a block there is no entry; with one it counts although it is cut.
         EXPECT_EQ(engine.header.databaseCount, room < 144 ? 0u : 1u);
     }
-    BackupEngine engine;
-    engine.compress = false;
+    PlainEngine engine;
     ASSERT_TRUE(engine.BeginBackup(nullptr, false, kPath));
     engine.entryOffset = 0xFFFFFFFF - 200;
     EXPECT_TRUE(engine.WriteDatabase(u"Ab"));
@@ -180,8 +163,7 @@ TEST_F(ArchiveTest, DiskThatFillsUpPartWay) {
     rlimit before;
     getrlimit(RLIMIT_FSIZE, &before);
     const auto ignored = std::signal(SIGXFSZ, SIG_IGN);
-    BackupEngine engine;
-    engine.compress = false;
+    PlainEngine engine;
     ASSERT_TRUE(engine.BeginBackup(nullptr, false, kPath));
     EXPECT_TRUE(engine.WriteDatabase(u"Ab"));
     const rlimit small = {100'000, before.rlim_max};

@@ -5,8 +5,8 @@
 
 #include "app/application.h"
 #include "platform/files.h"
-#include "platform/text.h"
 #include "platform/ui/testhooks.h"
+#include "tests/storage/storesupport.h"
 
 const char* const kPlainArchive = R"(
     31 30 56 4e 18 00 00 00 01 00 00 00 00 00 00 00
@@ -55,6 +55,11 @@ void PutNumber(Bytes* bytes, std::size_t offset, DWORD value) {
     std::memcpy(bytes->data() + offset, &value, sizeof value);
 }
 
+Bytes Changed(Bytes bytes, std::size_t offset, DWORD value) {
+    PutNumber(&bytes, offset, value);
+    return bytes;
+}
+
 DWORD NumberAt(const Bytes& bytes, std::size_t offset) {
     DWORD value = 0;
     std::memcpy(&value, bytes.data() + offset, sizeof value);
@@ -98,10 +103,7 @@ void WriteBytes(const WCHAR* path, const Bytes& bytes) {
 bool FileExists(const WCHAR* path) {
     const HANDLE file =
         CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, 0);
-    if (file == INVALID_HANDLE_VALUE)
-        return false;
-    CloseHandle(file);
-    return true;
+    return file != INVALID_HANDLE_VALUE && CloseHandle(file);
 }
 
 void DeleteAllBut(const std::u16string& name) {
@@ -120,27 +122,22 @@ void MakeSample(const WCHAR* name) {
 
 void MakeRecords(const WCHAR* name, int count) {
     MakeDatabase(name, {});
-    CEOID oid = 0;
-    const HANDLE database = CeOpenDatabase(&oid, name, 0, 0, nullptr);
-    constexpr int kLongestBlob = 5000;
-    BYTE* const blob = static_cast<BYTE*>(LocalAlloc(LMEM_ZEROINIT, kLongestBlob));
-    WCHAR* const text = static_cast<WCHAR*>(LocalAlloc(LMEM_ZEROINIT, MAX_PATH * sizeof(WCHAR)));
+    const HANDLE database = OpenById(FindDatabase(name));
     for (int i = 0; i < count; i++) {
-        CEPROPVAL properties[3] = {};
-        properties[0].propid = 0x00010003;
-        properties[0].val.lVal = i;
-        CopyText(text, MAX_PATH, std::u16string(i % 50, u'x').c_str());
-        properties[1].propid = 0x0002001F;
-        properties[1].val.lpwstr = text;
-        blob[i % kLongestBlob] = static_cast<BYTE>(i);
-        properties[2].propid = 0x00030041;
-        properties[2].val.blob.dwCount = static_cast<DWORD>(i * i % kLongestBlob);
-        properties[2].val.blob.lpb = blob;
-        EXPECT_NE(CeWriteRecordProps(database, 0, 3, properties), 0u);
+        const std::string blob(i * i % 5000, static_cast<char>(i));
+        EXPECT_NE(Values().Number(1, i).Text(2, std::u16string(i % 50, u'x')).Blob(3, blob).Write(database),
+                  0u);
     }
-    LocalFree(blob);
-    LocalFree(text);
     CloseHandle(database);
+}
+
+bool BackUp(BackupEngine& engine, const WCHAR* path, std::initializer_list<const WCHAR*> names) {
+    if (!engine.BeginBackup(nullptr, false, path))
+        return false;
+    bool whole = true;
+    for (const WCHAR* name : names)
+        whole = whole && engine.WriteDatabase(name);
+    return engine.Finish() && whole;
 }
 
 BackupTest::BackupTest() {

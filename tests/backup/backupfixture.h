@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/settings.h"
+#include "backup/backup.h"
 #include "store/dbhandle.h"
 #include "tests/support/sampledatabases.h"
 #include "tests/support/testdevice.h"
@@ -17,6 +18,7 @@ using Bytes = std::vector<BYTE>;
 Bytes FromHex(const char* text); // blanks and line ends are passed over
 Bytes Slice(const Bytes& bytes, std::size_t from, std::size_t count);
 void PutNumber(Bytes* bytes, std::size_t offset, DWORD value);
+Bytes Changed(Bytes bytes, std::size_t offset, DWORD value);
 DWORD NumberAt(const Bytes& bytes, std::size_t offset);
 
 // One database "Ab" with one record, written down by hand: plain, and compressed with the password "open".
@@ -37,6 +39,8 @@ void MakeSample(const WCHAR* name = u"Ab");
 extern const std::u16string kSampleContents;
 // Records with a number, and a text and a blob of lengths of their own.
 void MakeRecords(const WCHAR* name, int count);
+// Whether all of it was backed up, with the engine's options.
+bool BackUp(BackupEngine& engine, const WCHAR* path, std::initializer_list<const WCHAR*> names);
 
 // No dialogs and no progress. Message boxes come in the order expected; any other fails the test.
 class BackupTest : public testing::Test {

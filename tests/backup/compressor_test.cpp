@@ -1,9 +1,7 @@
 #include "backup/compressor.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstring>
-#include <filesystem>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <random>
 #include <span>
@@ -244,19 +242,12 @@ TEST_F(CodecTest, LosesThePairOfZerosAsTheFormatDoes) {
 }
 
 TEST_F(CodecTest, ExchangesStreamsWithThePublicProgram) {
-    std::string folder = std::filesystem::temp_directory_path() / "codec.XXXXXX";
-    ASSERT_NE(mkdtemp(folder.data()), nullptr);
-    const auto filter = [&](const char* command, const Bytes& bytes) {
-        const std::string file = folder + "/data.Z";
-        FILE* out = std::fopen(file.c_str(), "wb");
-        std::fwrite(bytes.data(), 1, bytes.size(), out);
-        std::fclose(out);
-        FILE* pipe = popen((command + (" < " + file)).c_str(), "r");
-        Bytes result;
-        for (int byte = std::fgetc(pipe); byte != EOF; byte = std::fgetc(pipe))
-            result.push_back(static_cast<BYTE>(byte));
-        pclose(pipe);
-        return result;
+    const TestDevice device;
+    const auto filter = [&](const std::string& command, const Bytes& bytes) {
+        WriteBytes(u"\\in.Z", bytes);
+        const std::string line = "cd " + device.folder + "/root && " + command + " < in.Z > out";
+        EXPECT_EQ(std::system(line.c_str()), 0);
+        return FileBytes(u"\\out");
     };
     const Bytes header = FromHex("1F 9D 90"); // blocks, 16 bits
     Bytes mixed;
@@ -272,7 +263,6 @@ TEST_F(CodecTest, ExchangesStreamsWithThePublicProgram) {
         ASSERT_EQ(Slice(theirs, 0, 3), header);
         EXPECT_TRUE(Expanded(Slice(theirs, 3, theirs.size() - 3)) == data);
     }
-    std::filesystem::remove_all(folder);
 }
 
 TEST_F(CodecTest, SurvivesAnyBytes) {

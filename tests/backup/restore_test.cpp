@@ -1,5 +1,4 @@
 // Restoring without dialogs: good archives, clashes, and everything that a file may hold.
-#include "backup/backup.h"
 #include "backup/compressor.h"
 #include "backup/restore.h"
 #include "tests/backup/backupfixture.h"
@@ -57,10 +56,7 @@ TEST_F(RestoreTest, WhatWasBackedUpComesBack) {
     for (const bool compress : {false, true, false}) {
         BackupEngine engine;
         engine.compress = compress;
-        ASSERT_TRUE(engine.BeginBackup(nullptr, false, kPath));
-        for (const WCHAR* name : {u"Many", u"\\System", u"Empty", u"Bare"})
-            EXPECT_TRUE(engine.WriteDatabase(name));
-        EXPECT_TRUE(engine.Finish());
+        ASSERT_TRUE(BackUp(engine, kPath, {u"Many", u"\\System", u"Empty", u"Bare"}));
         if (!compress) {
             Bytes archive = FileBytes(kPath);
             for (std::size_t entry = 24; entry < archive.size(); entry = NumberAt(archive, entry + 140)) {
@@ -77,9 +73,7 @@ TEST_F(RestoreTest, WhatWasBackedUpComesBack) {
 
 TEST_F(RestoreTest, SystemDatabasesOnlyWhenAskedFor) {
     // An entry that is left out does not lead on to the next, however often the header says to go on.
-    Bytes archive = ArchiveOf(u"A\\B");
-    PutNumber(&archive, 8, 0xFFFFFFFF);
-    ASSERT_TRUE(Restore(archive));
+    ASSERT_TRUE(Restore(Changed(ArchiveOf(u"A\\B"), 8, 0xFFFFFFFF)));
     EXPECT_EQ(DatabaseNames(), std::vector<std::u16string>{u"Ab"});
 
     settings.includeSystemDatabases = 1;
@@ -112,75 +106,62 @@ TEST_F(RestoreTest, ExistingDatabaseIsReplaced) {
 TEST_F(RestoreTest, FailureKeepsWhatWasRestoredBeforeAndNothingHalf) {
     MakeRecords(u"Keep", 3);
     const std::u16string kept = Contents(u"Keep");
-    Bytes archive = ArchiveOf(u"ABC");
-    PutNumber(&archive, 24 + 200 + 144 + 12, 0x7FFFFFFF); // the second database's record is too long
-    ExpectMessage(Corrupted(u"Bb"));
-    ASSERT_TRUE(Restore(archive));
+    ExpectMessage(Corrupted(u"Bb")); // whose record is too long
+    ASSERT_TRUE(Restore(Changed(ArchiveOf(u"ABC"), 24 + 200 + 144 + 12, 0x7FFFFFFF)));
     EXPECT_EQ(DatabaseNames(), (std::vector<std::u16string>{u"Keep", u"Ab"}));
     EXPECT_EQ(Contents(u"Keep"), kept);
 }
 
-struct BadArchive {
-    const char* what;
-    Bytes bytes;
-    std::u16string message; // empty: none, it is taken as an archive
-};
-
-Bytes Changed(const char* archive, std::size_t offset, DWORD value) {
-    Bytes bytes = FromHex(archive);
-    PutNumber(&bytes, offset, value);
-    return bytes;
-}
-
-Bytes WithoutPassword(Bytes archive) {
-    PutNumber(&archive, 16, 0); // the first entry's offset stays as it is
-    return archive;
+Bytes WithoutPassword(const Bytes& archive) {
+    return Changed(archive, 16, 0); // the first entry's offset stays as it is
 }
 
 TEST_F(RestoreTest, BadArchives) {
     const std::u16string cannotWrite =
         u"Couldn't create a new record in \"Ab\" database: The parameter is incorrect";
     const std::size_t record = kPlainRecord;
+    const Bytes plain = FromHex(kPlainArchive);
+    const Bytes packed = FromHex(kCompressedArchive);
     // A block of which its few bytes make far more than a block.
     const Bytes zeros(5'000'000);
     Compressor codec;
     ASSERT_TRUE(codec.AllocateTables() && codec.Compress(zeros.data(), static_cast<DWORD>(zeros.size())));
-    Bytes swollen = WithoutPassword(Changed(kCompressedArchive, 68, codec.OutputLength()));
+    Bytes swollen = WithoutPassword(Changed(packed, 68, codec.OutputLength()));
     swollen.resize(72);
     swollen.insert(swollen.end(), codec.Output(), codec.Output() + codec.OutputLength());
-    const BadArchive cases[] = {
+    const struct {
+        const char* what;
+        Bytes bytes;
+        std::u16string message; // empty: none, it is taken as an archive
+    } cases[] = {
         {"empty", {}, kUnreadable},
         {"too short for a header", Bytes(23), kUnreadable},
         {"nothing but zeros", Bytes(24), u""},
-        {"no magic", Changed(kPlainArchive, 0, 0), u""},
-        {"password block cut", Slice(FromHex(kCompressedArchive), 0, 63), kUnreadable},
+        {"no magic", Changed(plain, 0, 0), u""},
+        {"password block cut", Slice(packed, 0, 63), kUnreadable},
         {"garbage throughout", Bytes(1000, 0xA5), kUnreadable},
-        {"first entry behind the end", Changed(kPlainArchive, 20, 0xFFFFFFF0), kUnreadable},
-        {"count too large", Changed(kPlainArchive, 8, 0xFFFFFFFF), kUnreadable},
-        {"more sort orders than there can be", Changed(kPlainArchive, 24 + 76, 0x00050001),
+        {"first entry behind the end", Changed(plain, 20, 0xFFFFFFF0), kUnreadable},
+        {"count too large", Changed(plain, 8, 0xFFFFFFFF), kUnreadable},
+        {"more sort orders than there can be", Changed(plain, 24 + 76, 0x00050001),
          u"Couldn't create \"Ab\" database: The parameter is incorrect"},
-        {"no name", Changed(kPlainArchive, 24 + 8, 0),
-         u"Couldn't create \"\" database: The parameter is incorrect"},
-        {"more records than there are", Changed(kPlainArchive, 24 + 76, 0x0001FFFF), Corrupted(u"Ab")},
-        {"record longer than the file", Changed(kPlainArchive, record + 12, 41), Corrupted(u"Ab")},
-        {"record cut in its header", Slice(FromHex(kPlainArchive), 0, record + 15), Corrupted(u"Ab")},
-        {"more properties than the record holds", Changed(kPlainArchive, record, 3), cannotWrite},
-        {"more properties than can be", Changed(kPlainArchive, record, 0x10002), Corrupted(u"Ab")},
-        {"text outside of the record", Changed(kPlainArchive, record + 40, 0xFFFFFFF0), cannotWrite},
-        {"text without an end", Changed(kPlainArchive, record + 52, 0x006E006E), cannotWrite},
-        {"blob outside of the record", Changed(kPlainArchive, record + 32, 0x00020041), cannotWrite},
-        {"compressed block longer than the file", WithoutPassword(Changed(kCompressedArchive, 68, 101)),
-         kUnreadable},
-        {"compressed block empty", WithoutPassword(Changed(kCompressedArchive, 68, 0)), kNoMemory},
-        {"compressed block of a single byte", WithoutPassword(Changed(kCompressedArchive, 68, 1)),
-         kUnreadable},
+        {"no name", Changed(plain, 24 + 8, 0), u"Couldn't create \"\" database: The parameter is incorrect"},
+        {"more records than there are", Changed(plain, 24 + 76, 0x0001FFFF), Corrupted(u"Ab")},
+        {"record longer than the file", Changed(plain, record + 12, 41), Corrupted(u"Ab")},
+        {"record cut in its header", Slice(plain, 0, record + 15), Corrupted(u"Ab")},
+        {"more properties than the record holds", Changed(plain, record, 3), cannotWrite},
+        {"more properties than can be", Changed(plain, record, 0x10002), Corrupted(u"Ab")},
+        {"text outside of the record", Changed(plain, record + 40, 0xFFFFFFF0), cannotWrite},
+        {"text without an end", Changed(plain, record + 52, 0x006E006E), cannotWrite},
+        {"blob outside of the record", Changed(plain, record + 32, 0x00020041), cannotWrite},
+        {"compressed block longer than the file", WithoutPassword(Changed(packed, 68, 101)), kUnreadable},
+        {"compressed block empty", WithoutPassword(Changed(packed, 68, 0)), kNoMemory},
+        {"compressed block of a single byte", WithoutPassword(Changed(packed, 68, 1)), kUnreadable},
         {"compressed block that swells", swollen, kUnreadable},
-        {"compressed record empty", WithoutPassword(Changed(kCompressedArchive, 143, 0)), kOutOfMemory},
-        {"compressed block cut", WithoutPassword(Changed(kCompressedArchive, 68, 58)), kUnreadable},
-        {"compressed record cut", WithoutPassword(Slice(FromHex(kCompressedArchive), 0, 171)),
-         Corrupted(u"Ab")},
+        {"compressed record empty", WithoutPassword(Changed(packed, 143, 0)), kOutOfMemory},
+        {"compressed block cut", WithoutPassword(Changed(packed, 68, 58)), kUnreadable},
+        {"compressed record cut", WithoutPassword(Slice(packed, 0, 171)), Corrupted(u"Ab")},
     };
-    for (const BadArchive& bad : cases) {
+    for (const auto& bad : cases) {
         SCOPED_TRACE(bad.what);
         if (!bad.message.empty())
             ExpectMessage(bad.message);
@@ -194,11 +175,8 @@ TEST_F(RestoreTest, BadArchives) {
 TEST_F(RestoreTest, EntryThatLeadsBackwardsEndsTheRestore) {
     for (const DWORD next : {0u, 24u, 24u + 143}) {
         SCOPED_TRACE(next);
-        Bytes archive = ArchiveOf(u"AB");
-        PutNumber(&archive, 24 + 140, next);
-        PutNumber(&archive, 8, 0xFFFFFFFF);
         ExpectMessage(kUnreadable);
-        Restore(archive);
+        Restore(Changed(Changed(ArchiveOf(u"AB"), 24 + 140, next), 8, 0xFFFFFFFF));
         EXPECT_EQ(DatabaseNames(), std::vector<std::u16string>{u"Ab"});
     }
 }
