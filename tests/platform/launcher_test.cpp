@@ -88,18 +88,22 @@ TEST(Instance, AWindowIsFoundByItsDeviceAndClassWhileItsProcessLives) {
     const TestDevice device;
     EXPECT_FALSE(OtherInstanceHasWindow(kClass));
     EXPECT_FALSE(RequestForeground(kClass));
-    OtherProcess other({[] { return ListenForForegroundRequests(kClass) >= 0; }});
-    ASSERT_TRUE(other.Run(0));
-    EXPECT_TRUE(OtherInstanceHasWindow(kClass));
-    EXPECT_FALSE(OtherInstanceHasWindow(u"OtherClass"));
-    EXPECT_EQ(ListenForForegroundRequests(kClass), -1);
-    for (int i = 0; i < 100; ++i) {
-        ASSERT_TRUE(RequestForeground(kClass)); // though it is too busy to listen
-    }
     {
-        const TestDevice another;
-        EXPECT_FALSE(OtherInstanceHasWindow(kClass));
+        OtherProcess other({[] { return ListenForForegroundRequests(kClass) >= 0; }});
+        ASSERT_TRUE(other.Run(0));
+        EXPECT_TRUE(OtherInstanceHasWindow(kClass));
+        EXPECT_FALSE(OtherInstanceHasWindow(u"OtherClass"));
+        EXPECT_EQ(ListenForForegroundRequests(kClass), -1);
+        for (int i = 0; i < 100; ++i) {
+            ASSERT_TRUE(RequestForeground(kClass)); // though it is too busy to listen
+        }
+        {
+            const TestDevice another;
+            EXPECT_FALSE(OtherInstanceHasWindow(kClass));
+        }
+        EXPECT_TRUE(UseDevice(device.folder) && OtherInstanceHasWindow(kClass));
     }
+    EXPECT_FALSE(OtherInstanceHasWindow(kClass));
 }
 
 TEST(Instance, OnlyARequestBringsTheWindowToTheFront) {
