@@ -28,7 +28,7 @@ protected:
 
     // What the picker's user does once it is there.
     void WhenShown(std::function<void(QWidget*)> act) {
-        TestHooks().picker = [act](const PickerSeen& picker) { act(picker.widget); };
+        TestHooks().picker = [act = std::move(act)](const PickerSeen& picker) { act(picker.widget); };
     }
     static void Type(QWidget* picker, const QString& name) {
         auto* const edit = picker->findChild<QLineEdit*>(QStringLiteral("pickerName"));
@@ -70,15 +70,19 @@ TEST_F(Pickers, SaveGivesTheDevicePathWithTheExtension) {
     EXPECT_EQ(shown, QStringLiteral(".bkp"));
     EXPECT_EQ(std::u16string(path), u"\\My Documents\\week.bkp");
 
-    const std::pair<QString, std::u16string> cases[] = {
+    struct Case {
+        QString typed;
+        std::u16string saved;
+    };
+    const Case cases[] = {
         {QStringLiteral("Old\\plain"), u"\\My Documents\\Old\\plain.bkp"},
         {QStringLiteral("other.txt"), u"\\My Documents\\other.txt"},
         {QStringLiteral("all"), u"\\My Documents\\all.bkp"}, // the program asks about overwriting by itself
     };
-    for (const auto& [typed, saved] : cases) {
-        WhenShown([&](QWidget* picker) { Type(picker, typed); });
+    for (const Case& one : cases) {
+        WhenShown([&](QWidget* picker) { Type(picker, one.typed); });
         ASSERT_TRUE(Run(true));
-        EXPECT_EQ(std::u16string(path), saved);
+        EXPECT_EQ(std::u16string(path), one.saved);
     }
 }
 
