@@ -242,7 +242,7 @@ TEST_F(Dialogs, BoxesFitTheScreenWhateverTheirText) {
                 EXPECT_LT(size.width(), wanted.width());
                 stylus.Resize(screen.width(), screen.height());
                 EXPECT_EQ(size, wanted);
-                stylus.Tap(box, IDOK);
+                AnswerMessageBox(IDOK); // wherever its button stands
             });
         }
     }
