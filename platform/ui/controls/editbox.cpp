@@ -25,6 +25,20 @@ void ShowReadOnly(QWidget* widget) {
     widget->setPalette(palette);
 }
 
+template <typename Box>
+void RunEditCommand(Box& box, UINT message) {
+    if (message == WM_COPY)
+        box.copy();
+    else if (box.isReadOnly())
+        return;
+    else if (message == WM_CUT)
+        box.cut();
+    else if (message == WM_PASTE)
+        box.paste();
+    else
+        box.undo();
+}
+
 } // namespace
 
 void EditBox::SetText(const QString& text) {
@@ -91,16 +105,7 @@ void LineBox::EmptyUndoBuffer() {
 }
 
 void LineBox::Edit(UINT message) {
-    if (message == WM_COPY)
-        copy();
-    else if (isReadOnly())
-        return;
-    else if (message == WM_CUT)
-        cut();
-    else if (message == WM_PASTE)
-        paste();
-    else
-        undo();
+    RunEditCommand(*this, message);
 }
 
 // ---- many lines ----
@@ -188,14 +193,5 @@ void TextBox::Select(int start, int end) {
 }
 
 void TextBox::Edit(UINT message) {
-    if (message == WM_COPY)
-        copy();
-    else if (isReadOnly())
-        return;
-    else if (message == WM_CUT)
-        cut();
-    else if (message == WM_PASTE)
-        paste();
-    else
-        undo();
+    RunEditCommand(*this, message);
 }
