@@ -158,7 +158,7 @@ void ListModel::Reorder(const std::vector<int>& order) {
 }
 
 void ListModel::ColumnChanged(int column) {
-    emit headerDataChanged(Qt::Horizontal, column, column);
+    Q_EMIT headerDataChanged(Qt::Horizontal, column, column);
 }
 
 void ListModel::SetQuiet(bool on) {
@@ -180,5 +180,5 @@ void ListModel::Detach() {
 
 void ListModel::Changed(int row, int column) {
     if (!quiet && column < columnCount())
-        emit dataChanged(index(row, column), index(row, column));
+        Q_EMIT dataChanged(index(row, column), index(row, column));
 }
