@@ -8,12 +8,12 @@
 
 namespace {
 
-constexpr int kFormatCapacity = 100;
+constexpr int kExistsFormatCapacity = 100;
 
 void InitDatabaseExists(HWND dialog, const WCHAR* name) {
     InitDialogFrame(dialog, true, false);
-    WCHAR format[kFormatCapacity];
-    WCHAR text[kFormatCapacity + kNameCapacity];
+    WCHAR format[kExistsFormatCapacity];
+    WCHAR text[kExistsFormatCapacity + kNameCapacity];
     LoadText(IDS_DATABASE_EXISTS, format);
     wsprintfW(text, format, name);
     SetDlgItemTextW(dialog, IDC_EXISTS_TEXT, text);

@@ -11,7 +11,6 @@ namespace {
 
 constexpr COLORREF kHeaderColour = RGB(0, 0, 128);
 constexpr COLORREF kLightGrey = RGB(0xC0, 0xC0, 0xC0);
-constexpr int kTitleCapacity = 256;
 constexpr int kClassNameCapacity = 40;
 // The bitmap button: room around its picture and its place in the dialog's corner, pixels.
 constexpr int kButtonExtraWidth = 4;

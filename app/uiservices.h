@@ -16,6 +16,7 @@ constexpr UINT kWarningQuestionBox = MB_YESNO | MB_ICONEXCLAMATION;
 
 constexpr int kMessageCapacity = 512; // characters of a message box's text
 constexpr int kCaptionCapacity = 20;
+constexpr int kTitleCapacity = 256; // of a dialog or a column
 
 // Loads a string; an absent one gives an empty text. Returns the characters loaded.
 int LoadText(UINT id, WCHAR* buffer, int capacity);

@@ -62,7 +62,7 @@ void Accept(HWND dialog, BackupEngine* engine) {
     EndDialog(dialog, IDOK);
 }
 
-void OnCommand(HWND dialog, UINT command) {
+void OnBackupCommand(HWND dialog, UINT command) {
     switch (command) {
     case IDC_BACKUP_SCRIPT:
         EnableScriptPath(dialog);
@@ -79,7 +79,7 @@ void OnCommand(HWND dialog, UINT command) {
     }
 }
 
-LONG_PTR Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+LONG_PTR BackupDialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     if (HandleFrameMessage(dialog, message, wParam, lParam, u"tarnwickscope.htm#backup"))
         return TRUE;
     switch (message) {
@@ -88,7 +88,7 @@ LONG_PTR Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
         Init(dialog, *DialogState<BackupEngine>(dialog));
         return TRUE;
     case WM_COMMAND:
-        OnCommand(dialog, LOWORD(wParam));
+        OnBackupCommand(dialog, LOWORD(wParam));
         return TRUE;
     }
     return FALSE;
@@ -97,6 +97,6 @@ LONG_PTR Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
 } // namespace
 
 bool ShowBackupOptions(HWND owner, BackupEngine* engine) {
-    return RunDialog(IDD_BACKUP_OPTIONS, IDD_BACKUP_OPTIONS_LANDSCAPE, owner, Procedure,
+    return RunDialog(IDD_BACKUP_OPTIONS, IDD_BACKUP_OPTIONS_LANDSCAPE, owner, BackupDialogProcedure,
                      reinterpret_cast<LPARAM>(engine)) == IDOK;
 }

@@ -115,7 +115,7 @@ void Restore(HWND dialog, RestoreList* state) {
     EndDialog(dialog, restored ? kRestored : kNotRestored);
 }
 
-void OnCommand(HWND dialog, UINT command) {
+void OnRestoreCommand(HWND dialog, UINT command) {
     RestoreList* const state = DialogState<RestoreList>(dialog);
     if (command == IDOK)
         Restore(dialog, state);
@@ -129,7 +129,7 @@ bool IsSelectionChange(LPARAM lParam) {
            (reinterpret_cast<const NMLISTVIEW*>(lParam)->uChanged & LVIF_STATE);
 }
 
-LONG_PTR Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+LONG_PTR RestoreDialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     if (HandleFrameMessage(dialog, message, wParam, lParam, u"tarnwickscope.htm#restore"))
         return TRUE;
     switch (message) {
@@ -139,7 +139,7 @@ LONG_PTR Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
             EndDialog(dialog, kUnreadable);
         return TRUE;
     case WM_COMMAND:
-        OnCommand(dialog, LOWORD(wParam));
+        OnRestoreCommand(dialog, LOWORD(wParam));
         return TRUE;
     case WM_NOTIFY:
         if (!IsSelectionChange(lParam))
@@ -154,6 +154,6 @@ LONG_PTR Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
 
 bool ShowRestoreList(HWND owner, RestoreEngine* engine) {
     RestoreList state = {engine, false};
-    return RunDialog(IDD_SELECTION_LIST, IDD_SELECTION_LIST_LANDSCAPE, owner, Procedure,
+    return RunDialog(IDD_SELECTION_LIST, IDD_SELECTION_LIST_LANDSCAPE, owner, RestoreDialogProcedure,
                      reinterpret_cast<LPARAM>(&state)) == kRestored;
 }

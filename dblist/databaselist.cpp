@@ -16,7 +16,6 @@ namespace {
 constexpr int kColumnParts[kDatabaseColumnCount] = {7, 4, 4};
 constexpr UINT kColumnTitles[kDatabaseColumnCount] = {IDS_COLUMN_NAME, IDS_COLUMN_SIZE, IDS_COLUMN_MODIFIED};
 constexpr int kPartsOfWidth = 16;
-constexpr int kTitleCapacity = 64;
 
 constexpr COLORREF kIconMask = RGB(0xC0, 0xC0, 0xC0);
 constexpr COLORREF kHeaderMask = RGB(0xFF, 0xFF, 0xFF);

@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr int kTitleCapacity = 64;
 constexpr int kNameLimit = 32; // characters that the field takes; reading cuts them to what a name may have
 
 struct NewName {

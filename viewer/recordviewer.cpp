@@ -12,12 +12,11 @@
 #include "platform/text.h"
 #include "resources/resource.h"
 #include "viewer/focuscycle.h"
+#include "viewer/valueeditor.h"
 
 namespace {
 
 constexpr int kButtonImages = 9;
-constexpr int kNumberLimit = 30; // characters in the numeric editor
-constexpr int kTitleCapacity = 64;
 constexpr int kColumns = 3;
 constexpr UINT kColumnTitles[kColumns] = {IDS_VIEWER_COLUMN_TYPE, IDS_VIEWER_COLUMN_SIZE,
                                           IDS_VIEWER_COLUMN_ID};

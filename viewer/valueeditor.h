@@ -4,6 +4,8 @@
 #include "platform/dialog.h"
 #include "platform/objectstore.h"
 
+constexpr int kNumberLimit = 30; // characters that the numeric editor takes
+
 // What the user has touched since the value was shown.
 struct EditorState {
     bool numberModified;

@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr int kNumberLimit = 30; // characters
-
 WORD TypeOf(const AddPropertyWizard& wizard) {
     return TypeFromPropID(wizard.property->propid);
 }

@@ -10,7 +10,7 @@
 
 namespace {
 
-const WCHAR* const kClassName = u"menu_worker";
+const WCHAR* const kMenuBarClass = u"menu_worker";
 constexpr int kWordsInHeader = 2;
 constexpr int kWordsInButton = 7;
 constexpr WORD kPopupStyle = 0x88;
@@ -197,7 +197,7 @@ bool MenuMode::eventFilter(QObject*, QEvent* event) {
 } // namespace
 
 void RegisterMenuBarClass() {
-    RegisterBuiltInClass(kClassName, MenuBarProcedure, MakeMenuBarWidget);
+    RegisterBuiltInClass(kMenuBarClass, MenuBarProcedure, MakeMenuBarWidget);
 }
 
 BOOL SHCreateMenuBar(SHMENUBARINFO* info) {
@@ -205,7 +205,7 @@ BOOL SHCreateMenuBar(SHMENUBARINFO* info) {
     if (!parent)
         return FALSE;
     DestroyWindow(MenuBarOf(info->hwndParent)); // the new bar takes the place of the old one
-    info->hwndMB = CreateWindowExW(0, kClassName, u"", WS_CHILD | WS_VISIBLE, 0, 0, 0, 0, info->hwndParent,
+    info->hwndMB = CreateWindowExW(0, kMenuBarClass, u"", WS_CHILD | WS_VISIBLE, 0, 0, 0, 0, info->hwndParent,
                                    ChildId(kMenuBarId), info->hInstRes, nullptr);
     MenuBarWidget* const widget = WidgetOf(info->hwndMB);
     if (!widget)

@@ -15,7 +15,7 @@
 namespace {
 
 // At 96 dots an inch: large enough for a stylus, and nine pictures beside two popups within 480.
-constexpr int kButtonHeight = 34;
+constexpr int kBarButtonHeight = 34;
 constexpr int kPictureWidth = 36;
 constexpr int kTextMargin = 10;
 constexpr int kEdge = 2;
@@ -32,7 +32,7 @@ QColor Blend(const QColor& over, const QColor& under, double share) {
 } // namespace
 
 QSize BarButton::sizeHint() const {
-    const int height = Scaled(kButtonHeight);
+    const int height = Scaled(kBarButtonHeight);
     if (!IsPopup())
         return QSize(std::max(Scaled(kPictureWidth), picture.width() + 4), height);
     const QSize shown = fontMetrics().size(Qt::TextShowMnemonic, text());

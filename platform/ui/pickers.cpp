@@ -13,7 +13,7 @@
 
 namespace {
 
-const WCHAR* const kClassName = u"file_picker";
+const WCHAR* const kPickerClass = u"file_picker";
 
 PickerWidget* WidgetOfPicker(HWND window) {
     const WindowObject* const object = LiveWindow(window);
@@ -35,7 +35,7 @@ QWidget* MakePickerWidget(WindowObject&, QWidget* parentWidget) {
 void RegisterPickerClass() {
     EnsureWindowSystem();
     [[maybe_unused]] static const bool once = [] {
-        RegisterBuiltInClass(kClassName, PickerProcedure, MakePickerWidget);
+        RegisterBuiltInClass(kPickerClass, PickerProcedure, MakePickerWidget);
         return true;
     }();
 }
@@ -85,7 +85,7 @@ BOOL RunPicker(OPENFILENAMEW* info, bool save) {
     RegisterPickerClass();
     const HWND owner = info->hwndOwner;
     const HWND picker =
-        CreateWindowExW(0, kClassName, title, WS_POPUP, 0, 0, 0, 0, owner, nullptr, nullptr, nullptr);
+        CreateWindowExW(0, kPickerClass, title, WS_POPUP, 0, 0, 0, 0, owner, nullptr, nullptr, nullptr);
     PickerWidget* const widget = WidgetOfPicker(picker);
     if (!widget)
         return FALSE;

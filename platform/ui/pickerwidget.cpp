@@ -24,9 +24,9 @@ constexpr int kSizeColumn = 1;
 constexpr int kTypeColumn = 2;
 constexpr int kDateColumn = 3;
 // At 96 dots an inch.
-constexpr int kMargin = 6;
+constexpr int kPickerMargin = 6;
 constexpr int kRowHeight = 28;
-constexpr int kButtonHeight = 30;
+constexpr int kPickerButtonHeight = 30;
 constexpr int kRoomForColumns = 400; // narrower, only the names are shown
 
 // Empty for a path that leads nowhere.
@@ -71,7 +71,7 @@ PickerWidget::PickerWidget(QWidget* parent) : QWidget(parent) {
     setAutoFillBackground(true);
     MakeFiles();
     auto* const layout = new QVBoxLayout(this);
-    const int margin = Scaled(kMargin);
+    const int margin = Scaled(kPickerMargin);
     layout->setContentsMargins(margin, margin, margin, margin);
     layout->setSpacing(margin);
     layout->addWidget(MakePlaces());
@@ -84,10 +84,10 @@ QWidget* PickerWidget::MakePlaces() {
     auto* const row = new QWidget(this);
     auto* const layout = new QHBoxLayout(row);
     layout->setContentsMargins({});
-    layout->setSpacing(Scaled(kMargin));
+    layout->setSpacing(Scaled(kPickerMargin));
     const auto add = [&](const QString& name, const QString& hostFolder) {
         auto* const place = new QPushButton(name, row);
-        place->setMinimumHeight(Scaled(kButtonHeight));
+        place->setMinimumHeight(Scaled(kPickerButtonHeight));
         place->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
         place->setToolTip(DevicePathOf(hostFolder));
         connect(place, &QPushButton::clicked, this, [this, hostFolder] { ShowFolder(hostFolder); });
@@ -107,7 +107,7 @@ QWidget* PickerWidget::MakeFolderRow() {
     up->setObjectName(QStringLiteral("pickerUp"));
     up->setToolTip(tr("Parent folder"));
     up->setAccessibleName(up->toolTip());
-    up->setMinimumSize(Scaled(kButtonHeight), Scaled(kButtonHeight));
+    up->setMinimumSize(Scaled(kPickerButtonHeight), Scaled(kPickerButtonHeight));
     connect(up, &QPushButton::clicked, this, &PickerWidget::GoUp);
     folderLabel = new QLabel(row);
     folderLabel->setTextFormat(Qt::PlainText);
@@ -146,7 +146,7 @@ QWidget* PickerWidget::MakeNameRows() {
     auto* const rows = new QWidget(this);
     auto* const layout = new QVBoxLayout(rows);
     layout->setContentsMargins({});
-    layout->setSpacing(Scaled(kMargin));
+    layout->setSpacing(Scaled(kPickerMargin));
     auto* const label = new QLabel(tr("&Name:"), rows);
     nameEdit = new QLineEdit(rows);
     nameEdit->setObjectName(QStringLiteral("pickerName"));
@@ -168,7 +168,7 @@ QWidget* PickerWidget::MakeNameRows() {
     auto* const cancel = new QPushButton(tr("Cancel"), rows);
     cancel->setObjectName(QStringLiteral("pickerCancel"));
     for (QWidget* const control : std::initializer_list<QWidget*>{nameEdit, filterBox, acceptButton, cancel})
-        control->setMinimumHeight(Scaled(kButtonHeight));
+        control->setMinimumHeight(Scaled(kPickerButtonHeight));
     auto* const nameRow = new QHBoxLayout;
     nameRow->addWidget(label);
     nameRow->addWidget(nameEdit, 1);
@@ -295,7 +295,7 @@ void PickerWidget::FitColumns() {
     const bool room = width() >= Scaled(kRoomForColumns);
     files->setColumnHidden(kSizeColumn, !room);
     files->setColumnHidden(kDateColumn, !room);
-    const int margin = Scaled(3 * kMargin);
+    const int margin = Scaled(3 * kPickerMargin);
     const QDateTime longDate(QDate(2022, 12, 28), QTime(22, 58, 58));
     files->setColumnWidth(kSizeColumn, fontMetrics().horizontalAdvance(tr("999.99 MiB")) + margin);
     files->setColumnWidth(kDateColumn, fontMetrics().horizontalAdvance(DateText(longDate)) + margin);

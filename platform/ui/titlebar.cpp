@@ -9,8 +9,8 @@
 namespace {
 
 // Pixels at 96 to the inch.
-constexpr int kMargin = 6;
-constexpr int kIconSize = 16;
+constexpr int kTitleMargin = 6;
+constexpr int kTitleIconSize = 16;
 constexpr int kButtonInset = 3;
 constexpr int kOkWidth = 34;
 
@@ -72,7 +72,7 @@ void TitleBar::SetIcon(const QIcon& icon) {
 void TitleBar::resizeEvent(QResizeEvent*) {
     const int side = height() - 2 * Scaled(kButtonInset);
     const int wide = button->Kind() == TitleButton::Ok ? std::max(side, Scaled(kOkWidth)) : side;
-    button->setGeometry(width() - wide - Scaled(kMargin), Scaled(kButtonInset), wide, side);
+    button->setGeometry(width() - wide - Scaled(kTitleMargin), Scaled(kButtonInset), wide, side);
 }
 
 void TitleBar::paintEvent(QPaintEvent*) {
@@ -81,14 +81,14 @@ void TitleBar::paintEvent(QPaintEvent*) {
     shade.setColorAt(0, QColor(0x2a, 0x52, 0x8f));
     shade.setColorAt(1, QColor(0x17, 0x33, 0x62));
     painter.fillRect(rect(), shade);
-    QRect place = rect().adjusted(Scaled(kMargin), 0, -Scaled(kMargin), 0);
+    QRect place = rect().adjusted(Scaled(kTitleMargin), 0, -Scaled(kTitleMargin), 0);
     if (!picture.isNull()) {
-        const int side = Scaled(kIconSize);
+        const int side = Scaled(kTitleIconSize);
         picture.paint(&painter, QRect(place.left(), (height() - side) / 2, side, side));
-        place.setLeft(place.left() + side + Scaled(kMargin));
+        place.setLeft(place.left() + side + Scaled(kTitleMargin));
     }
     if (button->Kind() != TitleButton::None)
-        place.setRight(button->x() - Scaled(kMargin));
+        place.setRight(button->x() - Scaled(kTitleMargin));
     QFont bold = font();
     bold.setBold(true);
     painter.setFont(bold);

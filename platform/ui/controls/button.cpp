@@ -137,7 +137,7 @@ void ShowText(HWND window) {
         box->setTitle(window->text);
 }
 
-LRESULT DialogCode(HWND window) {
+LRESULT ButtonDialogCode(HWND window) {
     switch (KindOf(window)) {
     case BS_GROUPBOX:
         return DLGC_STATIC;
@@ -156,7 +156,7 @@ LRESULT ButtonProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     QAbstractButton* button = WidgetOf<QAbstractButton>(window);
     switch (message) {
     case WM_GETDLGCODE:
-        return LiveWindow(window) ? DialogCode(window) : 0;
+        return LiveWindow(window) ? ButtonDialogCode(window) : 0;
     case BM_GETCHECK:
         return button && button->isChecked() ? BST_CHECKED : BST_UNCHECKED;
     case BM_SETCHECK:

@@ -62,7 +62,7 @@ LRESULT SetText(HWND window, EditBox& box, const WCHAR* text) {
     return TRUE;
 }
 
-LRESULT DialogCode(HWND window) {
+LRESULT EditDialogCode(HWND window) {
     LRESULT code = DLGC_HASSETSEL | DLGC_WANTCHARS | DLGC_WANTARROWS;
     if ((window->style & ES_MULTILINE) && (window->style & ES_WANTRETURN))
         code |= DLGC_WANTALLKEYS;
@@ -87,7 +87,7 @@ LRESULT EditProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         box->Edit(message);
         return TRUE;
     case WM_GETDLGCODE:
-        return DialogCode(window);
+        return EditDialogCode(window);
     }
     if (message >= EM_GETSEL && message <= EM_EMPTYUNDOBUFFER)
         return EditMessage(*box, message, wParam, lParam);

@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr UINT kUnchecked = 1u << 12;
-
 const LVITEMW* ItemIn(LPARAM lParam) {
     return reinterpret_cast<const LVITEMW*>(lParam);
 }

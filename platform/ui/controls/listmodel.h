@@ -8,6 +8,10 @@
 
 #include "platform/controls.h"
 
+// The state image of a row with a check box.
+constexpr UINT kUnchecked = 1u << 12;
+constexpr UINT kChecked = 2u << 12;
+
 struct ListRow {
     std::vector<QString> texts; // as many as were set
     int image = 0;

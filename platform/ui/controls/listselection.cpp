@@ -9,8 +9,6 @@
 namespace {
 
 constexpr UINT kViewStates = LVIS_SELECTED | LVIS_FOCUSED;
-constexpr UINT kUnchecked = 1u << 12;
-constexpr UINT kChecked = 2u << 12;
 
 } // namespace
 
