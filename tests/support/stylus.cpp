@@ -8,10 +8,14 @@
 #include <QTest>
 #include <QTimer>
 #include <QWindow>
+#include <algorithm>
 #include <gtest/gtest.h>
 
 #include "platform/base/utf8.h"
+#include "platform/controls.h"
 #include "platform/resources.h"
+#include "platform/ui/controls/header.h"
+#include "platform/ui/menubarwidget.h"
 #include "platform/ui/messagequeue.h"
 #include "platform/ui/titlebar.h"
 #include "platform/ui/windowcore.h"
@@ -57,6 +61,25 @@ std::u16string TextOf(HWND window) {
 
 std::u16string TextOf(HWND dialog, int controlId) {
     return TextOf(GetDlgItem(dialog, controlId));
+}
+
+std::u16string CellText(HWND list, int row, int column) {
+    constexpr int kRoom = 1024;
+    WCHAR text[kRoom] = {};
+    LVITEMW item = {};
+    item.iSubItem = column;
+    item.pszText = text;
+    item.cchTextMax = kRoom;
+    SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    return text;
+}
+
+std::vector<std::u16string> ColumnTexts(HWND list, int column) {
+    std::vector<std::u16string> texts;
+    const LRESULT count = SendMessageW(list, LVM_GETITEMCOUNT, 0, 0);
+    for (int row = 0; row < count; ++row)
+        texts.push_back(CellText(list, row, column));
+    return texts;
 }
 
 Stylus::Stylus() {
@@ -136,6 +159,59 @@ void Stylus::Type(const std::u16string& text) {
     }
 }
 
+// On the row's label, once it is in sight.
+QPoint Stylus::RowPoint(HWND list, const std::u16string& text) {
+    const std::vector<std::u16string> rows = ColumnTexts(list, 0);
+    const auto found = std::find(rows.begin(), rows.end(), text);
+    auto* widget = dynamic_cast<ListWidget*>(list->widget.data());
+    if (found == rows.end() || !widget) {
+        ADD_FAILURE() << "no row " << Utf8(text);
+        return {};
+    }
+    const int row = static_cast<int>(found - rows.begin());
+    SendMessageW(list, LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
+    Settle();
+    return LayOutCell(*widget, widget->CellRect(row), row, 0).label.center();
+}
+
+void Stylus::TapRow(HWND list, const std::u16string& text) {
+    Tap(list, RowPoint(list, text));
+}
+
+void Stylus::TapHeader(HWND list, const std::u16string& title) {
+    const auto header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
+    auto* widget = dynamic_cast<HeaderView*>(header->widget.data());
+    for (int section = 0; widget && section < widget->count(); ++section) {
+        if (widget->model()->headerData(section, Qt::Horizontal).toString().toStdU16String() == title)
+            return Tap(header,
+                       QPoint(widget->sectionViewportPosition(section) + widget->sectionSize(section) / 2,
+                              widget->height() / 2));
+    }
+    ADD_FAILURE() << "no column " << Utf8(title);
+}
+
+void Stylus::ChooseFromBar(HWND window, const std::u16string& path) {
+    const HWND bar = GetDlgItem(window, kMenuBarId);
+    auto* widget = bar ? qobject_cast<MenuBarWidget*>(bar->widget) : nullptr;
+    ASSERT_TRUE(widget) << "no menu bar";
+    const std::size_t slash = path.find(u'/');
+    const std::u16string name = path.substr(0, slash);
+    for (BarButton* button : widget->Buttons()) {
+        if (button->accessibleName().toStdU16String() != name)
+            continue;
+        if (slash != std::u16string::npos)
+            ExpectMenu(path.substr(slash + 1));
+        return Tap(bar, button->geometry().center());
+    }
+    ADD_FAILURE() << "not in the menu bar: " << Utf8(name);
+}
+
+void Stylus::ChooseFromPopup(HWND list, const std::u16string& rowText, const std::u16string& item) {
+    const QPoint point = RowPoint(list, rowText);
+    ExpectMenu(item);
+    TapAndHold(list, point);
+}
+
 void Stylus::ChooseFromBar(char16_t mnemonic, const std::u16string& item) {
     ExpectMenu(item);
     Key(static_cast<Qt::Key>(mnemonic), Qt::AltModifier);
@@ -177,6 +253,15 @@ bool Stylus::Take(Kind kind, const std::function<bool(const Expected&)>& fits, E
     return true;
 }
 
+// Beside the loop of what has opened.
+void Stylus::Answer(std::function<void()> act) {
+    ++answering;
+    StartScript([this, act = std::move(act)] {
+        act();
+        --answering;
+    });
+}
+
 std::string Stylus::Waiting() const {
     if (expected.empty())
         return "nothing";
@@ -192,7 +277,7 @@ void Stylus::BoxOpened(const MessageBoxSeen& box) {
     if (Take(
             Kind::Box, [&](const Expected& next) { return next.text == box.text; }, taken)) {
         EXPECT_TRUE(GetDlgItem(window, taken.number)) << "no such answer: " << taken.number;
-        StartScript([this, window, answer = taken.number] {
+        Answer([this, window, answer = taken.number] {
             if (LiveWindow(window))
                 Tap(window, answer);
         });
@@ -208,7 +293,7 @@ void Stylus::DialogOpened(const DialogSeen& dialog) {
     if (Take(
             Kind::Dialog,
             [&](const Expected& next) { return IsTemplate(dialog.dialogTemplate, next.number); }, taken)) {
-        StartScript([window, act = taken.act] {
+        Answer([window, act = taken.act] {
             if (LiveWindow(window) && act)
                 act(window);
             else
@@ -229,7 +314,7 @@ void Stylus::MenuOpened(QMenu* menu) {
     const QPointer<QMenu> shown(menu);
     if (Take(
             Kind::Menu, [](const Expected&) { return true; }, taken)) {
-        StartScript([this, shown, item = taken.text] {
+        Answer([this, shown, item = taken.text] {
             if (shown)
                 ChooseItem(shown, item);
         });
@@ -272,7 +357,7 @@ void Stylus::PickerOpened(const PickerSeen& picker) {
     const QPointer<QWidget> shown(picker.widget);
     if (Take(
             Kind::Picker, [&](const Expected& next) { return (next.number != 0) == picker.save; }, taken)) {
-        StartScript([this, shown, name = taken.text] {
+        Answer([this, shown, name = taken.text] {
             if (shown)
                 FinishPicker(shown, name);
         });

@@ -10,6 +10,7 @@
 #include <functional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "platform/dialog.h"
 #include "platform/ui/testhooks.h"
@@ -33,8 +34,16 @@ public:
     void TapTitleButton(); // OK or the cross
     void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     void Type(const std::u16string& text);
-    // Opens the bar's popup by its mnemonic and chooses from it; `item` as ExpectMenu has it.
+    // The row with that text in its first column; its label is tapped.
+    void TapRow(HWND list, const std::u16string& text);
+    // The column with that title.
+    void TapHeader(HWND list, const std::u16string& title);
+    // Opens a popup of the window's bar by its mnemonic and chooses from it; `item` as ExpectMenu has it.
     void ChooseFromBar(char16_t mnemonic, const std::u16string& item);
+    // The same by taps: "Tools/Options...", or the name of a button that is a command.
+    void ChooseFromBar(HWND window, const std::u16string& path);
+    // Holds a row until its menu opens.
+    void ChooseFromPopup(HWND list, const std::u16string& rowText, const std::u16string& item);
     void Resize(int width, int height); // the display
 
     // ---- expecting, in the order in which things open ----
@@ -60,6 +69,8 @@ public:
     bool WaitFor(const std::function<bool()>& condition, const char* what);
     // Everything that is due has happened.
     void Settle();
+    // What was expected and has opened so far has its answer.
+    bool AllAnswered() const { return answering == 0; }
 
 private:
     enum class Kind { Box, Dialog, Menu, Picker };
@@ -77,12 +88,17 @@ private:
     void PickerOpened(const PickerSeen& picker);
     void ChooseItem(QMenu* menu, const std::u16string& item);
     void FinishPicker(QWidget* picker, const std::u16string& name);
+    void Answer(std::function<void()> act);
+    QPoint RowPoint(HWND list, const std::u16string& text);
     std::string Waiting() const;
 
     std::deque<Expected> expected;
     std::set<int> allowed;
     int opened = 0;
+    int answering = 0;
 };
 
 std::u16string TextOf(HWND window);
 std::u16string TextOf(HWND dialog, int controlId);
+std::u16string CellText(HWND list, int row, int column);
+std::vector<std::u16string> ColumnTexts(HWND list, int column);
