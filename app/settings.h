@@ -4,8 +4,14 @@
 #include "platform/gdi.h"
 #include "platform/types.h"
 
-// The last one is the viewer's: its list and the main list share key and direction.
-enum SortKey : DWORD { kSortByName = 0, kSortBySize = 1, kSortByDate = 2, kSortByInteger = 4 };
+// The last one is the viewer's: its list and the list of databases share key and direction.
+enum SortKey : DWORD {
+    kSortByName = 0,
+    kSortBySize = 1,
+    kSortByDate = 2,
+    kSortByNameToo = 3, // from the registry only
+    kSortByInteger = 4
+};
 
 constexpr int kSelectionBytes = 250;
 constexpr BYTE kNoSelection = 0xFF;

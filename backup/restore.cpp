@@ -3,10 +3,10 @@
 #include <cstring>
 
 #include "app/application.h"
-#include "app/databaseexists.h"
+#include "store/databaseexists.h"
 #include "backup/compressor.h"
 #include "backup/passworddialogs.h"
-#include "dblist/databasename.h"
+#include "store/databasename.h"
 #include "platform/controls.h"
 #include "platform/text.h"
 #include "resources/resource.h"

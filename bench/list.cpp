@@ -1,9 +1,9 @@
 // Prints what rebuilding and sorting the main window's list takes, in seconds of processor time, the median
 // of several runs: bench-list DIR
 #include "app/application.h"
-#include "app/mainwindow.h"
+#include "app/start/mainwindow.h"
 #include "dblist/databaselist.h"
-#include "dblist/listsort.h"
+#include "lists/listsort.h"
 #include "platform/device.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // Prints what showing progress adds to a restore, as a share of the whole processor time, and the longest
 // time between two looks at what the user does, in seconds: bench-progress DIR ARCHIVE
 #include "app/application.h"
-#include "app/mainwindow.h"
+#include "app/start/mainwindow.h"
 #include "backup/restore.h"
 #include "platform/device.h"
 

@@ -1,7 +1,7 @@
 // Prints what the record viewer's steps take with 65,535 records of ten properties, in seconds of processor
 // time, medians of several runs: bench-viewer DIR. Makes the databases when the device has none.
 #include "app/application.h"
-#include "app/mainwindow.h"
+#include "app/start/mainwindow.h"
 #include "platform/device.h"
 #include "platform/text.h"
 #include "platform/ui/testhooks.h"

@@ -9,7 +9,6 @@
 #include "backup/backup.h"
 #include "backup/restore.h"
 #include "dblist/databaselist.h"
-#include "dblist/listsort.h"
 #include "dblist/management.h"
 #include "dblist/viewmodify.h"
 #include "platform/menu.h"

@@ -4,8 +4,8 @@
 
 #include "app/application.h"
 #include "app/uiservices.h"
-#include "dblist/header.h"
 #include "dblist/listprocedure.h"
+#include "lists/header.h"
 #include "platform/gdi.h"
 #include "platform/shell.h"
 #include "resources/resource.h"

@@ -23,6 +23,10 @@ void SetListStyle(DWORD listStyle);
 void RebuildDatabaseList();
 // Reads icon, size and date of the selected rows' databases anew; the order of the rows stays.
 void UpdateSelectedRows();
+// Sorts by the settings' key and direction, under the wait cursor.
+void SortDatabaseList();
+// A column was tapped: its own key, or the other direction when it is the key already.
+void SortByColumn(int column);
 // Remembers the selected rows in the settings.
 void SaveListSelection();
 
@@ -33,6 +37,3 @@ int SelectedRowCount();
 void DatabaseNameOfRow(int row, WCHAR (&name)[kNameCapacity]);
 // The first selected row's name; false when no row is selected.
 bool SelectedDatabaseName(WCHAR (&name)[kNameCapacity]);
-
-// A database of the system's own: its name begins with a backslash.
-bool IsSystemDatabase(const WCHAR* name);

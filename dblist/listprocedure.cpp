@@ -1,7 +1,7 @@
 #include "dblist/listprocedure.h"
 
 #include "app/application.h"
-#include "dblist/header.h"
+#include "lists/header.h"
 #include "platform/controls.h"
 #include "platform/menu.h"
 #include "platform/shell.h"
@@ -61,28 +61,20 @@ LRESULT OnRightButtonDown(HWND list, WPARAM wParam, LPARAM lParam) {
 } // namespace
 
 LRESULT DatabaseListProcedure(HWND list, UINT message, WPARAM wParam, LPARAM lParam) {
-    // The viewer's list has this procedure for its header's sake; what opens a viewer belongs to the main
-    // list.
-    const bool mainList = list == App().listView;
     switch (message) {
     case WM_DRAWITEM:
-        DrawHeaderItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam),
-                       static_cast<int>(App().settings->sortKey), App().settings->sortAscending != 0);
+        DrawHeaderItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
         return TRUE;
     case WM_KEYDOWN:
-        if (mainList && wParam == VK_RETURN) {
+        if (wParam == VK_RETURN) {
             PostMessageW(App().mainWindow, WM_COMMAND, IDM_VIEW_MODIFY, 0);
             return 0;
         }
         break;
     case WM_LBUTTONDOWN:
-        if (mainList)
-            return OnStylusDown(list, wParam, lParam);
-        break;
+        return OnStylusDown(list, wParam, lParam);
     case WM_RBUTTONDOWN:
-        if (mainList)
-            return OnRightButtonDown(list, wParam, lParam);
-        break;
+        return OnRightButtonDown(list, wParam, lParam);
     }
     return PassOn(list, message, wParam, lParam);
 }

@@ -5,7 +5,7 @@
 
 #include "app/application.h"
 #include "app/uiservices.h"
-#include "dblist/listsort.h"
+#include "lists/listsort.h"
 #include "platform/objectstore.h"
 #include "store/datetimetext.h"
 #include "store/sizetext.h"
@@ -184,6 +184,18 @@ int SelectedRowCount() {
     return static_cast<int>(SendMessageW(App().listView, LVM_GETSELECTEDCOUNT, 0, 0));
 }
 
-bool IsSystemDatabase(const WCHAR* name) {
-    return name[0] == u'\\';
+void SortDatabaseList() {
+    const WaitCursor wait;
+    ListSort sort = SettingsSort(App().listView);
+    SortListView(sort);
+}
+
+void SortByColumn(int column) {
+    DWORD key = kSortByName;
+    if (column == kSizeColumn)
+        key = kSortBySize;
+    else if (column == kDateColumn)
+        key = kSortByDate;
+    SetSortKey(key);
+    SortDatabaseList();
 }

@@ -1,9 +1,9 @@
 #include "dblist/management.h"
 
 #include "app/uiservices.h"
-#include "dblist/databasename.h"
 #include "platform/text.h"
 #include "resources/resource.h"
+#include "store/databasename.h"
 
 namespace {
 

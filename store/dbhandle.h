@@ -17,6 +17,11 @@ struct RecordBuffer {
     CEPROPVAL* Properties() const { return reinterpret_cast<CEPROPVAL*>(data); }
 };
 
+// A database of the system's own: its name begins with a backslash.
+inline bool IsSystemDatabase(const WCHAR* name) {
+    return name[0] == u'\\';
+}
+
 class DbHandle {
 public:
     explicit DbHandle(HWND owner);

@@ -1,6 +1,6 @@
 // The list of the current record's properties.
 #include "app/uiservices.h"
-#include "dblist/listsort.h"
+#include "lists/listsort.h"
 #include "platform/text.h"
 #include "resources/resource.h"
 #include "store/propertyvalues.h"

@@ -5,8 +5,7 @@
 
 #include "app/dialogframe.h"
 #include "app/uiservices.h"
-#include "dblist/header.h"
-#include "dblist/listprocedure.h"
+#include "lists/header.h"
 #include "platform/dialog.h"
 #include "platform/shell.h"
 #include "platform/text.h"
@@ -183,6 +182,18 @@ void RecordViewer::InitWindow() {
     SetDlgItemTextW(dialog, IDC_FRAME_TITLE, title);
 }
 
+namespace {
+
+// In front of the list view's own procedure, for its header's sake.
+LRESULT PropertyListProcedure(HWND list, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != WM_DRAWITEM)
+        return CallWindowProcW(App().listViewProc, list, message, wParam, lParam);
+    DrawHeaderItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
+    return TRUE;
+}
+
+} // namespace
+
 void RecordViewer::InitList() {
     const HWND list = Control(IDC_VIEWER_LIST);
     RECT client;
@@ -202,7 +213,7 @@ void RecordViewer::InitList() {
     const HWND header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
     SendMessageW(header, HDM_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(App().headerImages));
     MakeHeaderOwnerDrawn(list);
-    SetWindowLongPtrW(list, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(DatabaseListProcedure));
+    SetWindowLongPtrW(list, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(PropertyListProcedure));
 }
 
 namespace {

@@ -5,5 +5,5 @@
 
 // Makes every item of the list view's header owner-drawn.
 void MakeHeaderOwnerDrawn(HWND list);
-// Draws one item for WM_DRAWITEM, with an arrow when its column is the sorted one.
-void DrawHeaderItem(const DRAWITEMSTRUCT& item, int sortKind, bool ascending);
+// Draws one item for WM_DRAWITEM, with an arrow when the settings sort by its column.
+void DrawHeaderItem(const DRAWITEMSTRUCT& item);

@@ -1,10 +1,9 @@
-#include "app/mainwindow.h"
+#include "app/start/mainwindow.h"
 
 #include "app/application.h"
 #include "app/uiservices.h"
 #include "dblist/commands.h"
 #include "dblist/databaselist.h"
-#include "dblist/listsort.h"
 #include "dblist/management.h"
 #include "platform/controls.h"
 #include "platform/gdi.h"

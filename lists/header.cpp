@@ -1,9 +1,9 @@
-#include "dblist/header.h"
+#include "lists/header.h"
 
 #include <algorithm>
 
 #include "app/application.h"
-#include "dblist/listsort.h"
+#include "lists/listsort.h"
 #include "platform/gdi.h"
 #include "platform/text.h"
 
@@ -17,19 +17,13 @@ constexpr int kPressedRight = 1;
 constexpr int kPressedDown = 2;
 constexpr int kEllipsisLength = 3;
 
-bool IsSortedColumn(UINT column, int sortKind) {
-    switch (static_cast<SortKind>(sortKind)) {
-    case SortKind::Name:
-        return column == 0;
-    case SortKind::Size:
-        return column == 1;
-    case SortKind::Date:
-    case SortKind::Integer:
-        return column == 2;
-    case SortKind::NameToo:
-        return false;
-    }
-    return false;
+ArrowImage ArrowOf(UINT column) {
+    const Settings& settings = *App().settings;
+    // Quirk: the second key for names sorts without an arrow.
+    if (settings.sortKey == kSortByNameToo || settings.sortKey > kSortByInteger ||
+        static_cast<int>(column) != ColumnOfSortKey(settings.sortKey))
+        return kNoArrow;
+    return settings.sortAscending ? kArrowUp : kArrowDown;
 }
 
 LONG TextWidth(HDC dc, const WCHAR* text, int length) {
@@ -103,18 +97,15 @@ void MakeHeaderOwnerDrawn(HWND list) {
     }
 }
 
-void DrawHeaderItem(const DRAWITEMSTRUCT& item, int sortKind, bool ascending) {
+void DrawHeaderItem(const DRAWITEMSTRUCT& item) {
     const int saved = SaveDC(item.hDC);
     const HBRUSH background = CreateSolidBrush(GetBkColor(item.hDC));
     FillRect(item.hDC, &item.rcItem, background);
     DeleteObject(background);
     SetBkMode(item.hDC, TRANSPARENT);
 
-    ArrowImage image = kNoArrow;
-    if (IsSortedColumn(item.itemID, sortKind))
-        image = ascending ? kArrowUp : kArrowDown;
     RECT rect = item.rcItem;
-    rect.left += DrawArrow(item, image);
+    rect.left += DrawArrow(item, ArrowOf(item.itemID));
     DrawLabel(item, rect);
     RestoreDC(item.hDC, saved);
 }

@@ -1,7 +1,6 @@
-#include "dblist/listsort.h"
+#include "lists/listsort.h"
 
 #include "app/application.h"
-#include "app/uiservices.h"
 #include "platform/controls.h"
 #include "platform/datetime.h"
 #include "platform/objectstore.h"
@@ -11,8 +10,9 @@
 namespace {
 
 constexpr int kNameColumn = 0;
-constexpr int kIntegerColumn = 2; // the viewer's ids
-constexpr int kHundredths = 100;  // in one kilobyte's text
+constexpr int kSizeColumn = 1;
+constexpr int kLastColumn = 2;   // dates, and the viewer's ids
+constexpr int kHundredths = 100; // in one kilobyte's text
 constexpr WCHAR kDot = u'.';
 
 int RowOfParameter(HWND list, LPARAM parameter) {
@@ -104,16 +104,14 @@ int CompareTexts(const ListSort& sort, int first, int second) {
     WCHAR secondText[MAX_PATH];
     RowText(sort.list, first, sort.subItem, firstText);
     RowText(sort.list, second, sort.subItem, secondText);
-    switch (static_cast<SortKind>(sort.kind)) {
-    case SortKind::Name:
-    case SortKind::NameToo:
+    switch (sort.key) {
+    case kSortByName:
+    case kSortByNameToo:
         return CompareNames(firstText, secondText);
-    case SortKind::Size:
+    case kSortBySize:
         return Compare(SizeOfText(firstText), SizeOfText(secondText));
-    case SortKind::Integer:
+    case kSortByInteger:
         return Compare(ReadNumber(firstText), ReadNumber(secondText));
-    case SortKind::Date:
-        break;
     }
     return 0;
 }
@@ -128,13 +126,24 @@ int CompareRows(LPARAM firstParameter, LPARAM secondParameter, LPARAM param) {
     const int second = RowOfParameter(sort.list, secondParameter);
     if (first == second)
         return 0;
-    const int order = static_cast<SortKind>(sort.kind) == SortKind::Date && firstParameter >= 0
+    const int order = sort.key == kSortByDate && firstParameter >= 0
                           ? CompareDates(sort, firstParameter, first, secondParameter, second)
                           : CompareTexts(sort, first, second);
     return sort.ascending ? order : -order;
 }
 
 } // namespace
+
+int ColumnOfSortKey(DWORD key) {
+    switch (key) {
+    case kSortBySize:
+        return kSizeColumn;
+    case kSortByDate:
+    case kSortByInteger:
+        return kLastColumn;
+    }
+    return kNameColumn;
+}
 
 void SortListView(ListSort& sort) {
     SendMessageW(sort.list, LVM_SORTITEMS, reinterpret_cast<WPARAM>(&sort),
@@ -144,9 +153,7 @@ void SortListView(ListSort& sort) {
 
 ListSort SettingsSort(HWND list) {
     const Settings& settings = *App().settings;
-    const int key = static_cast<int>(settings.sortKey);
-    const int subItem = settings.sortKey == kSortByInteger ? kIntegerColumn : key;
-    return {settings.sortAscending != 0, subItem, key, list};
+    return {settings.sortAscending != 0, ColumnOfSortKey(settings.sortKey), settings.sortKey, list};
 }
 
 void SetSortKey(DWORD key) {
@@ -154,20 +161,4 @@ void SetSortKey(DWORD key) {
     if (key == settings.sortKey)
         settings.sortAscending = !settings.sortAscending;
     settings.sortKey = key;
-}
-
-void SortDatabaseList() {
-    const WaitCursor wait;
-    ListSort sort = SettingsSort(App().listView);
-    SortListView(sort);
-}
-
-void SortByColumn(int column) {
-    DWORD key = kSortByName;
-    if (column == 1)
-        key = kSortBySize;
-    else if (column == 2)
-        key = kSortByDate;
-    SetSortKey(key);
-    SortDatabaseList();
 }

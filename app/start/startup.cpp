@@ -1,7 +1,7 @@
 // The program's entry: one unattended job, or the main window and its message loop.
 #include "app/application.h"
-#include "app/commandline.h"
-#include "app/mainwindow.h"
+#include "app/start/commandline.h"
+#include "app/start/mainwindow.h"
 #include "platform/process.h"
 #include "platform/shell.h"
 #include "resources/resource.h"

@@ -1,4 +1,4 @@
-#include "dblist/databasename.h"
+#include "store/databasename.h"
 
 #include "app/dialogframe.h"
 #include "app/uiservices.h"

@@ -1,4 +1,4 @@
-#include "app/databaseexists.h"
+#include "store/databaseexists.h"
 
 #include "app/dialogframe.h"
 #include "app/uiservices.h"

@@ -1,4 +1,4 @@
-#include "app/commandline.h"
+#include "app/start/commandline.h"
 
 #include <memory>
 #include <new>
