@@ -72,10 +72,9 @@ void InitDialogFrame(HWND dialog, bool doneButton, bool bitmapButton) {
         CreateBitmapButton(dialog);
 
     const HFONT boldFont = App().settings ? App().settings->boldFont : nullptr;
-    for (HWND control = GetWindow(dialog, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
+    for (HWND control = GetWindow(dialog, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT))
         if (WantsBoldFont(control))
             SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(boldFont), TRUE);
-    }
 }
 
 bool PaintDialogFrame(HWND dialog) {

@@ -78,10 +78,9 @@ HANDLE CreateFileForWriting(HWND owner, const WCHAR* path, WCHAR* chosenPath) {
 bool PickFile(HWND owner, WCHAR* path, bool open, UINT filterId, const WCHAR* extension) {
     WCHAR filter[MAX_PATH] = {};
     LoadText(filterId, filter);
-    for (WCHAR* character = filter; *character; ++character) {
+    for (WCHAR* character = filter; *character; ++character)
         if (*character == u'|')
             *character = 0;
-    }
 
     // The proposed name is the bare extension; what the caller's buffer held is meant to be lost.
     CopyText(path, MAX_PATH, extension + 1);

@@ -1,9 +1,9 @@
 #include "backup/compressor.h"
 
-#include "platform/memory.h"
-
 #include <algorithm>
 #include <cstdlib>
+
+#include "platform/memory.h"
 
 namespace {
 constexpr std::size_t kOutputStep = 2048;

@@ -1,10 +1,10 @@
 // Expanding. A code's string is a string that was written before and the byte that followed it, so it stands
 // in the output already: all that is kept of it is where.
-#include "backup/compressor.h"
-
 #include <algorithm>
 #include <bit>
 #include <cstring>
+
+#include "backup/compressor.h"
 
 static_assert(std::endian::native == std::endian::little, "codes are read as they lie in memory");
 
@@ -17,11 +17,10 @@ constexpr DWORD kMostOutput = 1 << 30;
 DWORD ReadCode(const BYTE* stream, std::size_t length, std::size_t bit, DWORD width) {
     const std::size_t byte = bit / 8;
     DWORD value = 0;
-    if (byte + sizeof value <= length) {
+    if (byte + sizeof value <= length)
         std::memcpy(&value, stream + byte, sizeof value);
-    } else {
+    else
         std::memcpy(&value, stream + byte, length - byte);
-    }
     return value >> bit % 8 & ((1u << width) - 1);
 }
 

@@ -1,11 +1,11 @@
 // Compressing. The strings learned so far are a tree, kept by code: a string and each string that is longer
 // by a byte are found from one another in one step. What is written is the same as if they were kept in any
 // other way.
-#include "backup/compressor.h"
-
 #include <algorithm>
 #include <bit>
 #include <cstring>
+
+#include "backup/compressor.h"
 
 static_assert(std::endian::native == std::endian::little, "codes are stored as they lie in memory");
 

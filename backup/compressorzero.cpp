@@ -3,9 +3,9 @@
 // code of the rest`, and took a slot for free when the key there was not above 0. So the pair of two zero
 // bytes, whose key is 0, could lose its slot to another string that came by in its search, and was then
 // learned again under a new code. Readers never mind, but the codes that follow are others.
-#include "backup/compressor.h"
-
 #include <cstring>
+
+#include "backup/compressor.h"
 
 namespace {
 constexpr DWORD kZeroPair = 0; // as a key
@@ -36,10 +36,9 @@ void Compressor::WatchZeroPair(DWORD newCode) {
         std::memset(TakenBits(), 0, (kHashSize / 32 + 1) * sizeof(DWORD));
         string = kFirstFree;
     }
-    for (; string <= newCode; ++string) {
+    for (; string <= newCode; ++string)
         if (TakeSlot(keys[string]))
             Pairs()[kZeroPair] = 0;
-    }
 }
 
 // Finds the slot that a new string would have had in that table. True when it was the zero pair's.

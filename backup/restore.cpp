@@ -3,13 +3,13 @@
 #include <cstring>
 
 #include "app/application.h"
-#include "store/databaseexists.h"
 #include "backup/compressor.h"
 #include "backup/passworddialogs.h"
-#include "store/databasename.h"
 #include "platform/controls.h"
 #include "platform/text.h"
 #include "resources/resource.h"
+#include "store/databaseexists.h"
+#include "store/databasename.h"
 
 namespace {
 

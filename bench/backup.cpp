@@ -2,22 +2,22 @@
 //
 // The command line of the program always compresses; here one can choose.
 #include "backup/backup.h"
-#include "app/application.h"
-#include "platform/device.h"
 
 #include <cstdio>
 #include <memory>
 #include <string>
 #include <string_view>
 
+#include "app/application.h"
+#include "platform/device.h"
+
 namespace {
 
 bool BackUp(const WCHAR* archive, bool compress) {
     const auto engine = std::make_unique<BackupEngine>();
     engine->compress = compress;
-    if (!engine->BeginBackup(nullptr, false, archive)) {
+    if (!engine->BeginBackup(nullptr, false, archive))
         return false;
-    }
     const HANDLE databases = CeFindFirstDatabase(0);
     bool whole = databases != INVALID_HANDLE_VALUE;
     while (const CEOID oid = whole ? CeFindNextDatabase(databases) : 0) {

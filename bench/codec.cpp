@@ -3,9 +3,6 @@
 //
 //   codec compress|expand FILE
 //   codec corpus text|binaries|records SIZE
-#include "backup/compressor.h"
-#include "bench/codeccorpus.h"
-
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -14,6 +11,9 @@
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "backup/compressor.h"
+#include "bench/codeccorpus.h"
 
 namespace {
 

@@ -19,10 +19,9 @@ std::vector<std::filesystem::path> FilesBelow(const char* folder) {
     std::error_code error;
     constexpr auto quietly = std::filesystem::directory_options::skip_permission_denied;
     for (std::filesystem::recursive_directory_iterator each(folder, quietly, error), end; each != end;
-         each.increment(error)) {
+         each.increment(error))
         if (!each->is_symlink(error) && each->is_regular_file(error))
             files.push_back(each->path());
-    }
     std::sort(files.begin(), files.end());
     return files;
 }
@@ -120,10 +119,9 @@ private:
 
     Bytes Whole() {
         const std::size_t front = entries.size() * sizeof(Entry);
-        for (Entry& entry : entries) {
+        for (Entry& entry : entries)
             if ((entry.property & 0xFFFF) == 0x1F)
                 entry.value += static_cast<DWORD>(front);
-        }
         Bytes record(front + 2 * texts.size());
         std::memcpy(record.data(), entries.data(), front);
         std::memcpy(record.data() + front, texts.data(), 2 * texts.size());

@@ -1,15 +1,15 @@
 // Prints what rebuilding and sorting the main window's list takes, in seconds of processor time, the median
 // of several runs: bench-list DIR
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <ctime>
+
 #include "app/application.h"
 #include "app/start/mainwindow.h"
 #include "dblist/databaselist.h"
 #include "lists/listsort.h"
 #include "platform/device.h"
-
-#include <algorithm>
-#include <array>
-#include <cstdio>
-#include <ctime>
 
 namespace {
 
@@ -17,9 +17,8 @@ constexpr int kRuns = 7;
 
 void HandleMessages() {
     MSG message = {};
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
         DispatchMessageW(&message);
-    }
 }
 
 template <typename Work>
@@ -44,14 +43,15 @@ int main(int argc, char** argv) {
     }
     static char module;
     App().instance = reinterpret_cast<HINSTANCE>(&module);
-    if (!RegisterMainWindowClass() || !CreateMainWindow()) {
+    if (!RegisterMainWindowClass() || !CreateMainWindow())
         return 1;
-    }
     HandleMessages();
     std::printf("rows %d\n", DatabaseRowCount());
     Print("rebuild", RebuildDatabaseList);
-    Print("name", [] { SortByColumn(kNameColumn); });
-    Print("size", [] { SortByColumn(kSizeColumn); });
+    Print(
+        "name", [] { SortByColumn(kNameColumn); });
+    Print(
+        "size", [] { SortByColumn(kSizeColumn); });
     Print("date", [] { SortByColumn(kDateColumn); });
     return 0;
 }

@@ -1,13 +1,13 @@
 // Makes a device of so many databases with so many records of about 100 bytes each:
 // bench-makedevice DIR DATABASES RECORDS
+#include <cstdio>
+#include <cstdlib>
+
 #include "platform/device.h"
 #include "platform/errors.h"
 #include "platform/text.h"
 #include "tools/sampledata/sampletable.h"
 #include "tools/sampledata/sampletime.h"
-
-#include <cstdio>
-#include <cstdlib>
 
 namespace {
 

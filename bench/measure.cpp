@@ -30,21 +30,17 @@ double Seconds(const timeval& time) {
 double MeasureOnce(std::string_view what, char** command) {
     const auto start = std::chrono::steady_clock::now();
     const pid_t child = fork();
-    if (child == 0) {
+    if (child == 0)
         Become(command);
-    }
     int status = 0;
     rusage usage = {};
     if (child < 0 || wait4(child, &status, 0, &usage) != child || !WIFEXITED(status) ||
-        WEXITSTATUS(status) == 127) {
+        WEXITSTATUS(status) == 127)
         return -1;
-    }
-    if (what == "memory") {
+    if (what == "memory")
         return static_cast<double>(usage.ru_maxrss);
-    }
-    if (what == "cpu") {
+    if (what == "cpu")
         return Seconds(usage.ru_utime) + Seconds(usage.ru_stime);
-    }
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 

@@ -1,16 +1,16 @@
 // Prints what showing progress adds to a restore, as a share of the whole processor time, and the longest
 // time between two looks at what the user does, in seconds: bench-progress DIR ARCHIVE
-#include "app/application.h"
-#include "app/start/mainwindow.h"
-#include "backup/restore.h"
-#include "platform/device.h"
-
 #include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
 #include <ctime>
 #include <string>
+
+#include "app/application.h"
+#include "app/start/mainwindow.h"
+#include "backup/restore.h"
+#include "platform/device.h"
 
 namespace {
 

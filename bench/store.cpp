@@ -17,40 +17,35 @@ namespace {
 
 sqlite3_stmt* Prepare(sqlite3* database, const char* sql) {
     sqlite3_stmt* statement = nullptr;
-    if (sqlite3_prepare_v2(database, sql, -1, &statement, nullptr) != SQLITE_OK) {
+    if (sqlite3_prepare_v2(database, sql, -1, &statement, nullptr) != SQLITE_OK)
         Fail(database);
-    }
     return statement;
 }
 
 void Run(sqlite3* database, sqlite3_stmt* statement) {
-    if (sqlite3_step(statement) != SQLITE_DONE) {
+    if (sqlite3_step(statement) != SQLITE_DONE)
         Fail(database);
-    }
     sqlite3_reset(statement);
 }
 
 sqlite3* Open(const std::string& file) {
     sqlite3* database = nullptr;
-    if (sqlite3_open(file.c_str(), &database) != SQLITE_OK) {
+    if (sqlite3_open(file.c_str(), &database) != SQLITE_OK)
         Fail(database);
-    }
     return database;
 }
 
 // With the store's own settings.
 void Insert(const std::string& file, int records, int bytes) {
-    for (const char* ending : {"", "-wal", "-shm"}) {
+    for (const char* ending : {"", "-wal", "-shm"})
         unlink((file + ending).c_str());
-    }
     sqlite3* database = Open(file);
     if (sqlite3_exec(
             database,
             "PRAGMA encoding = 'UTF-16le'; PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL;"
             "CREATE TABLE records (id INTEGER PRIMARY KEY, properties INTEGER NOT NULL, data BLOB NOT NULL)",
-            nullptr, nullptr, nullptr) != SQLITE_OK) {
+            nullptr, nullptr, nullptr) != SQLITE_OK)
         Fail(database);
-    }
     sqlite3_stmt* begin = Prepare(database, "BEGIN IMMEDIATE");
     sqlite3_stmt* insert = Prepare(database, "INSERT INTO records VALUES (?1, 4, ?2)");
     sqlite3_stmt* commit = Prepare(database, "COMMIT");
@@ -62,9 +57,8 @@ void Insert(const std::string& file, int records, int bytes) {
         Run(database, insert);
         Run(database, commit);
     }
-    for (sqlite3_stmt* statement : {begin, insert, commit}) {
+    for (sqlite3_stmt* statement : {begin, insert, commit})
         sqlite3_finalize(statement);
-    }
     sqlite3_close(database);
 }
 
@@ -79,9 +73,8 @@ void Read(const std::string& file) {
         const void* data = sqlite3_column_blob(select, 1);
         bytes += data ? sqlite3_column_bytes(select, 1) : 0;
     }
-    if (result != SQLITE_DONE) {
+    if (result != SQLITE_DONE)
         Fail(database);
-    }
     std::printf("%lld %lld\n", properties, bytes);
     sqlite3_finalize(select);
     sqlite3_close(database);

@@ -1,5 +1,11 @@
 // Prints what the record viewer's steps take with 65,535 records of ten properties, in seconds of processor
 // time, medians of several runs: bench-viewer DIR. Makes the databases when the device has none.
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <ctime>
+#include <functional>
+
 #include "app/application.h"
 #include "app/start/mainwindow.h"
 #include "platform/device.h"
@@ -8,12 +14,6 @@
 #include "resources/resource.h"
 #include "tools/sampledata/sampletable.h"
 #include "viewer/recordviewer.h"
-
-#include <algorithm>
-#include <array>
-#include <cstdio>
-#include <ctime>
-#include <functional>
 
 namespace {
 

@@ -1,10 +1,9 @@
 // The rows of the database list: read from the store, selected, remembered.
-#include "dblist/databaselist.h"
-
 #include <cstring>
 
 #include "app/application.h"
 #include "app/uiservices.h"
+#include "dblist/databaselist.h"
 #include "lists/listsort.h"
 #include "platform/objectstore.h"
 #include "store/datetimetext.h"

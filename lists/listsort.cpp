@@ -35,10 +35,9 @@ void RowText(HWND list, int row, int subItem, WCHAR (&text)[MAX_PATH]) {
 // Null when there is no dot.
 WCHAR* LastDot(WCHAR* text) {
     WCHAR* dot = nullptr;
-    for (; *text; ++text) {
+    for (; *text; ++text)
         if (*text == kDot)
             dot = text;
-    }
     return dot;
 }
 
@@ -60,10 +59,9 @@ int Compare(T first, T second) {
 
 // What follows the last dot of a name does not count, as if it were a file's extension.
 int CompareNames(WCHAR* first, WCHAR* second) {
-    for (WCHAR* text : {first, second}) {
+    for (WCHAR* text : {first, second})
         if (WCHAR* dot = LastDot(text))
             *dot = 0;
-    }
     return lstrcmpiW(first, second);
 }
 

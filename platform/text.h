@@ -4,9 +4,9 @@
 // fit and always terminates it. A room of 0 leaves the buffer alone.
 #pragma once
 
-#include "platform/types.h"
-
 #include <cstdarg>
+
+#include "platform/types.h"
 
 // Returns the characters written, terminator not counted.
 int CopyText(WCHAR* out, std::size_t capacity, const WCHAR* text); // null text counts as empty

@@ -212,10 +212,9 @@ constexpr ErrorText kErrorTexts[] = {
 };
 
 UINT ErrorStringId(DWORD error) {
-    for (const ErrorText& entry : kErrorTexts) {
+    for (const ErrorText& entry : kErrorTexts)
         if (entry.error == error)
             return entry.stringId;
-    }
     return IDS_ERROR_UNKNOWN;
 }
 

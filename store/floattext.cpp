@@ -106,9 +106,8 @@ std::string FloatText(double value, int places) {
 void FormatFloatText(double value, int places, WCHAR (&text)[kValueTextCapacity]) {
     const std::string narrow = FloatText(value, places);
     int length = 0;
-    for (const char character : narrow) {
+    for (const char character : narrow)
         if (length < kValueTextCapacity - 1)
             text[length++] = static_cast<WCHAR>(character);
-    }
     text[length] = 0;
 }

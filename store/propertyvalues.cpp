@@ -27,10 +27,9 @@ constexpr TypeNames kTypes[] = {
 };
 
 const TypeNames* FindType(WORD type) {
-    for (const TypeNames& entry : kTypes) {
+    for (const TypeNames& entry : kTypes)
         if (entry.type == type)
             return &entry;
-    }
     return nullptr;
 }
 

@@ -43,10 +43,9 @@ bool TextFits(const RecordBuffer& buffer, DWORD offset, DWORD entriesEnd) {
     if (offset < entriesEnd || offset >= buffer.size || offset % sizeof(WCHAR) != 0)
         return false;
     const WCHAR* text = reinterpret_cast<const WCHAR*>(buffer.data + offset);
-    for (DWORD left = (buffer.size - offset) / sizeof(WCHAR); left > 0; --left, ++text) {
+    for (DWORD left = (buffer.size - offset) / sizeof(WCHAR); left > 0; --left, ++text)
         if (*text == 0)
             return true;
-    }
     return false;
 }
 
@@ -85,10 +84,9 @@ bool ToPointers(RecordBuffer& buffer) {
     if (entriesEnd > buffer.size || LocalSize(buffer.data) < buffer.size)
         return false;
     for (CEPROPVAL* property = buffer.Properties(); property != buffer.Properties() + buffer.propCount;
-         ++property) {
+         ++property)
         if (!ToPointer(property, buffer, entriesEnd))
             return false;
-    }
     return true;
 }
 

@@ -1,12 +1,12 @@
 // Makes a device with sample databases: sample-device DIR
+#include <cstdio>
+#include <filesystem>
+#include <string_view>
+
 #include "platform/device.h"
 #include "platform/errors.h"
 #include "platform/files.h"
 #include "tools/sampledata/sampledatabases.h"
-
-#include <cstdio>
-#include <filesystem>
-#include <string_view>
 
 namespace {
 
@@ -21,9 +21,8 @@ bool WriteReadme() {
     std::filesystem::create_directories(DeviceRootFolder() + "/My Documents", error);
     const HANDLE file = CreateFileW(u"\\My Documents\\readme.txt", GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                     FILE_ATTRIBUTE_NORMAL, 0);
-    if (file == INVALID_HANDLE_VALUE) {
+    if (file == INVALID_HANDLE_VALUE)
         return false;
-    }
     DWORD written = 0;
     const bool whole = WriteFile(file, kReadme.data(), static_cast<DWORD>(kReadme.size()), &written, nullptr);
     return CloseHandle(file) && whole;
@@ -49,12 +48,10 @@ int main(int argc, char** argv) {
         return 2;
     }
     const char* folder = argv[1];
-    if (!UseDevice(folder)) {
+    if (!UseDevice(folder))
         return Complain(folder, "cannot be made or opened");
-    }
-    if (std::filesystem::exists(DeviceStorePath())) {
+    if (std::filesystem::exists(DeviceStorePath()))
         return Complain(folder, "holds a device already");
-    }
     if (!FillDevice()) {
         std::fprintf(stderr, "sample-device: error %u while filling %s\n", GetLastError(), folder);
         return 1;

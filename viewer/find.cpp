@@ -1,12 +1,11 @@
 // Finding a text in the records.
-#include "viewer/finddialog.h"
-
 #include <string_view>
 
 #include "app/uiservices.h"
 #include "platform/text.h"
 #include "resources/resource.h"
 #include "store/propertyvalues.h"
+#include "viewer/finddialog.h"
 #include "viewer/recordviewer.h"
 
 namespace {

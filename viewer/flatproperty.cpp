@@ -40,10 +40,9 @@ void PointAtPayload(CEPROPVAL* property, BYTE* payload) {
 }
 
 bool TextEnds(const WCHAR* text, DWORD characters) {
-    for (DWORD place = 0; place < characters; ++place) {
+    for (DWORD place = 0; place < characters; ++place)
         if (text[place] == 0)
             return true;
-    }
     return false;
 }
 

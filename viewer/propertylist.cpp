@@ -141,10 +141,9 @@ CEPROPVAL* RecordViewer::SelectedProperty() const {
 }
 
 CEPROPVAL* RecordViewer::FindProperty(CEPROPID identifier) const {
-    for (WORD place = 0; place < record.propCount; ++place) {
+    for (WORD place = 0; place < record.propCount; ++place)
         if (record.Properties()[place].propid == identifier)
             return record.Properties() + place;
-    }
     return nullptr;
 }
 

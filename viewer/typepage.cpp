@@ -31,10 +31,9 @@ void FillTypeList(HWND dialog, DWORD chosen) {
     // The list is sorted, so places are known only now.
     LRESULT selected = 0;
     const LRESULT count = ToTypeList(dialog, CB_GETCOUNT, 0, 0);
-    for (LRESULT item = 0; item < count; ++item) {
+    for (LRESULT item = 0; item < count; ++item)
         if (static_cast<DWORD>(ToTypeList(dialog, CB_GETITEMDATA, static_cast<WPARAM>(item), 0)) == chosen)
             selected = item;
-    }
     ToTypeList(dialog, CB_SETCURSEL, static_cast<WPARAM>(selected), 0);
 }
 

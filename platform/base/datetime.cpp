@@ -1,15 +1,15 @@
 #include "platform/datetime.h"
 
-#include "platform/base/localepatterns.h"
-#include "platform/errors.h"
-#include "platform/text.h"
-
 #include <QDate>
 #include <QLocale>
 #include <QTime>
 #include <chrono>
 #include <ctime>
 #include <thread>
+
+#include "platform/base/localepatterns.h"
+#include "platform/errors.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -58,17 +58,15 @@ bool InCalendar(Ticks ticks) {
 }
 
 BOOL Store(Ticks ticks, FILETIME* result) {
-    if (!InCalendar(ticks)) {
+    if (!InCalendar(ticks))
         return Invalid();
-    }
     *result = FileTimeOf(ticks);
     return TRUE;
 }
 
 bool ValidDate(const SYSTEMTIME& time) {
-    if (time.wYear < kFirstYear || time.wYear > kLastYear || time.wMonth > 12 || time.wDay > 31) {
+    if (time.wYear < kFirstYear || time.wYear > kLastYear || time.wMonth > 12 || time.wDay > 31)
         return false; // also what a calendar date of the library cannot hold
-    }
     return (std::chrono::year(time.wYear) / time.wMonth / time.wDay).ok();
 }
 
@@ -91,9 +89,8 @@ int Deliver(const QString& text, WCHAR* out, int capacity) {
 }
 
 bool Clear(WCHAR* text, int capacity) {
-    if (!text || capacity <= 0) {
+    if (!text || capacity <= 0)
         return false;
-    }
     text[0] = 0;
     return true;
 }
@@ -106,9 +103,8 @@ QString TimePattern(const QLocale& locale, bool withSeconds) {
     QString pattern = locale.timeFormat(QLocale::ShortFormat);
     pattern.replace(QLatin1Char('B'), QLatin1String("AP")); // the part of the day, which Qt would show as a B
     const qsizetype minutes = pattern.indexOf(QLatin1Char('m'));
-    if (minutes <= 0) {
+    if (minutes <= 0)
         return pattern;
-    }
     const QString seconds = pattern.at(minutes - 1) + QLatin1String("ss");
     pattern.remove(seconds);
     return withSeconds ? pattern.insert(pattern.lastIndexOf(QLatin1Char('m')) + 1, seconds) : pattern;
@@ -127,9 +123,8 @@ BOOL FileTimeToLocalFileTime(const FILETIME* utc, FILETIME* local) {
 
 BOOL LocalFileTimeToFileTime(const FILETIME* local, FILETIME* utc) {
     const Ticks ticks = TicksOf(*local);
-    if (!InCalendar(ticks)) {
+    if (!InCalendar(ticks))
         return Invalid();
-    }
     // The offset in force is that of the day before or that of the day after. Where clocks go back both hold,
     // and the one from before gives the earlier moment; where they skip an hour neither does, and it moves
     // the time on.
@@ -141,9 +136,8 @@ BOOL LocalFileTimeToFileTime(const FILETIME* local, FILETIME* utc) {
 
 BOOL FileTimeToSystemTime(const FILETIME* fileTime, SYSTEMTIME* systemTime) {
     const Ticks ticks = TicksOf(*fileTime);
-    if (!InCalendar(ticks)) {
+    if (!InCalendar(ticks))
         return Invalid();
-    }
     const Days day = kFirstDay + std::chrono::days(ticks / kTicksPerDay);
     const std::chrono::year_month_day date(day);
     const auto milliseconds = static_cast<DWORD>(ticks % kTicksPerDay / kTicksPerMillisecond);
@@ -159,9 +153,8 @@ BOOL FileTimeToSystemTime(const FILETIME* fileTime, SYSTEMTIME* systemTime) {
 }
 
 BOOL SystemTimeToFileTime(const SYSTEMTIME* systemTime, FILETIME* fileTime) {
-    if (!ValidDate(*systemTime) || !ValidTime(*systemTime)) {
+    if (!ValidDate(*systemTime) || !ValidTime(*systemTime))
         return Invalid();
-    }
     const Days day = std::chrono::year(systemTime->wYear) / systemTime->wMonth / systemTime->wDay;
     const Ticks milliseconds =
         ((systemTime->wHour * 60 + systemTime->wMinute) * 60 + systemTime->wSecond) * Ticks{1000} +
@@ -177,18 +170,16 @@ LONG CompareFileTime(const FILETIME* left, const FILETIME* right) {
 }
 
 int GetDateFormatW(DWORD, DWORD, const SYSTEMTIME* date, const WCHAR*, WCHAR* text, int capacity) {
-    if (!Clear(text, capacity) || !ValidDate(*date)) {
+    if (!Clear(text, capacity) || !ValidDate(*date))
         return Invalid();
-    }
     const QLocale locale = QLocale::system();
     return Deliver(locale.toString(QDate(date->wYear, date->wMonth, date->wDay), QLocale::ShortFormat), text,
                    capacity);
 }
 
 int GetTimeFormatW(DWORD, DWORD flags, const SYSTEMTIME* time, const WCHAR*, WCHAR* text, int capacity) {
-    if (!Clear(text, capacity) || !ValidTime(*time)) {
+    if (!Clear(text, capacity) || !ValidTime(*time))
         return Invalid();
-    }
     const QLocale locale = QLocale::system();
     const QString pattern = TimePattern(locale, !(flags & TIME_NOSECONDS));
     return Deliver(locale.toString(QTime(time->wHour, time->wMinute, time->wSecond), pattern), text,

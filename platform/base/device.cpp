@@ -1,23 +1,21 @@
 #include "platform/device.h"
 
-#include "platform/errors.h"
-
 #include <cerrno>
 #include <cstdlib>
 #include <sys/stat.h>
+
+#include "platform/errors.h"
 
 namespace {
 
 std::string chosen;
 
 std::string UsualDevice() {
-    if (const char* device = std::getenv("STRANDVIEW_DEVICE"); device && *device) {
+    if (const char* device = std::getenv("STRANDVIEW_DEVICE"); device && *device)
         return device;
-    }
     // A relative data folder is to be ignored, as for every program that follows the desktop's folder rules.
-    if (const char* data = std::getenv("XDG_DATA_HOME"); data && *data == '/') {
+    if (const char* data = std::getenv("XDG_DATA_HOME"); data && *data == '/')
         return std::string(data) + "/pocket-strandview/device";
-    }
     const char* home = std::getenv("HOME");
     return std::string(home && *home ? home : "") + "/.local/share/pocket-strandview/device";
 }
@@ -29,9 +27,8 @@ bool MakeFolder(const std::string& path) {
         if (slash == std::string::npos) {
             const int cause = errno;
             struct stat status {};
-            if (made || (stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode))) {
+            if (made || (stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)))
                 return true;
-            }
             errno = cause;
             return false;
         }
@@ -42,9 +39,8 @@ bool MakeFolder(const std::string& path) {
 
 bool UseDevice(const std::string& folder) {
     chosen = folder.empty() ? UsualDevice() : folder;
-    while (chosen.size() > 1 && chosen.back() == '/') {
+    while (chosen.size() > 1 && chosen.back() == '/')
         chosen.pop_back();
-    }
     if (MakeFolder(chosen)) {
         // A device that cannot be written may do without files of its own; its store can still be read.
         MakeFolder(DeviceRootFolder());
@@ -57,9 +53,8 @@ bool UseDevice(const std::string& folder) {
 }
 
 const std::string& DeviceFolder() {
-    if (chosen.empty()) {
+    if (chosen.empty())
         UseDevice({});
-    }
     return chosen;
 }
 

@@ -20,15 +20,13 @@ std::string Variable(const char* name) {
 // A leading NUL in the name stands for the kernel's own name space.
 bool Answers(const std::string& socketName) {
     sockaddr_un address{};
-    if (socketName.size() >= sizeof address.sun_path) {
+    if (socketName.size() >= sizeof address.sun_path)
         return false;
-    }
     address.sun_family = AF_UNIX;
     std::memcpy(address.sun_path, socketName.data(), socketName.size());
     const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (descriptor < 0) {
+    if (descriptor < 0)
         return false;
-    }
     const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + socketName.size());
     const bool answers = connect(descriptor, reinterpret_cast<const sockaddr*>(&address), length) == 0;
     close(descriptor);
@@ -38,13 +36,11 @@ bool Answers(const std::string& socketName) {
 bool X11Answers() {
     const std::string display = Variable("DISPLAY");
     const std::size_t colon = display.rfind(':');
-    if (colon == std::string::npos) {
+    if (colon == std::string::npos)
         return false;
-    }
     const std::string host = display.substr(0, colon);
-    if (!host.empty() && host != "unix") {
+    if (!host.empty() && host != "unix")
         return true; // on another machine: not worth the wait of asking
-    }
     const std::string name =
         "/tmp/.X11-unix/X" + display.substr(colon + 1, display.find('.', colon) - colon - 1);
     return Answers(name) || Answers(std::string(1, '\0') + name);
@@ -52,9 +48,8 @@ bool X11Answers() {
 
 bool WaylandAnswers() {
     const std::string display = Variable("WAYLAND_DISPLAY");
-    if (display.empty()) {
+    if (display.empty())
         return false;
-    }
     return Answers(display.front() == '/' ? display : Variable("XDG_RUNTIME_DIR") + '/' + display);
 }
 
@@ -69,9 +64,8 @@ void SetNoDisplay(bool none) {
 }
 
 void ChooseDisplay() {
-    if (!Variable("QT_QPA_PLATFORM").empty() || X11Answers()) {
+    if (!Variable("QT_QPA_PLATFORM").empty() || X11Answers())
         return;
-    }
     // Left alone, Qt would first ask for an X11 display that does not answer, and give up.
     const bool wayland = WaylandAnswers();
     setenv("QT_QPA_PLATFORM", wayland ? "wayland" : "offscreen", 1);

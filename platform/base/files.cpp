@@ -1,15 +1,15 @@
 #include "platform/files.h"
 
-#include "platform/base/handles.h"
-#include "platform/base/paths.h"
-#include "platform/errors.h"
-
 #include <cerrno>
 #include <fcntl.h>
 #include <string>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "platform/base/handles.h"
+#include "platform/base/paths.h"
+#include "platform/errors.h"
 
 namespace {
 
@@ -57,9 +57,8 @@ DWORD OpenError(int hostError, const std::string& path) {
     const std::size_t slash = path.rfind('/');
     struct stat status;
     if (hostError == ENOENT && slash != std::string::npos && slash != 0 &&
-        stat(path.substr(0, slash).c_str(), &status) != 0) {
+        stat(path.substr(0, slash).c_str(), &status) != 0)
         return ERROR_PATH_NOT_FOUND;
-    }
     return ErrorOf(hostError);
 }
 
@@ -75,22 +74,17 @@ int OpenFlags(DWORD access, DWORD disposition) {
 // `gone` tells that the file was deleted meanwhile, so that its name has to be opened again.
 int TakeFile(int descriptor, bool shared, bool truncate, bool& gone) {
     struct stat status;
-    if (fstat(descriptor, &status) != 0) {
+    if (fstat(descriptor, &status) != 0)
         return errno;
-    }
-    if (S_ISCHR(status.st_mode)) {
+    if (S_ISCHR(status.st_mode))
         return 0; // the host's devices are never owned by one
-    }
-    if (!S_ISREG(status.st_mode)) {
+    if (!S_ISREG(status.st_mode))
         return EISDIR;
-    }
     // A file system without locks leaves its files unprotected rather than unreachable.
-    if (flock(descriptor, (shared ? LOCK_SH : LOCK_EX) | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+    if (flock(descriptor, (shared ? LOCK_SH : LOCK_EX) | LOCK_NB) != 0 && errno == EWOULDBLOCK)
         return EWOULDBLOCK;
-    }
-    if (fstat(descriptor, &status) != 0) {
+    if (fstat(descriptor, &status) != 0)
         return errno;
-    }
     gone = status.st_nlink == 0;
     return !gone && truncate && status.st_size != 0 && ftruncate(descriptor, 0) != 0 ? errno : 0;
 }
@@ -105,9 +99,8 @@ HANDLE OpenHostFile(const std::string& path, DWORD access, DWORD share, DWORD di
         }
         bool gone = false;
         const int error = TakeFile(descriptor, shared, disposition == CREATE_ALWAYS, gone);
-        if (error == 0 && !gone) {
+        if (error == 0 && !gone)
             return AddKernelObject(std::make_unique<HostFile>(descriptor));
-        }
         close(descriptor);
         if (error != 0) {
             SetLastError(ErrorOf(error));
@@ -118,9 +111,8 @@ HANDLE OpenHostFile(const std::string& path, DWORD access, DWORD share, DWORD di
 
 HostFile* FindFile(HANDLE handle) {
     HostFile* file = FindKernelObject<HostFile>(handle);
-    if (!file) {
+    if (!file)
         SetLastError(ERROR_INVALID_HANDLE);
-    }
     return file;
 }
 
@@ -130,12 +122,10 @@ BOOL Transfer(DWORD count, DWORD* done, Step step) {
     *done = 0;
     while (*done < count) {
         const ssize_t moved = step(*done, count - *done);
-        if (moved < 0 && errno != EINTR) {
+        if (moved < 0 && errno != EINTR)
             return Fail(ErrorOf(errno));
-        }
-        if (moved == 0) {
+        if (moved == 0)
             break;
-        }
         *done += moved > 0 ? static_cast<DWORD>(moved) : 0;
     }
     return TRUE;
@@ -178,28 +168,25 @@ BOOL WriteFile(HANDLE file, const void* buffer, DWORD count, DWORD* written, voi
 
 DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD method) {
     const HostFile* target = FindFile(file);
-    if (!target) {
+    if (!target)
         return INVALID_SET_FILE_POINTER;
-    }
     std::int64_t place = distanceHigh
                              ? static_cast<std::int64_t>((static_cast<std::uint64_t>(*distanceHigh) << 32) |
                                                          static_cast<DWORD>(distance))
                              : distance;
     struct stat status;
     std::int64_t origin = 0;
-    if (method == FILE_CURRENT) {
+    if (method == FILE_CURRENT)
         origin = lseek(target->descriptor, 0, SEEK_CUR);
-    } else if (method == FILE_END) {
+    else if (method == FILE_END)
         origin = fstat(target->descriptor, &status) == 0 ? status.st_size : -1;
-    }
     if (method > FILE_END || origin < 0 || __builtin_add_overflow(place, origin, &place) || place < 0 ||
         (!distanceHigh && place > 0xFFFFFFFF) || lseek(target->descriptor, place, SEEK_SET) < 0) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return INVALID_SET_FILE_POINTER;
     }
-    if (distanceHigh) {
+    if (distanceHigh)
         *distanceHigh = static_cast<LONG>(place >> 32);
-    }
     SetLastError(ERROR_SUCCESS);
     return static_cast<DWORD>(place);
 }
@@ -207,16 +194,14 @@ DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD metho
 DWORD GetFileSize(HANDLE file, DWORD* high) {
     const HostFile* target = FindFile(file);
     struct stat status;
-    if (!target) {
+    if (!target)
         return INVALID_FILE_SIZE;
-    }
     if (fstat(target->descriptor, &status) != 0) {
         SetLastError(ErrorOf(errno));
         return INVALID_FILE_SIZE;
     }
-    if (high) {
+    if (high)
         *high = static_cast<DWORD>(status.st_size >> 32);
-    }
     SetLastError(ERROR_SUCCESS);
     return static_cast<DWORD>(status.st_size);
 }
@@ -224,15 +209,12 @@ DWORD GetFileSize(HANDLE file, DWORD* high) {
 BOOL DeleteFileW(const WCHAR* path) {
     std::string host;
     struct stat status;
-    if (!HostPath(path, host)) {
+    if (!HostPath(path, host))
         return Fail(ERROR_PATH_NOT_FOUND);
-    }
-    if (lstat(host.c_str(), &status) != 0) {
+    if (lstat(host.c_str(), &status) != 0)
         return Fail(OpenError(errno, host));
-    }
-    if (S_ISDIR(status.st_mode)) {
+    if (S_ISDIR(status.st_mode))
         return Fail(ERROR_ACCESS_DENIED);
-    }
     // Held until the name is gone, so that nobody opens the file in between. One that may not be read cannot
     // be held, but its name may still be taken away.
     const int descriptor =
@@ -241,8 +223,7 @@ BOOL DeleteFileW(const WCHAR* path) {
     const BOOL deleted = open                        ? Fail(ERROR_SHARING_VIOLATION)
                          : unlink(host.c_str()) == 0 ? TRUE
                                                      : Fail(ErrorOf(errno));
-    if (descriptor >= 0) {
+    if (descriptor >= 0)
         close(descriptor);
-    }
     return deleted;
 }

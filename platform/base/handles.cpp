@@ -1,9 +1,9 @@
 #include "platform/base/handles.h"
 
+#include <unordered_map>
+
 #include "platform/errors.h"
 #include "platform/handles.h"
-
-#include <unordered_map>
 
 namespace {
 

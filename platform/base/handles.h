@@ -1,9 +1,9 @@
 // The process's table of kernel objects.
 #pragma once
 
-#include "platform/types.h"
-
 #include <memory>
+
+#include "platform/types.h"
 
 // What a HANDLE or an open HKEY stands for. Closing the handle destroys it.
 class KernelObject {

@@ -3,8 +3,6 @@
 // address lies in is found without a search.
 #include "platform/heap.h"
 
-#include "platform/errors.h"
-
 #include <algorithm>
 #include <bit>
 #include <cstdio>
@@ -14,6 +12,8 @@
 #include <new>
 #include <sys/mman.h>
 #include <vector>
+
+#include "platform/errors.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #define HEAP_POISONS 1
@@ -110,49 +110,42 @@ Arena& TheArena() {
 }
 
 std::size_t ClassOf(std::size_t bytes) {
-    if (bytes <= kGranule * kClassesBelowDoubling) {
+    if (bytes <= kGranule * kClassesBelowDoubling)
         return bytes == 0 ? 0 : (bytes - 1) / kGranule;
-    }
     const std::size_t doubling = static_cast<std::size_t>(std::bit_width(bytes - 1)) - 1; // 7 for 129 to 256
     const std::size_t step = (bytes - 1 - (std::size_t{1} << doubling)) >> (doubling - 2);
     return kClassesBelowDoubling + (doubling - 7) * 4 + step;
 }
 
 std::size_t SlotBytes(std::size_t sizeClass) {
-    if (sizeClass < kClassesBelowDoubling) {
+    if (sizeClass < kClassesBelowDoubling)
         return (sizeClass + 1) * kGranule;
-    }
     const std::size_t doubling = 7 + (sizeClass - kClassesBelowDoubling) / 4;
     const std::size_t step = (sizeClass - kClassesBelowDoubling) % 4;
     return (std::size_t{1} << doubling) + ((step + 1) << (doubling - 2));
 }
 
 bool Commit(Arena& arena, std::size_t pages) {
-    if (pages <= arena.committed) {
+    if (pages <= arena.committed)
         return true;
-    }
     const std::size_t target = std::min(kPages, (pages + kCommitPages - 1) / kCommitPages * kCommitPages);
     if (mprotect(arena.base + arena.committed * kPageBytes, (target - arena.committed) * kPageBytes,
-                 PROT_READ | PROT_WRITE) != 0) {
+                 PROT_READ | PROT_WRITE) != 0)
         return false;
-    }
     arena.committed = target;
     return true;
 }
 
 // The first of `count` free pages in a row, which are then marked as a run; 0 when there are none.
 std::size_t TakePages(Arena& arena, std::size_t count) {
-    while (arena.lowestFree < kPages && arena.pages[arena.lowestFree].use != PageUse::Free) {
+    while (arena.lowestFree < kPages && arena.pages[arena.lowestFree].use != PageUse::Free)
         ++arena.lowestFree;
-    }
     std::size_t found = 0;
     std::size_t at = arena.lowestFree;
-    for (; at < kPages && found < count; ++at) {
+    for (; at < kPages && found < count; ++at)
         found = arena.pages[at].use == PageUse::Free ? found + 1 : 0;
-    }
-    if (found < count || !Commit(arena, at)) {
+    if (found < count || !Commit(arena, at))
         return 0;
-    }
     const std::size_t first = at - count;
     for (std::size_t page = first; page < at; ++page) {
         arena.pages[page].use = page == first ? PageUse::RunStart : PageUse::RunRest;
@@ -164,9 +157,8 @@ std::size_t TakePages(Arena& arena, std::size_t count) {
 }
 
 void GivePagesBack(Arena& arena, std::size_t first, std::size_t count) {
-    for (std::size_t page = first; page < first + count; ++page) {
+    for (std::size_t page = first; page < first + count; ++page)
         arena.pages[page].use = PageUse::Free;
-    }
     arena.lowestFree = std::min(arena.lowestFree, first);
     Poison(arena.base + first * kPageBytes, count * kPageBytes);
     // The host gets the memory back: a backup of one huge record must not stay huge.
@@ -175,9 +167,8 @@ void GivePagesBack(Arena& arena, std::size_t first, std::size_t count) {
 
 bool OpenSlab(Arena& arena, std::size_t sizeClass) {
     const std::size_t first = TakePages(arena, 1);
-    if (first == 0) {
+    if (first == 0)
         return false;
-    }
     Page& page = arena.pages[first];
     page.use = PageUse::Slots;
     page.slab = std::make_unique<Slab>();
@@ -187,9 +178,8 @@ bool OpenSlab(Arena& arena, std::size_t sizeClass) {
     const std::size_t slots = kPageBytes / slab.slotBytes;
     slab.requested.assign(slots, kNoBlock);
     slab.vacant.resize(slots);
-    for (std::size_t slot = 0; slot < slots; ++slot) {
+    for (std::size_t slot = 0; slot < slots; ++slot)
         slab.vacant[slot] = static_cast<WORD>(slots - 1 - slot);
-    }
     arena.open[sizeClass].push_back(static_cast<DWORD>(first));
     return true;
 }
@@ -197,16 +187,14 @@ bool OpenSlab(Arena& arena, std::size_t sizeClass) {
 BYTE* TakeSlot(Arena& arena, std::size_t bytes) {
     const std::size_t sizeClass = ClassOf(bytes + kRedZone);
     std::vector<DWORD>& open = arena.open[sizeClass];
-    if (open.empty() && !OpenSlab(arena, sizeClass)) {
+    if (open.empty() && !OpenSlab(arena, sizeClass))
         return nullptr;
-    }
     const std::size_t number = open.back();
     Slab& slab = *arena.pages[number].slab;
     const WORD slot = slab.vacant.back();
     slab.vacant.pop_back();
-    if (slab.vacant.empty()) {
+    if (slab.vacant.empty())
         open.pop_back();
-    }
     slab.requested[slot] = static_cast<DWORD>(bytes);
     ++slab.live;
     return arena.base + number * kPageBytes + slot * slab.slotBytes;
@@ -214,9 +202,8 @@ BYTE* TakeSlot(Arena& arena, std::size_t bytes) {
 
 BYTE* TakeRun(Arena& arena, std::size_t bytes) {
     const std::size_t first = TakePages(arena, (bytes + kRedZone + kPageBytes - 1) / kPageBytes);
-    if (first == 0) {
+    if (first == 0)
         return nullptr;
-    }
     arena.pages[first].requested = static_cast<DWORD>(bytes);
     return arena.base + first * kPageBytes;
 }
@@ -227,9 +214,8 @@ void FreeSlot(Arena& arena, Page& page, DWORD slot) {
     const std::size_t number = static_cast<std::size_t>(&page - arena.pages.data());
     slab.requested[slot] = kNoBlock;
     --slab.live;
-    if (slab.vacant.empty()) {
+    if (slab.vacant.empty())
         open.push_back(static_cast<DWORD>(number));
-    }
     slab.vacant.push_back(static_cast<WORD>(slot));
     Poison(arena.base + number * kPageBytes + slot * slab.slotBytes, slab.slotBytes);
     // One empty page a class is kept, for blocks that come and go.
@@ -242,21 +228,18 @@ void FreeSlot(Arena& arena, Page& page, DWORD slot) {
 
 Block FindBlock(Arena& arena, std::size_t address) {
     const std::size_t number = address / kPageBytes;
-    if (number == 0 || number >= kPages) {
+    if (number == 0 || number >= kPages)
         return {};
-    }
     Page& page = arena.pages[number];
     if (page.use == PageUse::Slots) {
         const DWORD within = static_cast<DWORD>(address % kPageBytes);
         const DWORD slot = within / page.slab->slotBytes;
-        if (slot >= page.slab->requested.size() || page.slab->requested[slot] == kNoBlock) {
+        if (slot >= page.slab->requested.size() || page.slab->requested[slot] == kNoBlock)
             return {};
-        }
         return {&page, slot, within % page.slab->slotBytes, page.slab->requested[slot]};
     }
-    if (page.use == PageUse::Free) {
+    if (page.use == PageUse::Free)
         return {};
-    }
     Page& start = arena.pages[page.runStart];
     return {&start, 0, static_cast<DWORD>(address - page.runStart * kPageBytes), start.requested};
 }
@@ -287,9 +270,8 @@ void* LocalAlloc(UINT flags, std::size_t bytes) {
         return nullptr;
     }
     Unpoison(made, bytes);
-    if ((flags & LMEM_ZEROINIT) != 0) {
+    if ((flags & LMEM_ZEROINIT) != 0)
         std::memset(made, 0, bytes);
-    }
     return made;
 }
 
@@ -313,27 +295,24 @@ void* LocalReAlloc(void* block, std::size_t bytes, UINT flags) {
         static_cast<DWORD>(bytes);
     Poison(kept, Capacity(old));
     Unpoison(kept, bytes);
-    if ((flags & LMEM_ZEROINIT) != 0 && bytes > old.requested) {
+    if ((flags & LMEM_ZEROINIT) != 0 && bytes > old.requested)
         std::memset(kept + old.requested, 0, bytes - old.requested);
-    }
     return block;
 }
 
 void* LocalFree(void* block) {
-    if (!block) {
+    if (!block)
         return nullptr;
-    }
     Arena& arena = TheArena();
     const Block old = BlockAt(arena, block);
     if (!old.page) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return block;
     }
-    if (old.page->use == PageUse::Slots) {
+    if (old.page->use == PageUse::Slots)
         FreeSlot(arena, *old.page, old.slot);
-    } else {
+    else
         GivePagesBack(arena, old.page->runStart, old.page->runPages);
-    }
     return nullptr;
 }
 
@@ -352,9 +331,8 @@ DWORD LiveBytesAt(DWORD address) {
 }
 
 DWORD ArenaAddress(const void* pointer) {
-    if (!pointer) {
+    if (!pointer)
         return 0;
-    }
     const std::uintptr_t address =
         reinterpret_cast<std::uintptr_t>(pointer) - reinterpret_cast<std::uintptr_t>(TheArena().base);
     if (address < kPageBytes || address > kArenaBytes) {

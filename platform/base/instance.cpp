@@ -1,8 +1,5 @@
 #include "platform/base/instance.h"
 
-#include "platform/base/utf8.h"
-#include "platform/device.h"
-
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
@@ -11,6 +8,9 @@
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
+
+#include "platform/base/utf8.h"
+#include "platform/device.h"
 
 namespace {
 
@@ -29,15 +29,13 @@ struct SocketName {
 SocketName NameOf(const WCHAR* className) {
     SocketName result;
     struct stat folder;
-    if (stat(DeviceFolder().c_str(), &folder) != 0) {
+    if (stat(DeviceFolder().c_str(), &folder) != 0)
         return result;
-    }
     std::string name(1, '\0');
     name += "pocket-strandview/" + std::to_string(getuid()) + '/' + std::to_string(folder.st_dev) + '/' +
             std::to_string(folder.st_ino) + '/' + ToUtf8(className);
-    if (name.size() > sizeof result.address.sun_path) {
+    if (name.size() > sizeof result.address.sun_path)
         return result;
-    }
     result.address.sun_family = AF_UNIX;
     std::memcpy(result.address.sun_path, name.data(), name.size());
     result.length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size());
@@ -54,9 +52,8 @@ bool SameUser(int descriptor) {
 bool Call(const WCHAR* className, bool request) {
     const SocketName name = NameOf(className);
     const int descriptor = name.length ? socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0) : -1;
-    if (descriptor < 0) {
+    if (descriptor < 0)
         return false;
-    }
     bool reached = false;
     if (connect(descriptor, name.Generic(), name.length) == 0) {
         reached = SameUser(descriptor) &&
@@ -83,9 +80,8 @@ bool HearRequest(int caller) {
 int ListenForForegroundRequests(const WCHAR* className) {
     const SocketName name = NameOf(className);
     const int listener = name.length ? socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0) : -1;
-    if (listener < 0) {
+    if (listener < 0)
         return -1;
-    }
     if (bind(listener, name.Generic(), name.length) != 0 || listen(listener, kBacklog) != 0) {
         close(listener);
         return -1;
@@ -97,9 +93,8 @@ bool AcceptForegroundRequests(int listener) {
     bool requested = false;
     for (int i = 0; i < kBacklog; ++i) {
         const int caller = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
-        if (caller < 0) {
+        if (caller < 0)
             break;
-        }
         requested = HearRequest(caller) || requested;
         close(caller);
     }

@@ -1,10 +1,10 @@
 #include "platform/memory.h"
 
-#include "platform/errors.h"
-
 #include <mutex>
 #include <sys/mman.h>
 #include <unistd.h>
+
+#include "platform/errors.h"
 
 namespace {
 

@@ -1,14 +1,14 @@
 #include "platform/base/paths.h"
 
-#include "platform/base/utf8.h"
-#include "platform/device.h"
-#include "platform/text.h"
-
 #include <QStringView>
 #include <cstdlib>
 #include <dirent.h>
 #include <sys/stat.h>
 #include <vector>
+
+#include "platform/base/utf8.h"
+#include "platform/device.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -39,15 +39,13 @@ Names SplitPath(std::u16string_view path) {
 // Steps back where a name says so. The host would do that itself, but would not stop at the device's root.
 bool StepBack(Names& names) {
     Names kept;
-    for (std::u16string& name : names) {
-        if (name != u"..") {
+    for (std::u16string& name : names)
+        if (name != u"..")
             kept.push_back(std::move(name));
-        } else if (kept.empty()) {
+        else if (kept.empty())
             return false;
-        } else {
+        else
             kept.pop_back();
-        }
-    }
     names = std::move(kept);
     return true;
 }
@@ -55,16 +53,14 @@ bool StepBack(Names& names) {
 // What a folder calls the name, when it has it with other case only.
 bool FindOtherCase(const std::string& folder, const std::u16string& name, std::string& found) {
     DIR* listing = opendir(folder.empty() ? "." : folder.c_str());
-    if (!listing) {
+    if (!listing)
         return false;
-    }
     bool matched = false;
     while (const dirent* entry = readdir(listing)) {
         if (lstrcmpiW(FromUtf8(entry->d_name).c_str(), name.c_str()) == 0) {
             // Of several such names always the same one, in whatever order the host lists them.
-            if (!matched || found > entry->d_name) {
+            if (!matched || found > entry->d_name)
                 found = entry->d_name;
-            }
             matched = true;
         }
     }
@@ -78,21 +74,18 @@ std::string MatchNames(std::string folder, const Names& names) {
     for (const std::u16string& name : names) {
         std::string hostName = ToUtf8(name);
         struct stat status;
-        if (exists && lstat((folder + hostName).c_str(), &status) != 0) {
+        if (exists && lstat((folder + hostName).c_str(), &status) != 0)
             exists = FindOtherCase(folder, name, hostName);
-        }
         folder += hostName + '/';
     }
-    if (!names.empty()) {
+    if (!names.empty())
         folder.pop_back();
-    }
     return folder;
 }
 
 bool TakePrefix(std::string_view& path, const std::string& folder) {
-    if (!path.starts_with(folder) || (path.size() > folder.size() && path[folder.size()] != '/')) {
+    if (!path.starts_with(folder) || (path.size() > folder.size() && path[folder.size()] != '/'))
         return false;
-    }
     path.remove_prefix(folder.size());
     return true;
 }
@@ -109,17 +102,15 @@ std::string RealPath(const std::string& path) {
 bool HostPath(const WCHAR* devicePath, std::string& host) {
     const std::u16string_view path = devicePath ? devicePath : u"";
     if (path.empty() || path.starts_with(u"\\\\") ||
-        !QStringView(path.data(), static_cast<qsizetype>(path.size())).isValidUtf16()) {
+        !QStringView(path.data(), static_cast<qsizetype>(path.size())).isValidUtf16())
         return false;
-    }
     Names names = SplitPath(path);
     std::string folder;
     if (path.front() == u'/') {
         folder = "/";
     } else if (path.front() == u'\\') {
-        if (!StepBack(names)) {
+        if (!StepBack(names))
             return false;
-        }
         folder = DeviceRootFolder() + '/';
         if (!names.empty() && lstrcmpiW(names.front().c_str(), kHostFolder) == 0) {
             names.erase(names.begin());
@@ -142,8 +133,7 @@ std::u16string DevicePath(const std::string& host) {
         path += u'\\';
         path += name;
     }
-    if (path.empty()) {
+    if (path.empty())
         path += u'\\';
-    }
     return path;
 }

@@ -1,9 +1,9 @@
 // Device paths and the host's paths behind them (platform/files.h has the rule).
 #pragma once
 
-#include "platform/types.h"
-
 #include <string>
+
+#include "platform/types.h"
 
 // The host path of a device path. Names are matched to what is there; from the first name that is missing on,
 // they are taken as they stand. False for a path that leads nowhere: empty, above the device's root, to

@@ -1,9 +1,5 @@
 #include "platform/process.h"
 
-#include "platform/base/display.h"
-#include "platform/base/utf8.h"
-#include "platform/errors.h"
-
 #include <cerrno>
 #include <climits>
 #include <csignal>
@@ -12,6 +8,10 @@
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "platform/base/display.h"
+#include "platform/base/utf8.h"
+#include "platform/errors.h"
 
 namespace {
 
@@ -26,9 +26,8 @@ std::string ProgramFolder() {
 [[noreturn]] void Become(const char* program, char* const* arguments) {
     setsid();
     const int nowhere = open("/dev/null", O_RDONLY);
-    if (nowhere >= 0) {
+    if (nowhere >= 0)
         dup2(nowhere, STDIN_FILENO);
-    }
     close_range(STDERR_FILENO + 1, ~0U, 0);
     // Ignored signals would stay ignored.
     std::signal(SIGPIPE, SIG_DFL);
@@ -51,9 +50,8 @@ BOOL CreateProcessW(const WCHAR* application, const WCHAR* commandLine) {
     const pid_t child = fork();
     if (child == 0) {
         const pid_t grandchild = fork();
-        if (grandchild == 0) {
+        if (grandchild == 0)
             Become(program.c_str(), arguments);
-        }
         _exit(grandchild < 0);
     }
     int status = -1;

@@ -1,10 +1,10 @@
 // The compiled resources: a row of entries, each a header and its bytes, both on multiples of four bytes.
 #pragma once
 
-#include "platform/resources.h"
-
 #include <cstddef>
 #include <vector>
+
+#include "platform/resources.h"
 
 struct ResourceEntry {
     WORD type;

@@ -1,10 +1,10 @@
 #include "platform/resources.h"
 
-#include "platform/base/resourceindex.h"
-
 #include <algorithm>
 #include <cstring>
 #include <tuple>
+
+#include "platform/base/resourceindex.h"
 
 extern "C" const unsigned char strandviewResources[];
 extern "C" const unsigned int strandviewResourcesSize;

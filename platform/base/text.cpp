@@ -14,9 +14,8 @@ struct Output {
     std::size_t length = 0;
 
     void Put(WCHAR character) {
-        if (length < room) {
+        if (length < room)
             text[length++] = character;
-        }
     }
 };
 
@@ -32,23 +31,19 @@ const WCHAR* ReadField(const WCHAR* format, Field& field) {
         field.fill = u'0';
         ++format;
     }
-    for (; *format >= u'0' && *format <= u'9'; ++format) {
+    for (; *format >= u'0' && *format <= u'9'; ++format)
         field.width = std::min(field.width * 10 + (*format - u'0'), 0xFFFF);
-    }
-    if (*format == u'l') {
+    if (*format == u'l')
         ++format;
-    }
     field.kind = *format;
     return *format ? format + 1 : format;
 }
 
 void PutFilled(Output& out, const Field& field, const WCHAR* text, int length) {
-    for (int i = length; i < field.width; ++i) {
+    for (int i = length; i < field.width; ++i)
         out.Put(u' ');
-    }
-    for (int i = 0; i < length; ++i) {
+    for (int i = 0; i < length; ++i)
         out.Put(text[i]);
-    }
 }
 
 void PutNumber(Output& out, const Field& field, DWORD magnitude, bool negative) {
@@ -61,18 +56,14 @@ void PutNumber(Output& out, const Field& field, DWORD magnitude, bool negative) 
         magnitude /= base;
     } while (magnitude);
     // Zeros go between the sign and the digits, blanks before the sign.
-    if (negative && field.fill == u'0') {
+    if (negative && field.fill == u'0')
         out.Put(u'-');
-    }
-    for (int i = count + negative; i < field.width; ++i) {
+    for (int i = count + negative; i < field.width; ++i)
         out.Put(field.fill);
-    }
-    if (negative && field.fill != u'0') {
+    if (negative && field.fill != u'0')
         out.Put(u'-');
-    }
-    while (count) {
+    while (count)
         out.Put(digits[--count]);
-    }
 }
 
 int Sign(int value) {
@@ -86,21 +77,18 @@ QStringView View(const WCHAR* text) {
 } // namespace
 
 int CopyText(WCHAR* out, std::size_t capacity, const WCHAR* text) {
-    if (capacity == 0) {
+    if (capacity == 0)
         return 0;
-    }
     Output copy{out, capacity - 1};
-    for (; text && *text && copy.length < copy.room; ++text) {
+    for (; text && *text && copy.length < copy.room; ++text)
         copy.Put(*text);
-    }
     out[copy.length] = 0;
     return static_cast<int>(copy.length);
 }
 
 int FormatText(WCHAR* out, std::size_t capacity, const WCHAR* format, va_list arguments) {
-    if (capacity == 0) {
+    if (capacity == 0)
         return 0;
-    }
     Output result{out, capacity - 1};
     while (*format) {
         if (*format != u'%') {
@@ -126,9 +114,8 @@ int FormatText(WCHAR* out, std::size_t capacity, const WCHAR* format, va_list ar
         } else if (field.kind == u'%') {
             result.Put(u'%');
         } else {
-            for (; start < format; ++start) {
+            for (; start < format; ++start)
                 result.Put(*start);
-            }
         }
     }
     out[result.length] = 0;
@@ -151,12 +138,11 @@ WCHAR* CharLowerW(WCHAR* text) {
     // Unit by unit: a text must not grow. Most are plain letters, which a search lowers by the million.
     constexpr WCHAR kFirstBeyondAscii = 0x80;
     constexpr WCHAR kToSmall = u'a' - u'A';
-    for (WCHAR* unit = text; *unit; ++unit) {
+    for (WCHAR* unit = text; *unit; ++unit)
         if (*unit >= kFirstBeyondAscii)
             *unit = QChar(*unit).toLower().unicode();
         else if (*unit >= u'A' && *unit <= u'Z')
             *unit += kToSmall;
-    }
     return text;
 }
 

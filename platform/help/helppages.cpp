@@ -26,9 +26,8 @@ void HelpPages::OpenTopic(const QString& topic) {
     const QString page = hash < 0 ? topic : topic.left(hash);
     QUrl url = QUrl::fromLocalFile(folder + QLatin1Char('/') +
                                    (page.isEmpty() ? QLatin1String(kContentsPage) : page));
-    if (hash >= 0) {
+    if (hash >= 0)
         url.setFragment(topic.mid(hash + 1));
-    }
     setSource(url, QTextDocument::HtmlResource);
 }
 

@@ -1,12 +1,12 @@
 #include "platform/help/helpwindow.h"
 
-#include "platform/help/helppages.h"
-
 #include <QAction>
 #include <QShortcut>
 #include <QStyle>
 #include <QTimer>
 #include <QToolBar>
+
+#include "platform/help/helppages.h"
 
 namespace {
 

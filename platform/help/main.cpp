@@ -1,7 +1,7 @@
 // The help viewer: opens the topic that is its one argument in the help folder beside it.
-#include "platform/help/helpwindow.h"
-
 #include <QApplication>
+
+#include "platform/help/helpwindow.h"
 
 int main(int argc, char** argv) {
     QApplication application(argc, argv);

@@ -1,10 +1,10 @@
 #include "platform/launcher/arguments.h"
 
-#include "platform/base/utf8.h"
-#include "platform/text.h"
-
 #include <algorithm>
 #include <string_view>
+
+#include "platform/base/utf8.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -24,21 +24,20 @@ std::string ParseArguments(int count, const char* const* arguments, Options& opt
     constexpr std::string_view deviceIs = "--device=";
     for (int i = 1; i < count; ++i) {
         const std::string_view argument = arguments[i];
-        if (!argument.starts_with("--")) {
+        if (!argument.starts_with("--"))
             AppendArgument(options.commandLine, argument);
-        } else if (argument == "--help") {
+        else if (argument == "--help")
             options.help = true;
-        } else if (argument == "--version") {
+        else if (argument == "--version")
             options.version = true;
-        } else if (argument == "--device" && i + 1 < count) {
+        else if (argument == "--device" && i + 1 < count)
             options.device = arguments[++i];
-        } else if (argument.starts_with(deviceIs)) {
+        else if (argument.starts_with(deviceIs))
             options.device = argument.substr(deviceIs.size());
-        } else if (argument == "--device") {
+        else if (argument == "--device")
             return "--device needs a folder";
-        } else {
+        else
             return "unknown option " + std::string(argument) + "; see --help";
-        }
     }
     return {};
 }

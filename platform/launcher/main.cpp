@@ -1,15 +1,15 @@
 // The host's entry: takes the options that are the launcher's own, chooses the device and the display, and
 // hands everything else to the program as its one command line.
+#include <csignal>
+#include <cstdio>
+#include <string>
+
 #include "platform/base/display.h"
 #include "platform/device.h"
 #include "platform/errors.h"
 #include "platform/launcher/arguments.h"
 #include "platform/process.h"
 #include "platform/window.h"
-
-#include <csignal>
-#include <cstdio>
-#include <string>
 
 namespace {
 
@@ -77,9 +77,8 @@ int main(int argc, char** argv) {
             stderr);
         return kNoDisplay;
     }
-    if (!UseDevice(options.device)) {
+    if (!UseDevice(options.device))
         return ReportDevice(options.device);
-    }
     // The module needs a value of its own only; its resources are linked into this very file.
     static char module;
     return WinMain(reinterpret_cast<HINSTANCE>(&module), nullptr, options.commandLine.data(), SW_SHOWNORMAL);

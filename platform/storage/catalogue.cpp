@@ -1,10 +1,10 @@
 #include "platform/storage/catalogue.h"
 
-#include "platform/errors.h"
-#include "platform/storage/fold.h"
-
 #include <algorithm>
 #include <cstring>
+
+#include "platform/errors.h"
+#include "platform/storage/fold.h"
 
 namespace storage {
 
@@ -48,9 +48,8 @@ DatabaseRow ReadRow(const Statement& select) {
 
 const DatabaseRow* Catalogue::Load(Statement& select) {
     if (!select.Row()) {
-        if (!select.Failed()) {
+        if (!select.Failed())
             SetLastError(ERROR_FILE_NOT_FOUND);
-        }
         return nullptr;
     }
     const DatabaseRow row = ReadRow(select);
@@ -60,9 +59,8 @@ const DatabaseRow* Catalogue::Load(Statement& select) {
 
 const DatabaseRow* Catalogue::Find(CEOID oid) {
     const auto known = rows.find(oid);
-    if (known != rows.end()) {
+    if (known != rows.end())
         return &known->second;
-    }
     Statement select(connection,
                      "SELECT oid, name, type, records, bytes, modified, sortorders, version, deletions, "
                      "lastdeleted FROM databases WHERE oid = ?1");
@@ -73,9 +71,8 @@ const DatabaseRow* Catalogue::Find(CEOID oid) {
 const DatabaseRow* Catalogue::FindByName(std::u16string_view name) {
     const std::u16string folded = Fold(name);
     const auto known = names.find(folded);
-    if (known != names.end()) {
+    if (known != names.end())
         return &rows[known->second];
-    }
     Statement select(connection,
                      "SELECT oid, name, type, records, bytes, modified, sortorders, version, deletions, "
                      "lastdeleted FROM databases WHERE folded = ?1");

@@ -1,12 +1,12 @@
 // What the store knows of each database, kept in memory as long as no other process writes.
 #pragma once
 
-#include "platform/objectstore.h"
-#include "platform/storage/sqlite.h"
-
 #include <algorithm>
 #include <string>
 #include <unordered_map>
+
+#include "platform/objectstore.h"
+#include "platform/storage/sqlite.h"
 
 namespace storage {
 

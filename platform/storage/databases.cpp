@@ -1,17 +1,16 @@
 // The object store's calls on whole databases.
-#include "platform/objectstore.h"
-
-#include "platform/device.h"
-#include "platform/errors.h"
-#include "platform/storage/deletion.h"
-#include "platform/storage/fold.h"
-#include "platform/storage/opendatabase.h"
-#include "platform/storage/sortkey.h"
-
 #include <algorithm>
 #include <cstring>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+
+#include "platform/device.h"
+#include "platform/errors.h"
+#include "platform/objectstore.h"
+#include "platform/storage/deletion.h"
+#include "platform/storage/fold.h"
+#include "platform/storage/opendatabase.h"
+#include "platform/storage/sortkey.h"
 
 namespace storage {
 namespace {
@@ -24,9 +23,8 @@ struct Enumeration : KernelObject {
 // The length of a name; 0, with the last error set, when it is no name for a database.
 std::size_t NameLength(const WCHAR* name) {
     std::size_t length = 0;
-    while (name && length < CEDB_MAXDBASENAMELEN && name[length] != 0) {
+    while (name && length < CEDB_MAXDBASENAMELEN && name[length] != 0)
         ++length;
-    }
     if (length == 0 || length == CEDB_MAXDBASENAMELEN) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
@@ -46,9 +44,8 @@ bool NameIsFree(Store& store, std::u16string_view name, CEOID self) {
 
 // Writes the keys of all records anew, after the sort orders changed.
 bool WriteAllSortKeys(Store& store, const DatabaseRow& row) {
-    if (!DeleteSortKeys(store, row.oid)) {
+    if (!DeleteSortKeys(store, row.oid))
         return false;
-    }
     Statement select(store.connection,
                      "SELECT id, properties, data FROM records WHERE id >= ?1 AND id <= ?2");
     select.Bind(RecordRow(row.oid, 0)).Bind(RecordRow(row.oid, 0xFFFFFFFF));
@@ -58,9 +55,8 @@ bool WriteAllSortKeys(Store& store, const DatabaseRow& row) {
                 SortKey(row.info.rgSortSpecs[order], static_cast<WORD>(select.Number(1)), select.Bytes(2));
             Statement insert(store.connection, "INSERT INTO sortkeys VALUES (?1, ?2, ?3)");
             insert.Bind(std::int64_t{row.oid} * CEDB_MAXSORTORDER + order).BindBytes(key);
-            if (!insert.Bind(static_cast<CEOID>(select.Number(0))).Run()) {
+            if (!insert.Bind(static_cast<CEOID>(select.Number(0))).Run())
                 return false;
-            }
         }
     }
     return !select.Failed();
@@ -80,43 +76,34 @@ void TakeSortOrders(CEDBASEINFO& info, WORD count, const SORTORDERSPEC* specs) {
 bool ChangeInfo(Store& store, CEOID oid, const CEDBASEINFO& info, bool reorder) {
     WriteTransaction transaction(store);
     const DatabaseRow* found = transaction.Begun() ? store.catalogue.Find(oid) : nullptr;
-    if (!found) {
+    if (!found)
         return false;
-    }
     DatabaseRow row = *found;
     row.info.ftLastModified = Now();
     if ((info.dwFlags & CEDB_VALIDNAME) != 0) {
         const std::u16string_view name(info.szDbaseName, NameLength(info.szDbaseName));
-        if (!NameIsFree(store, name, oid)) {
+        if (!NameIsFree(store, name, oid))
             return false;
-        }
         std::fill(std::begin(row.info.szDbaseName), std::end(row.info.szDbaseName), u'\0');
         name.copy(row.info.szDbaseName, name.size());
     }
-    if ((info.dwFlags & CEDB_VALIDTYPE) != 0) {
+    if ((info.dwFlags & CEDB_VALIDTYPE) != 0)
         row.info.dwDbaseType = info.dwDbaseType;
-    }
-    if (reorder) {
+    if (reorder)
         TakeSortOrders(row.info, info.wNumSortOrder, info.rgSortSpecs);
-    }
-    if (!store.catalogue.StoreAll(row) || (reorder && !WriteAllSortKeys(store, row)) ||
-        !transaction.Commit()) {
+    if (!store.catalogue.StoreAll(row) || (reorder && !WriteAllSortKeys(store, row)) || !transaction.Commit())
         return false;
-    }
     store.catalogue.Keep(row);
     return true;
 }
 
 // The number of the sort order on a property, -1 for property 0, -2 when there is none.
 int FindSortOrder(const CEDBASEINFO& info, CEPROPID property) {
-    if (property == 0) {
+    if (property == 0)
         return -1;
-    }
-    for (int order = 0; order < info.wNumSortOrder; ++order) {
-        if (info.rgSortSpecs[order].propid == property) {
+    for (int order = 0; order < info.wNumSortOrder; ++order)
+        if (info.rgSortSpecs[order].propid == property)
             return order;
-        }
-    }
     return -2;
 }
 
@@ -127,15 +114,13 @@ using namespace storage;
 
 HANDLE CeFindFirstDatabase(DWORD type) {
     Store* store = TheStore();
-    if (!store) {
+    if (!store)
         return INVALID_HANDLE_VALUE;
-    }
     auto enumeration = std::make_unique<Enumeration>();
     Statement select(store->connection, "SELECT oid FROM databases WHERE ?1 = 0 OR type = ?1 ORDER BY oid");
     select.Bind(type);
-    while (select.Row()) {
+    while (select.Row())
         enumeration->databases.push_back(static_cast<CEOID>(select.Number(0)));
-    }
     return select.Failed() ? INVALID_HANDLE_VALUE : AddKernelObject(std::move(enumeration));
 }
 
@@ -155,9 +140,8 @@ CEOID CeFindNextDatabase(HANDLE handle) {
 BOOL CeOidGetInfo(CEOID oid, CEOIDINFO* info) {
     Store* store = TheStore();
     const DatabaseRow* row = store ? store->catalogue.Find(oid) : nullptr;
-    if (!row) {
+    if (!row)
         return FALSE;
-    }
     info->wObjType = OBJTYPE_DATABASE;
     info->wPad = 0;
     info->infDatabase = row->info;
@@ -166,22 +150,19 @@ BOOL CeOidGetInfo(CEOID oid, CEOIDINFO* info) {
 
 CEOID CeCreateDatabase(const WCHAR* name, DWORD type, WORD sortOrders, const SORTORDERSPEC* specs) {
     const std::size_t length = NameLength(name);
-    if (length == 0) {
+    if (length == 0)
         return 0;
-    }
     if (sortOrders > CEDB_MAXSORTORDER || (sortOrders != 0 && !specs)) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
     Store* store = TheStore();
-    if (!store) {
+    if (!store)
         return 0;
-    }
     WriteTransaction transaction(*store);
     const std::u16string_view named(name, length);
-    if (!transaction.Begun() || !NameIsFree(*store, named, 0)) {
+    if (!transaction.Begun() || !NameIsFree(*store, named, 0))
         return 0;
-    }
     DatabaseRow row;
     row.oid = store->NewIdentifier();
     row.info.dwFlags = kAllInfoValid;
@@ -189,9 +170,8 @@ CEOID CeCreateDatabase(const WCHAR* name, DWORD type, WORD sortOrders, const SOR
     row.info.dwDbaseType = type;
     row.info.ftLastModified = Now();
     TakeSortOrders(row.info, sortOrders, specs);
-    if (row.oid == 0 || !store->catalogue.Insert(row) || !transaction.Commit()) {
+    if (row.oid == 0 || !store->catalogue.Insert(row) || !transaction.Commit())
         return 0;
-    }
     store->catalogue.Keep(row);
     return row.oid;
 }
@@ -202,13 +182,11 @@ HANDLE CeOpenDatabase(CEOID* oid, const WCHAR* name, CEPROPID sort, DWORD flags,
         return INVALID_HANDLE_VALUE;
     }
     Store* store = TheStore();
-    if (!store) {
+    if (!store)
         return INVALID_HANDLE_VALUE;
-    }
     const DatabaseRow* row = *oid != 0 ? store->catalogue.Find(*oid) : store->catalogue.FindByName(name);
-    if (!row) {
+    if (!row)
         return INVALID_HANDLE_VALUE;
-    }
     const CEOID database = row->oid;
     if (!store->locks.Hold(database)) {
         SetLastError(ERROR_SHARING_VIOLATION);
@@ -235,12 +213,10 @@ BOOL CeSetDatabaseInfo(CEOID oid, const CEDBASEINFO* info) {
     }
     Store* store = TheStore();
     const DatabaseRow* row = store ? store->catalogue.Find(oid) : nullptr;
-    if (!row) {
+    if (!row)
         return FALSE;
-    }
-    if ((info->dwFlags & CEDB_VALIDSORTSPEC) == 0 || SameSortOrders(row->info, *info)) {
+    if ((info->dwFlags & CEDB_VALIDSORTSPEC) == 0 || SameSortOrders(row->info, *info))
         return ChangeInfo(*store, oid, *info, false) ? TRUE : FALSE;
-    }
     // Handles stand in the orders as they are: nobody may have the database open.
     if (!store->locks.HoldAlone(oid)) {
         SetLastError(ERROR_SHARING_VIOLATION);
@@ -253,9 +229,8 @@ BOOL CeSetDatabaseInfo(CEOID oid, const CEDBASEINFO* info) {
 
 BOOL CeDeleteDatabase(CEOID oid) {
     Store* store = TheStore();
-    if (!store || !store->catalogue.Find(oid)) {
+    if (!store || !store->catalogue.Find(oid))
         return FALSE;
-    }
     if (!store->locks.HoldAlone(oid)) {
         SetLastError(ERROR_SHARING_VIOLATION);
         return FALSE;

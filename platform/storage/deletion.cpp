@@ -1,8 +1,8 @@
 #include "platform/storage/deletion.h"
 
-#include "platform/storage/opendatabase.h"
-
 #include <vector>
+
+#include "platform/storage/opendatabase.h"
 
 namespace storage {
 
@@ -16,13 +16,11 @@ bool DeleteContents(Store& store, CEOID database) {
 
 bool DeleteRows(Store& store, CEOID database, bool contentsToo) {
     WriteTransaction transaction(store);
-    if (!transaction.Begun() || !store.catalogue.Find(database)) {
+    if (!transaction.Begun() || !store.catalogue.Find(database))
         return false;
-    }
     if ((contentsToo && !DeleteContents(store, database)) || !store.catalogue.Remove(database) ||
-        !transaction.Commit()) {
+        !transaction.Commit())
         return false;
-    }
     store.catalogue.Forget(database);
     return true;
 }
@@ -33,13 +31,11 @@ std::vector<CEOID> FindLeftovers(Store& store) {
     CEOID previous = 0;
     while (true) {
         Statement select(store.connection, "SELECT id >> 32 FROM records WHERE id > ?1 ORDER BY id LIMIT 1");
-        if (!select.Bind(RecordRow(previous, 0xFFFFFFFF)).Row()) {
+        if (!select.Bind(RecordRow(previous, 0xFFFFFFFF)).Row())
             return leftovers;
-        }
         previous = static_cast<CEOID>(select.Number(0));
-        if (!store.catalogue.Find(previous) && GetLastError() == ERROR_FILE_NOT_FOUND) {
+        if (!store.catalogue.Find(previous) && GetLastError() == ERROR_FILE_NOT_FOUND)
             leftovers.push_back(previous);
-        }
     }
 }
 
@@ -52,12 +48,10 @@ bool DeleteSortKeys(Store& store, CEOID database) {
 }
 
 bool DeleteDatabase(Store& store, CEOID database) {
-    if (DeleteRows(store, database, true)) {
+    if (DeleteRows(store, database, true))
         return true;
-    }
-    if (GetLastError() != ERROR_DISK_FULL) {
+    if (GetLastError() != ERROR_DISK_FULL)
         return false;
-    }
     // The log of a deletion grows with what is deleted. Taking the database alone out is a matter of a few
     // pages; its records, whose identifiers never come back, stay unseen until there is room to delete them.
     store.locks.GiveRoomBack();
@@ -67,9 +61,8 @@ bool DeleteDatabase(Store& store, CEOID database) {
 void TidyUp(Store& store) {
     for (const CEOID database : FindLeftovers(store)) {
         WriteTransaction transaction(store);
-        if (!transaction.Begun() || !DeleteContents(store, database) || !transaction.Commit()) {
+        if (!transaction.Begun() || !DeleteContents(store, database) || !transaction.Commit())
             return;
-        }
     }
     store.locks.SetRoomAside();
 }

@@ -21,12 +21,10 @@ static_assert(std::atomic<std::uint64_t>::is_always_lock_free);
 // Real bytes, since a hole that cannot be filled later would kill the process that touches it.
 bool Fill(int file) {
     struct stat status {};
-    if (fstat(file, &status) != 0) {
+    if (fstat(file, &status) != 0)
         return false;
-    }
-    if (status.st_size >= kFileBytes) {
+    if (status.st_size >= kFileBytes)
         return true;
-    }
     const char zeros[kFileBytes] = {};
     const ssize_t missing = static_cast<ssize_t>(kFileBytes - status.st_size);
     return pwrite(file, zeros, static_cast<std::size_t>(missing), status.st_size) == missing;
@@ -36,9 +34,8 @@ bool Fill(int file) {
 
 bool LockFile::Open(const std::string& path) {
     file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-    if (file < 0) {
+    if (file < 0)
         return false;
-    }
     SetLock(F_WRLCK, kSetupOffset, true);
     const bool filled = Fill(file);
     SetLock(F_UNLCK, kSetupOffset, false);
@@ -67,9 +64,8 @@ void LockFile::Close() {
 }
 
 bool LockFile::SetLock(short type, std::int64_t offset, bool wait) {
-    if (file < 0) {
+    if (file < 0)
         return true;
-    }
     struct flock lock {};
     lock.l_type = type;
     lock.l_whence = SEEK_SET;
@@ -97,9 +93,8 @@ bool LockFile::HasRoom() const {
 }
 
 void LockFile::SetRoomAside() {
-    if (posix_fallocate(file, kFileBytes, kRoomBytes) != 0) {
+    if (posix_fallocate(file, kFileBytes, kRoomBytes) != 0)
         GiveRoomBack(); // what was had of it
-    }
 }
 
 void LockFile::GiveRoomBack() {

@@ -2,11 +2,11 @@
 // changed.
 #pragma once
 
-#include "platform/objectstore.h"
-
 #include <atomic>
 #include <string>
 #include <unordered_map>
+
+#include "platform/objectstore.h"
 
 namespace storage {
 

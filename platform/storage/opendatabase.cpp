@@ -1,9 +1,9 @@
 #include "platform/storage/opendatabase.h"
 
+#include <algorithm>
+
 #include "platform/errors.h"
 #include "platform/storage/sortkey.h"
-
-#include <algorithm>
 
 namespace storage {
 
@@ -33,33 +33,29 @@ std::int64_t RecordRow(CEOID database, CEOID record) {
 OpenDatabase::OpenDatabase(Store& store, const DatabaseRow& row, int sort, HWND notify)
     : store(store), database(row.oid), sort(sort), budget(kFirstBudget), epoch(store.epoch),
       version(row.version), notify(notify) {
-    if (sort >= 0) {
+    if (sort >= 0)
         spec = row.info.rgSortSpecs[sort];
-    }
     watchedVersion = row.version;
     watchedDeletions = row.deletions;
     if (notify) {
         Statement newest(store.connection, "SELECT max(id) FROM records WHERE id >= ?1 AND id <= ?2");
-        if (newest.Bind(RecordRow(database, 0)).Bind(RecordRow(database, kNoRecord)).Row()) {
+        if (newest.Bind(RecordRow(database, 0)).Bind(RecordRow(database, kNoRecord)).Row())
             newestSeen = static_cast<CEOID>(newest.Number(0));
-        }
     }
     Opened().push_back(this);
 }
 
 OpenDatabase::~OpenDatabase() {
     std::erase(Opened(), this);
-    if (StoreIfOpen() == &store) {
+    if (StoreIfOpen() == &store)
         store.locks.Release(database);
-    }
 }
 
 // Batch and index hold as long as the database's version stays. The version is looked up only when any
 // process changed anything.
 void OpenDatabase::Revalidate() {
-    if (epoch == store.epoch) {
+    if (epoch == store.epoch)
         return;
-    }
     const DatabaseRow* row = store.catalogue.Find(database);
     if (!row || row->version != version) {
         batch.Clear();
@@ -67,9 +63,8 @@ void OpenDatabase::Revalidate() {
         version = row ? row->version : -1;
         // The current record may be gone, or stand elsewhere in the order.
         if (standing == Standing::OnRecord && !FetchRecord(position.record) &&
-            GetLastError() == ERROR_NO_MORE_ITEMS) {
+            GetLastError() == ERROR_NO_MORE_ITEMS)
             standing = Standing::InGap;
-        }
     }
     epoch = store.epoch;
 }
@@ -98,9 +93,8 @@ CEOID OpenDatabase::Seek(DWORD seekType, DWORD value, DWORD* indexOut) {
         SetLastError(ERROR_INVALID_PARAMETER);
     }
     if (found && (!indexOut || FindIndex())) {
-        if (indexOut) {
+        if (indexOut)
             *indexOut = index;
-        }
         return position.record;
     }
     if (standing != oldStanding || position.record != oldPosition.record) {
@@ -115,17 +109,15 @@ CEOID OpenDatabase::Seek(DWORD seekType, DWORD value, DWORD* indexOut) {
 
 CEOID OpenDatabase::Current(StoredRecord& record) {
     Revalidate();
-    if (standing == Standing::AtStart && !SeekFirst()) {
+    if (standing == Standing::AtStart && !SeekFirst())
         return 0;
-    }
     if (standing == Standing::InGap) {
         SetLastError(ERROR_NO_MORE_ITEMS);
         return 0;
     }
     if (batch.entries.empty() && !FetchRecord(position.record)) {
-        if (GetLastError() == ERROR_NO_MORE_ITEMS) {
+        if (GetLastError() == ERROR_NO_MORE_ITEMS)
             standing = Standing::InGap;
-        }
         return 0;
     }
     const Batch::Entry& entry = batch.entries[slot];
@@ -136,9 +128,8 @@ CEOID OpenDatabase::Current(StoredRecord& record) {
 
 bool OpenDatabase::SeekFirst() {
     budget = kFirstBudget;
-    if (!Fetch({std::string(kKeyBeforeAll), 0}, true)) {
+    if (!Fetch({std::string(kKeyBeforeAll), 0}, true))
         return false;
-    }
     StandOn(0);
     index = 0;
     indexKnown = true;
@@ -147,9 +138,8 @@ bool OpenDatabase::SeekFirst() {
 
 bool OpenDatabase::SeekLast() {
     budget = kFirstBudget;
-    if (!Fetch({std::string(kKeyAfterAll), kNoRecord}, false)) {
+    if (!Fetch({std::string(kKeyAfterAll), kNoRecord}, false))
         return false;
-    }
     StandOn(batch.entries.size() - 1);
     const DatabaseRow* row = store.catalogue.Find(database);
     indexKnown = row && row->info.wNumRecords > 0;
@@ -160,9 +150,8 @@ bool OpenDatabase::SeekLast() {
 bool OpenDatabase::SeekRecord(CEOID record) {
     budget = kFirstBudget;
     const bool stays = standing == Standing::OnRecord && position.record == record;
-    if (!FetchRecord(record)) {
+    if (!FetchRecord(record))
         return false;
-    }
     indexKnown = indexKnown && stays;
     standing = Standing::OnRecord;
     return true;
@@ -173,11 +162,9 @@ bool OpenDatabase::SeekSteps(std::int64_t steps) {
         SetLastError(ERROR_NO_MORE_ITEMS);
         return false;
     }
-    for (; steps != 0; steps += steps > 0 ? -1 : 1) {
-        if (!Step(steps > 0)) {
+    for (; steps != 0; steps += steps > 0 ? -1 : 1)
+        if (!Step(steps > 0))
             return false;
-        }
-    }
     return true;
 }
 
@@ -187,18 +174,16 @@ bool OpenDatabase::Step(bool forward) {
     if (readAhead) {
         StandOn(forward ? slot + 1 : slot - 1);
     } else {
-        if (!Fetch(position, forward)) {
+        if (!Fetch(position, forward))
             return false;
-        }
         budget = std::min(2 * budget, kLargestBudget);
         StandOn(forward ? 0 : batch.entries.size() - 1);
     }
     // The record behind a gap has the gap's own index.
-    if (!forward) {
+    if (!forward)
         --index;
-    } else if (!fromGap) {
+    else if (!fromGap)
         ++index;
-    }
     return true;
 }
 
@@ -245,14 +230,12 @@ bool OpenDatabase::FetchRows(Statement& select, bool forward) {
         read.bytes.append(key).append(form);
     }
     if (read.entries.empty()) {
-        if (!select.Failed()) {
+        if (!select.Failed())
             SetLastError(ERROR_NO_MORE_ITEMS);
-        }
         return false;
     }
-    if (!forward) {
+    if (!forward)
         std::reverse(read.entries.begin(), read.entries.end());
-    }
     batch = std::move(read);
     return true;
 }
@@ -260,9 +243,8 @@ bool OpenDatabase::FetchRows(Statement& select, bool forward) {
 bool OpenDatabase::FetchRecord(CEOID record) {
     Statement select(store.connection, "SELECT properties, data FROM records WHERE id = ?1");
     if (!select.Bind(RecordRow(database, record)).Row()) {
-        if (!select.Failed()) {
+        if (!select.Failed())
             SetLastError(ERROR_NO_MORE_ITEMS);
-        }
         return false;
     }
     const StoredRecord stored{static_cast<WORD>(select.Number(0)), select.Bytes(1)};
@@ -279,20 +261,17 @@ Position OpenDatabase::PlaceOf(CEOID record, const StoredRecord& stored) const {
 }
 
 bool OpenDatabase::FindIndex() {
-    if (indexKnown) {
+    if (indexKnown)
         return true;
-    }
     Statement count(store.connection,
                     sort < 0 ? "SELECT count(*) FROM records WHERE id >= ?1 AND id < ?2"
                              : "SELECT count(*) FROM sortkeys WHERE place = ?1 AND (key, record) < (?2, ?3)");
-    if (sort < 0) {
+    if (sort < 0)
         count.Bind(RecordRow(database, 0)).Bind(RecordRow(database, position.record));
-    } else {
+    else
         count.Bind(SortPlace()).BindBytes(position.key).Bind(position.record);
-    }
-    if (!count.Row()) {
+    if (!count.Row())
         return false;
-    }
     index = static_cast<DWORD>(count.Number(0));
     indexKnown = true;
     return true;
@@ -300,12 +279,10 @@ bool OpenDatabase::FindIndex() {
 
 void OpenDatabase::FollowChange(const RecordChange& change, std::int64_t versionBefore,
                                 std::int64_t versionAfter) {
-    if (notify && !change.before) {
+    if (notify && !change.before)
         ownCreations.push_back(change.record);
-    }
-    if (notify && !change.after) {
+    if (notify && !change.after)
         ++ownDeletions;
-    }
     if (epoch != store.epoch || version != versionBefore) {
         epoch = kNeverLooked; // another process wrote as well: everything is looked up again
         return;
@@ -313,9 +290,8 @@ void OpenDatabase::FollowChange(const RecordChange& change, std::int64_t version
     version = versionAfter;
     batch.Clear();
     budget = kFirstBudget;
-    if (standing == Standing::AtStart) {
+    if (standing == Standing::AtStart)
         return;
-    }
     if (change.record != position.record) {
         index -= change.before && PlaceOf(change.record, *change.before) < position;
         index += change.after && PlaceOf(change.record, *change.after) < position;
@@ -330,18 +306,16 @@ void OpenDatabase::FollowChange(const RecordChange& change, std::int64_t version
 
 void OpenDatabase::ReportForeignChanges(void (*post)(HWND, UINT, WPARAM, LPARAM)) {
     const DatabaseRow* row = store.catalogue.Find(database);
-    if (!row || row->version == watchedVersion) {
+    if (!row || row->version == watchedVersion)
         return;
-    }
     std::vector<CEOID> created;
     {
         Statement newer(store.connection, "SELECT id FROM records WHERE id > ?1 AND id <= ?2 ORDER BY id");
         newer.Bind(RecordRow(database, newestSeen)).Bind(RecordRow(database, kNoRecord));
         while (newer.Row()) {
             newestSeen = static_cast<CEOID>(newer.Number(0));
-            if (!std::binary_search(ownCreations.begin(), ownCreations.end(), newestSeen)) {
+            if (!std::binary_search(ownCreations.begin(), ownCreations.end(), newestSeen))
                 created.push_back(newestSeen);
-            }
         }
     }
     const bool deleted = row->deletions - watchedDeletions > ownDeletions;
@@ -350,12 +324,10 @@ void OpenDatabase::ReportForeignChanges(void (*post)(HWND, UINT, WPARAM, LPARAM)
     watchedDeletions = row->deletions;
     ownCreations.clear();
     ownDeletions = 0;
-    for (const CEOID record : created) {
+    for (const CEOID record : created)
         post(notify, DB_CEOID_CREATED, record, static_cast<LPARAM>(database));
-    }
-    if (deleted) {
+    if (deleted)
         post(notify, DB_CEOID_RECORD_DELETED, lastDeleted, static_cast<LPARAM>(database));
-    }
 }
 
 } // namespace storage

@@ -1,12 +1,12 @@
 // An open database: where it stands, what it has read ahead, and whom it tells of changes.
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "platform/base/handles.h"
 #include "platform/objectstore.h"
 #include "platform/storage/store.h"
-
-#include <string>
-#include <vector>
 
 namespace storage {
 

@@ -41,11 +41,9 @@ std::size_t MeaningfulBytes(WORD type) {
 
 // The bytes of a string with its terminator, of at most `room` bytes; 0 when it has no end there.
 std::size_t StringBytes(const char* at, std::size_t room) {
-    for (std::size_t unit = 0; unit + sizeof(char16_t) <= room; unit += sizeof(char16_t)) {
-        if (at[unit] == 0 && at[unit + 1] == 0) {
+    for (std::size_t unit = 0; unit + sizeof(char16_t) <= room; unit += sizeof(char16_t))
+        if (at[unit] == 0 && at[unit + 1] == 0)
             return unit + sizeof(char16_t);
-        }
-    }
     return 0;
 }
 
@@ -54,23 +52,19 @@ bool FindOutside(WORD type, const BYTE* value, std::size_t entriesBytes, std::st
                  std::string_view& outside, bool& present) {
     outside = {};
     present = false;
-    if (type != CEVT_LPWSTR && type != CEVT_BLOB) {
+    if (type != CEVT_LPWSTR && type != CEVT_BLOB)
         return true;
-    }
     const std::size_t offset = ReadWord(type == CEVT_LPWSTR ? value : value + kBlobPointer);
     const std::size_t blobBytes = type == CEVT_BLOB ? ReadWord(value) : 0;
-    if (offset == 0) {
+    if (offset == 0)
         return blobBytes == 0;
-    }
-    if (offset < entriesBytes || offset > form.size()) {
+    if (offset < entriesBytes || offset > form.size())
         return false;
-    }
     const std::size_t room = form.size() - offset;
     const std::size_t bytes = type == CEVT_BLOB ? blobBytes : StringBytes(form.data() + offset, room);
     const bool misplaced = type == CEVT_LPWSTR && (bytes == 0 || offset % sizeof(char16_t) != 0);
-    if (misplaced || bytes > room) {
+    if (misplaced || bytes > room)
         return false;
-    }
     outside = form.substr(offset, bytes);
     present = true;
     return true;
@@ -89,9 +83,8 @@ public:
                                             [id](const Property& property) { return property.id == id; });
             return static_cast<std::size_t>(found - properties.begin());
         }
-        for (; indexed < properties.size(); ++indexed) {
+        for (; indexed < properties.size(); ++indexed)
             places.emplace(properties[indexed].id, indexed);
-        }
         const auto found = places.find(id);
         return found == places.end() ? properties.size() : found->second;
     }
@@ -107,20 +100,17 @@ bool ReadValue(const CEPROPVAL& value, Property& property) {
     const WORD type = TypeFromPropID(value.propid);
     property.id = value.propid;
     std::memcpy(property.value, &value.val, MeaningfulBytes(type));
-    if (type != CEVT_LPWSTR && type != CEVT_BLOB) {
+    if (type != CEVT_LPWSTR && type != CEVT_BLOB)
         return true;
-    }
     const std::size_t blobBytes = type == CEVT_BLOB ? value.val.blob.dwCount : 0;
     const DWORD address = type == CEVT_BLOB ? value.val.blob.lpb.Address() : value.val.lpwstr.Address();
-    if (address == 0 || (type == CEVT_BLOB && blobBytes == 0)) {
+    if (address == 0 || (type == CEVT_BLOB && blobBytes == 0))
         return blobBytes == 0;
-    }
     const std::size_t room = LiveBytesAt(address);
     const char* at = static_cast<const char*>(ArenaPointer(address));
     const std::size_t bytes = type == CEVT_BLOB ? blobBytes : StringBytes(at, room);
-    if (bytes == 0 || bytes > room) {
+    if (bytes == 0 || bytes > room)
         return false;
-    }
     property.outside = {at, bytes};
     property.present = true;
     return true;
@@ -130,9 +120,8 @@ bool ReadValue(const CEPROPVAL& value, Property& property) {
 
 bool ParseRecord(WORD count, std::string_view form, std::vector<Property>& properties) {
     const std::size_t entriesBytes = count * kEntryBytes;
-    if (entriesBytes > form.size()) {
+    if (entriesBytes > form.size())
         return false;
-    }
     properties.assign(count, Property());
     for (std::size_t entry = 0; entry < count; ++entry) {
         const BYTE* at = reinterpret_cast<const BYTE*>(form.data()) + entry * kEntryBytes;
@@ -140,9 +129,8 @@ bool ParseRecord(WORD count, std::string_view form, std::vector<Property>& prope
         property.id = ReadWord(at);
         std::memcpy(property.value, at + kValueOffset, sizeof(property.value));
         if (!FindOutside(TypeFromPropID(property.id), property.value, entriesBytes, form, property.outside,
-                         property.present)) {
+                         property.present))
             return false;
-        }
     }
     return true;
 }
@@ -158,11 +146,10 @@ bool ApplyValues(WORD count, const CEPROPVAL* values, std::vector<Property>& pro
         } else if (!ReadValue(values[at], property)) {
             return false;
         }
-        if (place < properties.size()) {
+        if (place < properties.size())
             properties[place] = property;
-        } else if (!property.removed) {
+        else if (!property.removed)
             properties.push_back(property);
-        }
     }
     return true;
 }
@@ -176,17 +163,15 @@ bool BuildRecord(const std::vector<Property>& properties, WORD& count, std::stri
                      ? 0
                      : kEntryBytes + property.outside.size() + 1; // with room to start strings evenly
     }
-    if (entries > 0xFFFF || bytes > kLargestRecord) {
+    if (entries > 0xFFFF || bytes > kLargestRecord)
         return false;
-    }
     count = static_cast<WORD>(entries);
     form.assign(entries * kEntryBytes, 0);
     form.reserve(bytes);
     std::size_t entry = 0;
     for (const Property& property : properties) {
-        if (property.removed) {
+        if (property.removed)
             continue;
-        }
         const WORD type = TypeFromPropID(property.id);
         BYTE value[sizeof(property.value)];
         std::memcpy(value, property.value, sizeof(value));
@@ -205,9 +190,8 @@ bool BuildRecord(const std::vector<Property>& properties, WORD& count, std::stri
 
 bool RelocateRecord(WORD count, DWORD size, BYTE* block) {
     const std::size_t entriesBytes = count * kEntryBytes;
-    if (entriesBytes > size) {
+    if (entriesBytes > size)
         return false;
-    }
     const std::string_view form(reinterpret_cast<const char*>(block), size);
     const DWORD address = ArenaAddress(block);
     for (BYTE* entry = block; entry < block + entriesBytes; entry += kEntryBytes) {
@@ -215,9 +199,8 @@ bool RelocateRecord(WORD count, DWORD size, BYTE* block) {
         BYTE* value = entry + kValueOffset;
         std::string_view outside;
         bool present = false;
-        if (!FindOutside(type, value, entriesBytes, form, outside, present)) {
+        if (!FindOutside(type, value, entriesBytes, form, outside, present))
             return false;
-        }
         if (present) {
             BYTE* pointer = type == CEVT_LPWSTR ? value : value + kBlobPointer;
             WriteWord(pointer, ReadWord(pointer) + address);

@@ -2,11 +2,11 @@
 // of the form in place of addresses. Offset 0 is a null pointer.
 #pragma once
 
-#include "platform/objectstore.h"
-
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "platform/objectstore.h"
 
 namespace storage {
 

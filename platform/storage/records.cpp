@@ -1,12 +1,11 @@
 // The object store's calls on records.
-#include "platform/objectstore.h"
+#include <algorithm>
 
 #include "platform/errors.h"
+#include "platform/objectstore.h"
 #include "platform/storage/opendatabase.h"
 #include "platform/storage/recordform.h"
 #include "platform/storage/sortkey.h"
-
-#include <algorithm>
 
 namespace storage {
 namespace {
@@ -16,22 +15,19 @@ constexpr WORD kMostRecords = 0xFFFF;
 // Null with the last error set. The store is open and refreshed when there is one.
 OpenDatabase* FindOpen(HANDLE handle, Store*& store) {
     store = TheStore();
-    if (!store) {
+    if (!store)
         return nullptr;
-    }
     OpenDatabase* open = FindKernelObject<OpenDatabase>(handle);
-    if (!open) {
+    if (!open)
         SetLastError(ERROR_INVALID_PARAMETER);
-    }
     return open;
 }
 
 bool ReadStored(Store& store, std::int64_t row, WORD& count, std::string& form) {
     Statement select(store.connection, "SELECT properties, data FROM records WHERE id = ?1");
     if (!select.Bind(row).Row()) {
-        if (!select.Failed()) {
+        if (!select.Failed())
             SetLastError(ERROR_INVALID_PARAMETER);
-        }
         return false;
     }
     count = static_cast<WORD>(select.Number(0));
@@ -40,9 +36,8 @@ bool ReadStored(Store& store, std::int64_t row, WORD& count, std::string& form) 
 }
 
 bool WriteRow(Store& store, std::int64_t row, const RecordChange& change) {
-    if (!change.after) {
+    if (!change.after)
         return Statement(store.connection, "DELETE FROM records WHERE id = ?1").Bind(row).Run();
-    }
     Statement write(store.connection, change.before
                                           ? "UPDATE records SET properties = ?2, data = ?3 WHERE id = ?1"
                                           : "INSERT INTO records VALUES (?1, ?2, ?3)");
@@ -61,18 +56,15 @@ bool WriteSortKeys(Store& store, const DatabaseRow& row, const RecordChange& cha
             change.before ? SortKey(spec, change.before->count, change.before->form) : std::string();
         const std::string after =
             change.after ? SortKey(spec, change.after->count, change.after->form) : std::string();
-        if (before == after) {
+        if (before == after)
             continue;
-        }
         if (change.before &&
             !WriteSortKey(store, "DELETE FROM sortkeys WHERE place = ?1 AND key = ?2 AND record = ?3", place,
-                          before, change.record)) {
+                          before, change.record))
             return false;
-        }
         if (change.after &&
-            !WriteSortKey(store, "INSERT INTO sortkeys VALUES (?1, ?2, ?3)", place, after, change.record)) {
+            !WriteSortKey(store, "INSERT INTO sortkeys VALUES (?1, ?2, ?3)", place, after, change.record))
             return false;
-        }
     }
     return true;
 }
@@ -84,24 +76,20 @@ bool Apply(Store& store, WriteTransaction& transaction, DatabaseRow row, const R
     const std::uint64_t taken = change.before ? change.before->form.size() : 0;
     row.SetBytes(row.bytes - std::min(row.bytes, taken) + (change.after ? change.after->form.size() : 0));
     row.info.ftLastModified = Now();
-    if (!change.before) {
+    if (!change.before)
         ++row.info.wNumRecords;
-    }
     if (!change.after) {
         row.info.wNumRecords = std::max<WORD>(row.info.wNumRecords, 1) - 1;
         ++row.deletions;
         row.lastDeleted = change.record;
     }
     if (!WriteRow(store, RecordRow(row.oid, change.record), change) || !WriteSortKeys(store, row, change) ||
-        !store.catalogue.StoreState(row) || !transaction.Commit()) {
+        !store.catalogue.StoreState(row) || !transaction.Commit())
         return false;
-    }
     store.catalogue.Keep(row);
-    for (OpenDatabase* open : OpenDatabases()) {
-        if (open->Database() == row.oid) {
+    for (OpenDatabase* open : OpenDatabases())
+        if (open->Database() == row.oid)
             open->FollowChange(change, versionBefore, row.version);
-        }
-    }
     return true;
 }
 
@@ -116,9 +104,8 @@ CEOID MakeRecord(Store& store, CEOID database, WORD count, const CEPROPVAL* valu
     made.form = form;
     WriteTransaction transaction(store);
     const DatabaseRow* row = transaction.Begun() ? store.catalogue.Find(database) : nullptr;
-    if (!row) {
+    if (!row)
         return 0;
-    }
     if (row->info.wNumRecords == kMostRecords) {
         SetLastError(ERROR_DISK_FULL);
         return 0;
@@ -132,9 +119,8 @@ CEOID ChangeRecord(Store& store, CEOID database, CEOID record, WORD count, const
     const DatabaseRow* row = transaction.Begun() ? store.catalogue.Find(database) : nullptr;
     std::string oldForm;
     StoredRecord old;
-    if (!row || !ReadStored(store, RecordRow(database, record), old.count, oldForm)) {
+    if (!row || !ReadStored(store, RecordRow(database, record), old.count, oldForm))
         return 0;
-    }
     old.form = oldForm;
     std::vector<Property> properties;
     if (!ParseRecord(old.count, old.form, properties)) {
@@ -154,20 +140,17 @@ CEOID ChangeRecord(Store& store, CEOID database, CEOID record, WORD count, const
 // Makes *block hold at least `bytes` bytes. False with the last error set.
 bool MakeRoom(DWORD flags, BYTE** block, DWORD* size, std::size_t bytes) {
     if ((flags & CEDB_ALLOWREALLOC) == 0) {
-        if (bytes <= *size && (*block || bytes == 0)) {
+        if (bytes <= *size && (*block || bytes == 0))
             return true;
-        }
         *size = static_cast<DWORD>(bytes);
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return false;
     }
-    if (bytes == 0 || (*block && LocalSize(*block) >= bytes)) {
+    if (bytes == 0 || (*block && LocalSize(*block) >= bytes))
         return true;
-    }
     void* grown = *block ? LocalReAlloc(*block, bytes, LMEM_MOVEABLE) : LocalAlloc(LMEM_FIXED, bytes);
-    if (!grown) {
+    if (!grown)
         return false;
-    }
     *block = static_cast<BYTE*>(grown);
     return true;
 }
@@ -187,18 +170,16 @@ CEOID CeReadRecordProps(HANDLE database, DWORD flags, WORD* count, const CEPROPI
                         DWORD* size) {
     Store* store;
     OpenDatabase* open = FindOpen(database, store);
-    if (!open) {
+    if (!open)
         return 0;
-    }
     if (ids || !count || !block || !size) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
     StoredRecord stored;
     const CEOID record = open->Current(stored);
-    if (record == 0 || !MakeRoom(flags, block, size, stored.form.size())) {
+    if (record == 0 || !MakeRoom(flags, block, size, stored.form.size()))
         return 0;
-    }
     stored.form.copy(reinterpret_cast<char*>(*block), stored.form.size());
     if (stored.count != 0 && !RelocateRecord(stored.count, static_cast<DWORD>(stored.form.size()), *block)) {
         SetLastError(ERROR_FILE_CORRUPT);
@@ -212,9 +193,8 @@ CEOID CeReadRecordProps(HANDLE database, DWORD flags, WORD* count, const CEPROPI
 CEOID CeWriteRecordProps(HANDLE database, CEOID record, WORD count, const CEPROPVAL* values) {
     Store* store;
     OpenDatabase* open = FindOpen(database, store);
-    if (!open) {
+    if (!open)
         return 0;
-    }
     if (count != 0 && !values) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
@@ -226,16 +206,14 @@ CEOID CeWriteRecordProps(HANDLE database, CEOID record, WORD count, const CEPROP
 BOOL CeDeleteRecord(HANDLE database, CEOID record) {
     Store* store;
     OpenDatabase* open = FindOpen(database, store);
-    if (!open) {
+    if (!open)
         return FALSE;
-    }
     WriteTransaction transaction(*store);
     const DatabaseRow* row = transaction.Begun() ? store->catalogue.Find(open->Database()) : nullptr;
     std::string form;
     StoredRecord old;
-    if (!row || !ReadStored(*store, RecordRow(row->oid, record), old.count, form)) {
+    if (!row || !ReadStored(*store, RecordRow(row->oid, record), old.count, form))
         return FALSE;
-    }
     old.form = form;
     return Apply(*store, transaction, *row, {record, &old, nullptr}) ? TRUE : FALSE;
 }

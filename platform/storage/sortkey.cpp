@@ -1,9 +1,9 @@
 #include "platform/storage/sortkey.h"
 
-#include "platform/storage/fold.h"
-
 #include <algorithm>
 #include <cstring>
+
+#include "platform/storage/fold.h"
 
 namespace storage {
 
@@ -22,9 +22,8 @@ Value ReadValue(const char* at) {
 }
 
 void AppendBigEndian(std::uint64_t value, int bytes, std::string& key) {
-    for (int shift = 8 * (bytes - 1); shift >= 0; shift -= 8) {
+    for (int shift = 8 * (bytes - 1); shift >= 0; shift -= 8)
         key += static_cast<char>(value >> shift);
-    }
 }
 
 // A present string has its end within the form; that was seen to when it was written or is when it is read.
@@ -32,14 +31,12 @@ void AppendText(std::string_view rest, bool fold, std::string& key) {
     std::u16string text;
     for (std::size_t at = 0; at + 1 < rest.size() && text.size() < kMostUnits; at += sizeof(char16_t)) {
         const char16_t unit = ReadValue<char16_t>(rest.data() + at);
-        if (unit == 0) {
+        if (unit == 0)
             break;
-        }
         text += unit;
     }
-    for (const char16_t unit : fold ? Fold(text) : text) {
+    for (const char16_t unit : fold ? Fold(text) : text)
         AppendBigEndian(unit, 2, key);
-    }
     AppendBigEndian(0, 2, key);
 }
 
@@ -86,14 +83,14 @@ void AppendValue(const SORTORDERSPEC& spec, const char* value, std::string_view 
 std::string SortKey(const SORTORDERSPEC& spec, WORD count, std::string_view form) {
     for (std::size_t entry = 0; entry < count && (entry + 1) * sizeof(CEPROPVAL) <= form.size(); ++entry) {
         const char* at = form.data() + entry * sizeof(CEPROPVAL);
-        if (ReadValue<CEPROPID>(at) != spec.propid) {
+        if (ReadValue<CEPROPID>(at) != spec.propid)
             continue;
-        }
         std::string key(1, kKnown);
         AppendValue(spec, at + offsetof(CEPROPVAL, val), form, key);
         if ((spec.dwFlags & CEDB_SORT_DESCENDING) != 0) {
-            std::transform(key.begin() + 1, key.end(), key.begin() + 1,
-                           [](char byte) { return static_cast<char>(~byte); });
+            std::transform(
+                key.begin() + 1, key.end(), key.begin() + 1,
+                [](char byte) { return static_cast<char>(~byte); });
         }
         return key;
     }

@@ -1,10 +1,10 @@
 // Sort keys: byte strings whose plain comparison is the order of records.
 #pragma once
 
-#include "platform/objectstore.h"
-
 #include <string>
 #include <string_view>
+
+#include "platform/objectstore.h"
 
 namespace storage {
 

@@ -1,8 +1,8 @@
 #include "platform/storage/sqlite.h"
 
-#include "platform/errors.h"
-
 #include <ctime>
+
+#include "platform/errors.h"
 
 namespace storage {
 
@@ -68,9 +68,8 @@ int Connection::Open(const std::string& name, int flags) {
 }
 
 void Connection::Close() {
-    for (const auto& [sql, statement] : prepared) {
+    for (const auto& [sql, statement] : prepared)
         sqlite3_finalize(statement);
-    }
     prepared.clear();
     sqlite3_close(handle);
     handle = nullptr;
@@ -82,13 +81,11 @@ int Connection::Execute(const char* sql) {
 
 sqlite3_stmt* Connection::Prepared(const char* sql) {
     const auto known = prepared.find(sql);
-    if (known != prepared.end()) {
+    if (known != prepared.end())
         return known->second;
-    }
     sqlite3_stmt* statement = nullptr;
-    if (sqlite3_prepare_v3(handle, sql, -1, SQLITE_PREPARE_PERSISTENT, &statement, nullptr) != SQLITE_OK) {
+    if (sqlite3_prepare_v3(handle, sql, -1, SQLITE_PREPARE_PERSISTENT, &statement, nullptr) != SQLITE_OK)
         return nullptr;
-    }
     prepared.emplace(sql, statement);
     return statement;
 }
@@ -116,12 +113,10 @@ Statement& Statement::BindBytes(std::string_view bytes) {
 }
 
 bool Statement::Row() {
-    if (statement) {
+    if (statement)
         result = sqlite3_step(statement);
-    }
-    if (Failed()) {
+    if (Failed())
         SetLastError(ErrorOf(result));
-    }
     return result == SQLITE_ROW;
 }
 

@@ -1,12 +1,12 @@
 // SQLite as the store uses it: one connection, statements prepared once, results as last errors.
 #pragma once
 
-#include "platform/types.h"
-
 #include <sqlite3.h>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+
+#include "platform/types.h"
 
 namespace storage {
 

@@ -1,13 +1,13 @@
 #include "platform/storage/store.h"
 
-#include "platform/device.h"
-#include "platform/storage/opendatabase.h"
-#include "platform/storage/storefile.h"
-
 #include <algorithm>
 #include <cstdlib>
 #include <ctime>
 #include <memory>
+
+#include "platform/device.h"
+#include "platform/storage/opendatabase.h"
+#include "platform/storage/storefile.h"
 
 namespace storage {
 
@@ -44,9 +44,8 @@ CEOID Store::NewIdentifier() {
     if (nextIdentifier == endIdentifier) {
         Statement select(connection, "SELECT next FROM identifiers");
         if (!select.Row()) {
-            if (!select.Failed()) {
+            if (!select.Failed())
                 SetLastError(ERROR_FILE_CORRUPT);
-            }
             return 0;
         }
         // Identifiers are set aside in blocks, so that the counter is not written with each record. The block
@@ -58,9 +57,8 @@ CEOID Store::NewIdentifier() {
             return 0;
         }
         Statement update(connection, "UPDATE identifiers SET next = ?1");
-        if (!update.Bind(static_cast<std::int64_t>(end)).Run()) {
+        if (!update.Bind(static_cast<std::int64_t>(end)).Run())
             return 0;
-        }
         nextIdentifier = next;
         endIdentifier = end;
         blockSize = std::min(2 * blockSize, kLargestBlock);
@@ -73,9 +71,8 @@ WriteTransaction::WriteTransaction(Store& store) : store(store) {
         SetLastError(store.readOnlyError);
         return;
     }
-    if (!Statement(store.connection, "BEGIN IMMEDIATE").Run()) {
+    if (!Statement(store.connection, "BEGIN IMMEDIATE").Run())
         return;
-    }
     begun = true;
     // Nobody else can write now: a word that is odd was left by a process that died.
     store.Refresh();
@@ -94,9 +91,8 @@ WriteTransaction::~WriteTransaction() {
 }
 
 bool WriteTransaction::Commit() {
-    if (!Statement(store.connection, "COMMIT").Run()) {
+    if (!Statement(store.connection, "COMMIT").Run())
         return false;
-    }
     begun = false;
     End();
     return true;
@@ -113,14 +109,12 @@ void WriteTransaction::End() {
 
 Store* TheStore() {
     std::unique_ptr<Store>& slot = Slot();
-    if (slot && slot->readOnlyError == ERROR_DISK_FULL && OpenDatabases().empty()) {
+    if (slot && slot->readOnlyError == ERROR_DISK_FULL && OpenDatabases().empty())
         slot.reset(); // there may be room by now
-    }
     if (!slot) {
         auto store = std::make_unique<Store>();
-        if (!OpenStoreFile(*store, DeviceStorePath())) {
+        if (!OpenStoreFile(*store, DeviceStorePath()))
             return nullptr;
-        }
         slot = std::move(store);
         [[maybe_unused]] static const int registered = std::atexit(CloseStore);
     }

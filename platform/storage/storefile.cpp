@@ -1,9 +1,9 @@
 #include "platform/storage/storefile.h"
 
-#include "platform/storage/deletion.h"
-
 #include <cerrno>
 #include <sys/stat.h>
+
+#include "platform/storage/deletion.h"
 
 namespace storage {
 
@@ -40,9 +40,8 @@ static_assert(kApplicationId == 1400140374 && kVersion == 1);
 // A result of SQLite.
 int ReadNumber(Connection& connection, const char* sql, std::int64_t& number) {
     Statement select(connection, sql);
-    if (select.Row()) {
+    if (select.Row())
         number = select.Number(0);
-    }
     return select.Failed() ? select.Result() : SQLITE_OK;
 }
 
@@ -53,31 +52,25 @@ DWORD Inspect(Connection& connection, bool& empty) {
     std::int64_t application = 0;
     std::int64_t version = 0;
     int result = ReadNumber(connection, "SELECT count(*) FROM sqlite_schema", tables);
-    if (result == SQLITE_OK) {
+    if (result == SQLITE_OK)
         result = ReadNumber(connection, "PRAGMA application_id", application);
-    }
-    if (result == SQLITE_OK) {
+    if (result == SQLITE_OK)
         result = ReadNumber(connection, "PRAGMA user_version", version);
-    }
     empty = tables == 0 && application == 0 && version == 0;
-    if (result != SQLITE_OK) {
+    if (result != SQLITE_OK)
         return ErrorOf(result);
-    }
-    if (empty) {
+    if (empty)
         return ERROR_SUCCESS;
-    }
-    if (application != kApplicationId) {
+    if (application != kApplicationId)
         return ERROR_FILE_CORRUPT;
-    }
     return version == kVersion ? ERROR_SUCCESS : ERROR_REVISION_MISMATCH;
 }
 
 DWORD OpenWritable(Store& store, const std::string& path) {
     Connection& connection = store.connection;
     int result = connection.Open(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-    if (result != SQLITE_OK) {
+    if (result != SQLITE_OK)
         return ErrorOf(result);
-    }
     bool empty = false;
     DWORD error = Inspect(connection, empty);
     if (error == ERROR_SUCCESS && empty) {
@@ -93,9 +86,8 @@ DWORD OpenWritable(Store& store, const std::string& path) {
         // A process died in the middle of a write. An empty one says that nobody is writing.
         const WriteTransaction nothing(store);
     }
-    if (error == ERROR_SUCCESS && !store.locks.HasRoom()) {
+    if (error == ERROR_SUCCESS && !store.locks.HasRoom())
         TidyUp(store);
-    }
     return error;
 }
 

@@ -1,8 +1,8 @@
 #include "platform/storage/watch.h"
 
-#include "platform/storage/opendatabase.h"
-
 #include <algorithm>
+
+#include "platform/storage/opendatabase.h"
 
 namespace {
 NotifySink notifySink = nullptr;
@@ -20,15 +20,13 @@ bool StoreWatchWanted() {
 
 void PollStoreChanges() {
     storage::Store* store = StoreWatchWanted() ? storage::TheStore() : nullptr;
-    if (!store) {
+    if (!store)
         return;
-    }
     for (storage::OpenDatabase* open : storage::OpenDatabases()) {
         if (open->IsWatching()) {
             open->ReportForeignChanges([](HWND window, UINT message, WPARAM record, LPARAM database) {
-                if (notifySink) {
+                if (notifySink)
                     notifySink(window, message, record, database);
-                }
             });
         }
     }

@@ -85,12 +85,11 @@ QString TextIn(const void* block) {
 
 void HandToHost(const Blocks& blocks) {
     auto* data = new QMimeData;
-    for (const auto& [format, block] : blocks) {
+    for (const auto& [format, block] : blocks)
         if (format == CF_UNICODETEXT)
             data->setText(TextIn(block));
         else
             data->setData(MimeTypeOf(format), BytesOf(block));
-    }
     QGuiApplication::clipboard()->setMimeData(data);
 }
 

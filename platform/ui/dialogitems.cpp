@@ -6,10 +6,9 @@ HWND GetDlgItem(HWND dialog, int id) {
     const WindowObject* object = LiveWindow(dialog);
     if (!object)
         return nullptr;
-    for (HWND child : object->children) {
+    for (HWND child : object->children)
         if (child->id == static_cast<UINT>(id))
             return child;
-    }
     return nullptr;
 }
 

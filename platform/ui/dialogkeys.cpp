@@ -53,10 +53,9 @@ std::vector<HWND> GroupOf(HWND dialog, HWND control) {
 
 // Tab enters a group of radio buttons at the checked one.
 HWND CheckedInGroup(HWND dialog, HWND radio) {
-    for (HWND member : GroupOf(dialog, radio)) {
+    for (HWND member : GroupOf(dialog, radio))
         if (IsRadio(member) && CanBeReached(member) && IsChecked(member))
             return member;
-    }
     return radio;
 }
 
@@ -77,11 +76,10 @@ bool MoveInGroup(HWND dialog, HWND control, bool backwards) {
         return false;
     const bool radio = IsRadio(control);
     std::vector<HWND> group;
-    for (HWND member : GroupOf(dialog, control)) {
+    for (HWND member : GroupOf(dialog, control))
         if (member == control ||
             (CanBeReached(member) && CodeOf(member) & DLGC_BUTTON && IsRadio(member) == radio))
             group.push_back(member);
-    }
     const auto place = std::find(group.begin(), group.end(), control) - group.begin();
     const auto count = static_cast<std::ptrdiff_t>(group.size());
     const HWND next = group[static_cast<std::size_t>((place + (backwards ? count - 1 : 1)) % count)];
@@ -212,10 +210,9 @@ void ShowDefaultButton(HWND dialog) {
     const UINT id = DefaultId(dialog);
     const HWND focus = ChildHolding(dialog, GetFocus());
     const bool focusIsIt = focus && focus->id == id;
-    for (HWND child : dialog->children) {
+    for (HWND child : dialog->children)
         if (auto* button = WidgetOf<QPushButton>(child))
             button->setDefault(focusIsIt ? child == focus : child->id == id);
-    }
 }
 
 BOOL IsDialogMessageW(HWND dialog, MSG* message) {

@@ -50,10 +50,9 @@ int EdgeShift(int edge, int width, int extra) {
 // Buttons side by side stay so: how far their row goes.
 int RowShift(const std::vector<HomePlace>& homes, const HomePlace& member, int width, int extra) {
     QRect row = member.place;
-    for (const HomePlace& other : homes) {
+    for (const HomePlace& other : homes)
         if (LiveWindow(other.control) && IsPushButton(*other.control) && other.place.top() == row.top())
             row |= other.place;
-    }
     const int rightGap = width - row.x() - row.width();
     if (std::abs(row.x() - rightGap) <= kCentredWithin * width)
         return extra / 2;
@@ -165,10 +164,9 @@ int ShowBar(HWND dialog, Qt::Orientation orientation, const QRect& place, int sh
 
 void RememberLayout(HWND dialog) {
     dialog->dialog->natural = dialog->topLevel->cardSize;
-    for (HWND child : dialog->children) {
+    for (HWND child : dialog->children)
         if (child->widget)
             dialog->dialog->homes.push_back({child, child->widget->geometry()});
-    }
 }
 
 void LayOutDialog(HWND dialog, const QRect& client) {
@@ -192,10 +190,9 @@ void LayOutDialog(HWND dialog, const QRect& client) {
     PlaceWindow(dialog, QRect(client.topLeft() - scrolled, whole));
     const QSize extra = whole - data->natural;
     const std::vector<GrowLine> lines = GrowLinesOf(data->homes);
-    for (const HomePlace& home : data->homes) {
+    for (const HomePlace& home : data->homes)
         if (LiveWindow(home.control))
             PlaceWindow(home.control, PlaceOf(data->homes, home, data->natural, extra, lines));
-    }
     if (LiveWindow(dialog))
         ArrangeAdded(dialog, shown.width());
 }

@@ -57,10 +57,9 @@ private:
 std::u16string ClassName(Reader& reader) {
     WORD number;
     std::u16string name = reader.TextOrNumber(number);
-    for (const NumberedClass& known : kNumberedClasses) {
+    for (const NumberedClass& known : kNumberedClasses)
         if (known.number == number)
             name = known.name;
-    }
     return name;
 }
 

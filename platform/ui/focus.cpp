@@ -20,10 +20,9 @@ FocusState& State() {
 }
 
 bool CanHaveFocus(HWND window) {
-    for (const WindowObject* object = LiveWindow(window); object; object = LiveWindow(object->parent)) {
+    for (const WindowObject* object = LiveWindow(window); object; object = LiveWindow(object->parent))
         if (object->style & WS_DISABLED || object->destroying)
             return false;
-    }
     return LiveWindow(window) != nullptr;
 }
 

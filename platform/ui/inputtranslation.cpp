@@ -67,10 +67,9 @@ HWND InputWindow(QWidget*& widget, bool key) {
 }
 
 bool Blocked(HWND window) {
-    for (const WindowObject* object = LiveWindow(window); object; object = LiveWindow(object->parent)) {
+    for (const WindowObject* object = LiveWindow(window); object; object = LiveWindow(object->parent))
         if (object->style & WS_DISABLED)
             return true;
-    }
     return false;
 }
 

@@ -38,10 +38,9 @@ UINT VirtualKeyOf(int hostKey) {
         return static_cast<UINT>(hostKey);
     if (hostKey >= Qt::Key_F1 && hostKey < Qt::Key_F1 + kFunctionKeys)
         return VK_F1 + static_cast<UINT>(hostKey - Qt::Key_F1);
-    for (const KeyPair& pair : kKeys) {
+    for (const KeyPair& pair : kKeys)
         if (pair.host == hostKey)
             return pair.virtualKey;
-    }
     return 0;
 }
 
@@ -50,9 +49,8 @@ int HostKeyOf(UINT virtualKey) {
         return static_cast<int>(virtualKey);
     if (virtualKey >= VK_F1 && virtualKey < VK_F1 + kFunctionKeys)
         return Qt::Key_F1 + static_cast<int>(virtualKey - VK_F1);
-    for (const KeyPair& pair : kKeys) {
+    for (const KeyPair& pair : kKeys)
         if (pair.virtualKey == virtualKey)
             return pair.host;
-    }
     return 0;
 }

@@ -39,10 +39,9 @@ HMENU MenuOf(HWND bar) {
 }
 
 void EnableBarButton(MenuBarWidget& widget, UINT command, bool enable) {
-    for (BarButton* const button : widget.Buttons()) {
+    for (BarButton* const button : widget.Buttons())
         if (!button->IsPopup() && button->command == command)
             button->setEnabled(enable);
-    }
 }
 
 LRESULT MenuBarProcedure(HWND bar, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -225,10 +224,9 @@ BOOL SHCreateMenuBar(SHMENUBARINFO* info) {
 HWND MenuBarOf(HWND window) {
     const WindowObject* const top = LiveWindow(TopLevelOf(window));
     if (top) {
-        for (const HWND child : top->children) {
+        for (const HWND child : top->children)
             if (WidgetOf(child))
                 return child;
-        }
     }
     return nullptr;
 }

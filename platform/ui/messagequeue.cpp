@@ -100,31 +100,31 @@ HostInput* LastQueuedInput(UINT message, const QWidget* receiver, MSG** entry) {
 }
 
 void DropMessagesOf(HWND window) {
-    std::erase_if(TheQueue().entries,
-                  [window](const Entry& entry) { return window && entry.message.hwnd == window; });
+    std::erase_if(
+        TheQueue().entries, [window](const Entry& entry) { return window && entry.message.hwnd == window; });
 }
 
 void DropTimerMessage(HWND window, UINT id) {
-    std::erase_if(TheQueue().entries, [window, id](const Entry& entry) {
-        return entry.message.hwnd == window && entry.message.message == WM_TIMER &&
-               entry.message.wParam == id;
-    });
+    std::erase_if(
+        TheQueue().entries,
+        [window, id](const Entry& entry) {
+            return entry.message.hwnd == window && entry.message.message == WM_TIMER &&
+                   entry.message.wParam == id;
+        });
 }
 
 bool MessageQueued(HWND window, UINT message, WPARAM wParam) {
-    for (const Entry& entry : TheQueue().entries) {
+    for (const Entry& entry : TheQueue().entries)
         if (entry.message.hwnd == window && entry.message.message == message &&
             entry.message.wParam == wParam)
             return true;
-    }
     return false;
 }
 
 const MSG* FindQueued(UINT first, UINT last) {
-    for (const Entry& entry : TheQueue().entries) {
+    for (const Entry& entry : TheQueue().entries)
         if (entry.message.message >= first && entry.message.message <= last)
             return &entry.message;
-    }
     return nullptr;
 }
 

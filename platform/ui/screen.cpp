@@ -41,10 +41,9 @@ protected:
     void resizeEvent(QResizeEvent* event) override {
         Arrange();
         LayOutScreen();
-        if (event->oldSize().isValid() && IsLandscape(event->oldSize()) != IsLandscape(size())) {
+        if (event->oldSize().isValid() && IsLandscape(event->oldSize()) != IsLandscape(size()))
             for (HWND window : std::vector<HWND>(TopLevelWindows()))
                 SendMessageW(window, WM_SETTINGCHANGE, kOrientationChanged, 0);
-        }
     }
     void closeEvent(QCloseEvent* event) override {
         event->ignore();

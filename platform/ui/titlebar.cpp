@@ -52,7 +52,8 @@ void TitleBarButton::paintEvent(QPaintEvent*) {
 }
 
 TitleBar::TitleBar(QWidget* parent) : QWidget(parent), button(new TitleBarButton(this)) {
-    connect(button, &QAbstractButton::clicked, this, [this] { Tapped(); });
+    connect(
+        button, &QAbstractButton::clicked, this, [this] { Tapped(); });
 }
 
 void TitleBar::Show(const QString& title, TitleButton kind) {

@@ -149,10 +149,9 @@ BOOL DestroyWindow(HWND window) {
     if (object->topLevel) {
         // What it owns goes first, as it cannot stay without it.
         const std::vector<HWND> others = TopLevelWindows();
-        for (HWND other : others) {
+        for (HWND other : others)
             if (LiveWindow(other) && other->owner == window)
                 DestroyWindow(other);
-        }
         if (!LiveWindow(window))
             return TRUE;
         object->destroying = true;

@@ -174,10 +174,9 @@ BOOL InvalidateRect(HWND window, const RECT* rect, BOOL) {
     }
     widget->update();
     // A control may be made of several widgets of the host: they are the window, too.
-    for (QWidget* part : widget->findChildren<QWidget*>()) {
+    for (QWidget* part : widget->findChildren<QWidget*>())
         if (WindowOfWidget(part) == window)
             part->update();
-    }
     return TRUE;
 }
 
@@ -202,10 +201,9 @@ BOOL IsWindowVisible(HWND window) {
     const WindowObject* object = LiveWindow(window);
     if (!object)
         return FALSE;
-    for (; object; object = LiveWindow(object->parent)) {
+    for (; object; object = LiveWindow(object->parent))
         if (!(object->style & WS_VISIBLE))
             return FALSE;
-    }
     return TRUE;
 }
 

@@ -120,10 +120,9 @@ void UnbindWidget(const QWidget* widget) {
 
 HWND WindowOfWidget(const QWidget* widget) {
     const auto& widgets = TheRegistry().widgets;
-    for (; widget; widget = widget->isWindow() ? nullptr : widget->parentWidget()) {
+    for (; widget; widget = widget->isWindow() ? nullptr : widget->parentWidget())
         if (const HWND window = widgets.value(widget))
             return LiveWindow(window);
-    }
     return nullptr;
 }
 
@@ -139,10 +138,9 @@ HWND TopLevelOf(HWND window) {
 }
 
 bool IsInside(HWND window, HWND ancestor) {
-    for (WindowObject* object = LiveWindow(window); object; object = LiveWindow(object->parent)) {
+    for (WindowObject* object = LiveWindow(window); object; object = LiveWindow(object->parent))
         if (object == ancestor)
             return true;
-    }
     return false;
 }
 

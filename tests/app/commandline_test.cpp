@@ -1,12 +1,10 @@
-#include "app/start/commandline.h"
-
-#include <gtest/gtest.h>
-
 #include <filesystem>
+#include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
 #include "app/application.h"
+#include "app/start/commandline.h"
 #include "platform/files.h"
 #include "platform/ui/testhooks.h"
 #include "tests/support/sampledatabases.h"

@@ -1,12 +1,10 @@
-#include "app/settings.h"
-
-#include <gtest/gtest.h>
-
 #include <cstring>
+#include <gtest/gtest.h>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "app/settings.h"
 #include "platform/errors.h"
 #include "platform/registry.h"
 #include "platform/text.h"

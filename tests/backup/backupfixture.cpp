@@ -107,11 +107,8 @@ bool FileExists(const WCHAR* path) {
 }
 
 void DeleteAllBut(const std::u16string& name) {
-    for (const std::u16string& other : DatabaseNames()) {
-        if (other != name) {
-            EXPECT_TRUE(DbHandle(nullptr).DeleteDatabase(other.c_str()));
-        }
-    }
+    for (const std::u16string& other : DatabaseNames())
+        EXPECT_TRUE(other == name || DbHandle(nullptr).DeleteDatabase(other.c_str()));
 }
 
 const std::u16string kSampleContents = u"1=7 2=Ann\n";

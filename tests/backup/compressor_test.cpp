@@ -1,5 +1,3 @@
-#include "backup/compressor.h"
-
 #include <algorithm>
 #include <cstdlib>
 #include <gtest/gtest.h>
@@ -7,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "backup/compressor.h"
 #include "tests/backup/backupfixture.h"
 
 namespace {

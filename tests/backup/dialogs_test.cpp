@@ -1,4 +1,7 @@
 // Backups and restores as a user makes them: from the main window, by taps and keys.
+#include <QTimer>
+#include <filesystem>
+
 #include "app/application.h"
 #include "app/uiservices.h"
 #include "backup/backup.h"
@@ -8,9 +11,6 @@
 #include "resources/resource.h"
 #include "tests/backup/backupfixture.h"
 #include "tests/support/usersession.h"
-
-#include <QTimer>
-#include <filesystem>
 
 namespace {
 

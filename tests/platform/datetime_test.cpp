@@ -1,11 +1,11 @@
-#include "platform/datetime.h"
-#include "tests/platform/hostsupport.h"
-
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <gtest/gtest.h>
 #include <string>
+
+#include "platform/datetime.h"
+#include "tests/platform/hostsupport.h"
 
 namespace {
 
@@ -68,9 +68,8 @@ TEST(DateTime, TurnsDownWhatIsNoTime) {
           SYSTEMTIME{2023, 257, 0, 1, 0, 0, 0, 0}, SYSTEMTIME{2023, 1, 0, 257, 0, 0, 0, 0},
           SYSTEMTIME{2023, 1, 0, 0, 0, 0, 0, 0}, SYSTEMTIME{2023, 1, 0, 1, 24, 0, 0, 0},
           SYSTEMTIME{2023, 1, 0, 1, 0, 60, 0, 0}, SYSTEMTIME{2023, 1, 0, 1, 0, 0, 60, 0},
-          SYSTEMTIME{2023, 1, 0, 1, 0, 0, 0, 1000}}) {
+          SYSTEMTIME{2023, 1, 0, 1, 0, 0, 0, 1000}})
         ExpectInvalid(SystemTimeToFileTime(&fields, &time));
-    }
     const FILETIME beyond[] = {Ticks(9223149888000000000), Ticks(INT64_MAX), Ticks(UINT64_MAX)};
     SYSTEMTIME fields{};
     for (const FILETIME& stored : beyond) {

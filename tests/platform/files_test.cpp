@@ -1,13 +1,13 @@
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/stat.h>
+
 #include "platform/base/paths.h"
 #include "platform/device.h"
 #include "platform/files.h"
 #include "tests/platform/hostsupport.h"
 #include "tests/platform/otherprocess.h"
 #include "tests/support/testdevice.h"
-
-#include <gtest/gtest.h>
-#include <string>
-#include <sys/stat.h>
 
 namespace {
 

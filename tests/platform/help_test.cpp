@@ -1,7 +1,3 @@
-#include "platform/help/helppages.h"
-#include "platform/help/helpwindow.h"
-#include "tests/platform/hostsupport.h"
-
 #include <QAction>
 #include <QApplication>
 #include <QDir>
@@ -12,6 +8,10 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <memory>
+
+#include "platform/help/helppages.h"
+#include "platform/help/helpwindow.h"
+#include "tests/platform/hostsupport.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
 // Short forms for tests of the platform: the error of a failed call, and files by the host's paths.
 #pragma once
 
-#include "platform/errors.h"
-
 #include <fstream>
 #include <iterator>
 #include <string>
+
+#include "platform/errors.h"
 
 // The last error of a call that failed, which is to say that it returned 0 or the invalid handle;
 // ERROR_SUCCESS of one that did not fail, or that failed without a word.

@@ -1,13 +1,4 @@
 // How the program is started, and how it starts and finds other processes.
-#include "platform/base/display.h"
-#include "platform/base/instance.h"
-#include "platform/base/utf8.h"
-#include "platform/launcher/arguments.h"
-#include "platform/process.h"
-#include "tests/platform/hostsupport.h"
-#include "tests/platform/otherprocess.h"
-#include "tests/support/testdevice.h"
-
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -16,6 +7,15 @@
 #include <gtest/gtest.h>
 #include <initializer_list>
 #include <vector>
+
+#include "platform/base/display.h"
+#include "platform/base/instance.h"
+#include "platform/base/utf8.h"
+#include "platform/launcher/arguments.h"
+#include "platform/process.h"
+#include "tests/platform/hostsupport.h"
+#include "tests/platform/otherprocess.h"
+#include "tests/support/testdevice.h"
 
 namespace {
 
@@ -51,9 +51,8 @@ Outcome Start(const QStringList& arguments, const QProcessEnvironment& environme
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(LAUNCHER_PATH), arguments);
     Outcome outcome;
-    if (process.waitForFinished(20000) && process.exitStatus() == QProcess::NormalExit) {
+    if (process.waitForFinished(20000) && process.exitStatus() == QProcess::NormalExit)
         outcome = {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
-    }
     process.kill();
     process.waitForFinished();
     return outcome;
@@ -94,9 +93,8 @@ TEST(Instance, AWindowIsFoundByItsDeviceAndClassWhileItsProcessLives) {
         EXPECT_TRUE(OtherInstanceHasWindow(kClass));
         EXPECT_FALSE(OtherInstanceHasWindow(u"OtherClass"));
         EXPECT_EQ(ListenForForegroundRequests(kClass), -1);
-        for (int i = 0; i < 100; ++i) {
+        for (int i = 0; i < 100; ++i)
             ASSERT_TRUE(RequestForeground(kClass)); // though it is too busy to listen
-        }
         {
             const TestDevice another;
             EXPECT_FALSE(OtherInstanceHasWindow(kClass));

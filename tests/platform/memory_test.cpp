@@ -1,8 +1,7 @@
-#include "platform/memory.h"
-
 #include <algorithm>
 #include <gtest/gtest.h>
 
+#include "platform/memory.h"
 #include "tests/platform/hostsupport.h"
 
 namespace {

@@ -23,9 +23,8 @@ public:
             close(toChild[1]);
             for (char errand; read(toChild[0], &errand, 1) == 1;) {
                 const char answer = errands[static_cast<std::size_t>(errand)]() ? 1 : 0;
-                if (write(fromChild[1], &answer, 1) != 1) {
+                if (write(fromChild[1], &answer, 1) != 1)
                     break;
-                }
             }
             _exit(0); // without closing anything: the kernel is to clean up
         }

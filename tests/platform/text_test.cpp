@@ -1,7 +1,7 @@
-#include "platform/text.h"
-
 #include <gtest/gtest.h>
 #include <string>
+
+#include "platform/text.h"
 
 namespace {
 

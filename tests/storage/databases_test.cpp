@@ -5,9 +5,8 @@ namespace {
 std::vector<CEOID> AllDatabases(DWORD type = 0) {
     std::vector<CEOID> found;
     const HANDLE enumeration = CeFindFirstDatabase(type);
-    while (const CEOID oid = CeFindNextDatabase(enumeration)) {
+    while (const CEOID oid = CeFindNextDatabase(enumeration))
         found.push_back(oid);
-    }
     EXPECT_EQ(GetLastError(), ERROR_NO_MORE_ITEMS);
     EXPECT_TRUE(CloseHandle(enumeration));
     return found;
@@ -41,9 +40,8 @@ TEST(Databases, NamesHaveTheirLimits) {
     EXPECT_NE(CeCreateDatabase(longest.c_str(), 0, 0, nullptr), 0U);
     EXPECT_EQ(FailureOf(CeCreateDatabase(std::u16string(31, u'N').c_str(), 0, 0, nullptr)), ERROR_DUP_NAME);
     for (const std::u16string& name :
-         {std::u16string(), std::u16string(32, u'n'), std::u16string(1000, u'n')}) {
+         {std::u16string(), std::u16string(32, u'n'), std::u16string(1000, u'n')})
         EXPECT_EQ(FailureOf(CeCreateDatabase(name.c_str(), 0, 0, nullptr)), ERROR_INVALID_PARAMETER);
-    }
     EXPECT_EQ(FailureOf(CeCreateDatabase(u"five orders", 0, 5, std::vector<SORTORDERSPEC>(5).data())),
               ERROR_INVALID_PARAMETER);
     // Halves of a surrogate pair are names like any other, and different ones.
@@ -56,9 +54,8 @@ TEST(Databases, AreRenamedRetypedAndReordered) {
     const CEOID one = CeCreateDatabase(u"One", 1, 0, nullptr);
     CeCreateDatabase(u"Two", 1, 0, nullptr);
     HANDLE handle = OpenById(one);
-    for (const LONG number : {5, 9, 7}) {
+    for (const LONG number : {5, 9, 7})
         Values().Number(1, number).Write(handle);
-    }
     CEDBASEINFO info = InfoOf(one);
     std::u16string_view(u"TWO").copy(info.szDbaseName, 4);
     EXPECT_EQ(FailureOf(CeSetDatabaseInfo(one, &info)), ERROR_DUP_NAME);

@@ -1,12 +1,12 @@
 // Devices that are damaged, foreign, full, or cannot be written.
-#include "tests/platform/otherprocess.h"
-#include "tests/storage/storesupport.h"
-
 #include <filesystem>
 #include <sched.h>
 #include <sqlite3.h>
 #include <sys/mount.h>
 #include <unistd.h>
+
+#include "tests/platform/otherprocess.h"
+#include "tests/storage/storesupport.h"
 
 namespace {
 
@@ -87,9 +87,8 @@ TEST(Faults, DamagedRowsFailAndHarmNothingElse) {
         EXPECT_EQ(FailureOf(ReadBack(handle).record), whole ? ERROR_SUCCESS : ERROR_FILE_CORRUPT);
         EXPECT_EQ(Values().Number(1, 1).Write(handle, records[at]), whole ? records[at] : 0);
     }
-    for (const CEOID record : records) {
+    for (const CEOID record : records)
         EXPECT_TRUE(CeDeleteRecord(handle, record));
-    }
     CloseHandle(handle);
     device.Restart();
     RunSql(path,
@@ -112,9 +111,8 @@ TEST(Faults, AFullDiskFailsTheWriteAndKeepsTheRest) {
     const CEOID kept = Values().Number(1, 1).Write(handle);
     ASSERT_EQ(storage::TheStore()->connection.Execute("PRAGMA max_page_count = 1"), SQLITE_OK);
     int written = 0;
-    while (Values().Blob(2, std::string(1000, 'f')).Write(handle) != 0 && written < 100) {
+    while (Values().Blob(2, std::string(1000, 'f')).Write(handle) != 0 && written < 100)
         ++written;
-    }
     EXPECT_LT(written, 100);
     EXPECT_EQ(GetLastError(), ERROR_DISK_FULL);
     EXPECT_EQ(InfoOf(database).wNumRecords, 1 + written);
@@ -138,9 +136,8 @@ bool DeletesOnAFullDisk(const std::string& folder) {
     while (Values().Blob(2, std::string(1000, 'f')).Write(handle) != 0) {
     }
     CloseHandle(handle);
-    if (!CeDeleteDatabase(full) || CeOidGetInfo(full, nullptr) || InfoOf(kept).wNumRecords != 0) {
+    if (!CeDeleteDatabase(full) || CeOidGetInfo(full, nullptr) || InfoOf(kept).wNumRecords != 0)
         return false;
-    }
     std::filesystem::remove(ballast);
     storage::CloseStore();
     storage::Store* store = storage::TheStore();
@@ -156,9 +153,8 @@ TEST(Faults, ADatabaseIsDeletedOnAFullDisk) {
                                    mount("none", device.folder.c_str(), "tmpfs", 0, "size=1m") == 0;
                         },
                         [&] { return DeletesOnAFullDisk(device.folder); }});
-    if (!other.Run(0)) {
+    if (!other.Run(0))
         GTEST_SKIP() << "no disk can be mounted here";
-    }
     EXPECT_TRUE(other.Run(1));
 }
 
@@ -177,9 +173,8 @@ TEST(Faults, ADeviceThatCannotBeWrittenCanBeRead) {
     device.Restart();
     const auto passesReadOnly = [&](bool (*check)()) {
         namespace fs = std::filesystem;
-        for (const auto& entry : fs::directory_iterator(device.folder)) {
+        for (const auto& entry : fs::directory_iterator(device.folder))
             fs::permissions(entry.path(), entry.is_directory() ? fs::perms(0555) : fs::perms(0444));
-        }
         fs::permissions(device.folder, fs::perms(0555));
         const bool passed = AsOrdinaryUser(check);
         fs::permissions(device.folder, fs::perms(0755));

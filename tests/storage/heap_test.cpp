@@ -1,12 +1,11 @@
-#include "platform/heap.h"
-
-#include "platform/errors.h"
-
 #include <cstring>
 #include <gtest/gtest.h>
 #include <map>
 #include <random>
 #include <vector>
+
+#include "platform/errors.h"
+#include "platform/heap.h"
 
 namespace {
 
@@ -36,9 +35,8 @@ TEST(Heap, KeepsContentsWhileBlocksComeGrowShrinkAndGo) {
         auto [block, old] = *victim;
         blocks.erase(victim);
         BYTE* kept = round % 2 ? static_cast<BYTE*>(LocalReAlloc(block, bytes, LMEM_MOVEABLE)) : block;
-        for (std::size_t at = 0; at < (round % 2 ? std::min(bytes, old.bytes) : old.bytes); ++at) {
+        for (std::size_t at = 0; at < (round % 2 ? std::min(bytes, old.bytes) : old.bytes); ++at)
             ASSERT_EQ(kept[at], old.fill);
-        }
         if (round % 2) {
             std::memset(kept, fill, bytes);
             blocks[kept] = {bytes, fill};
@@ -46,9 +44,8 @@ TEST(Heap, KeepsContentsWhileBlocksComeGrowShrinkAndGo) {
             ASSERT_EQ(LocalFree(kept), nullptr);
         }
     }
-    for (const auto& [block, expected] : blocks) {
+    for (const auto& [block, expected] : blocks)
         LocalFree(block);
-    }
 }
 
 TEST(Heap, ClearsWhatItIsAskedToClear) {
@@ -78,25 +75,22 @@ TEST(Heap, KnowsWhatIsLiveAroundAnAddress) {
         EXPECT_EQ(LocalFree(block), block);
         EXPECT_EQ(LocalReAlloc(block, 1, LMEM_MOVEABLE), nullptr);
     }
-    for (const DWORD never : {0U, 15U, 65535U, 0x10000000U, 0x20000000U, 0xFFFFFFFFU}) {
+    for (const DWORD never : {0U, 15U, 65535U, 0x10000000U, 0x20000000U, 0xFFFFFFFFU})
         EXPECT_EQ(LiveBytesAt(never), 0U);
-    }
 }
 
 TEST(Heap, RefusesWhatItCannotHoldAndGoesOn) {
     std::vector<void*> blocks;
-    while (void* block = LocalAlloc(LMEM_FIXED, 50 << 20)) {
+    while (void* block = LocalAlloc(LMEM_FIXED, 50 << 20))
         blocks.push_back(block);
-    }
     EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_MEMORY);
     EXPECT_GE(blocks.size(), 8U);
     EXPECT_EQ(LocalReAlloc(blocks[0], 500 << 20, LMEM_MOVEABLE), nullptr);
     EXPECT_EQ(LocalSize(blocks[0]), std::size_t{50} << 20);
     EXPECT_EQ(LocalAlloc(LMEM_FIXED, 0xFFFFFFFF), nullptr);
     EXPECT_EQ(LocalAlloc(LMEM_FIXED, SIZE_MAX), nullptr);
-    for (void* block : blocks) {
+    for (void* block : blocks)
         LocalFree(block);
-    }
     void* whole = LocalAlloc(LMEM_FIXED, 400 << 20);
     EXPECT_TRUE(whole);
     LocalFree(whole);

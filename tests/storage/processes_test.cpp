@@ -1,10 +1,9 @@
 // Two processes on one device.
-#include "tests/platform/otherprocess.h"
-#include "tests/storage/storesupport.h"
+#include <set>
 
 #include "platform/storage/watch.h"
-
-#include <set>
+#include "tests/platform/otherprocess.h"
+#include "tests/storage/storesupport.h"
 
 namespace {
 
@@ -166,16 +165,14 @@ TEST(Processes, AKilledWriterLeavesWholeRecordsAndNoLock) {
         OtherProcess other({[&] {
             const SORTORDERSPEC spec = {Prop(1, CEVT_I4), 0};
             const HANDLE handle = OpenById(CeCreateDatabase(name.c_str(), 1, 1, &spec));
-            for (LONG number = 0;; ++number) {
+            for (LONG number = 0;; ++number)
                 Values().Number(1, number).Text(2, std::u16string(3000, u'k')).Write(handle);
-            }
             return false;
         }});
         other.Start(0);
         CEOID database = 0;
-        while (database == 0 || InfoOf(database).wNumRecords < 5) {
+        while (database == 0 || InfoOf(database).wNumRecords < 5)
             database = FindDatabase(name.c_str());
-        }
         usleep(static_cast<unsigned>(round) * 1'301U); // anywhere within some write
         other.Kill();
         const CEDBASEINFO info = InfoOf(database);

@@ -1,6 +1,6 @@
-#include "tests/storage/storesupport.h"
-
 #include <numeric>
+
+#include "tests/storage/storesupport.h"
 
 namespace {
 
@@ -102,15 +102,13 @@ TEST_F(Records, AWriteReplacesAppendsAndRemovesProperties) {
 
 TEST_F(Records, LongRecordsAndLongValuesAreKept) {
     Values many;
-    for (WORD number = 0; number < 1000; ++number) {
+    for (WORD number = 0; number < 1000; ++number)
         many.Number(number, number);
-    }
     const CEOID record = many.Write(handle);
     ASSERT_NE(record, 0U);
     // Every second one again, so that the same identifiers meet in one write.
-    for (WORD number = 0; number < 1000; number += 2) {
+    for (WORD number = 0; number < 1000; number += 2)
         many.Number(number, -number);
-    }
     many.Text(2000, std::u16string(30000, u'x')).Blob(2001, std::string(300001, 'y'));
     many.Text(2002, u"\xD83D\xDE00 \xD800");
     ASSERT_EQ(many.Write(handle, record), record);

@@ -1,12 +1,11 @@
-#include "platform/registry.h"
-
-#include "platform/errors.h"
-#include "platform/handles.h"
-#include "tests/support/testdevice.h"
-
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
+
+#include "platform/errors.h"
+#include "platform/handles.h"
+#include "platform/registry.h"
+#include "tests/support/testdevice.h"
 
 namespace {
 
@@ -129,9 +128,8 @@ TEST(Registry, ValuesComeBackWithTheirBytesWhateverTheTypeSays) {
 TEST(Registry, EnumerationGoesOnAmongDeletions) {
     TestDevice device;
     const HKEY key = Make(HKEY_CLASSES_ROOT, u"Many");
-    for (char16_t letter = u'a'; letter <= u'f'; ++letter) {
+    for (char16_t letter = u'a'; letter <= u'f'; ++letter)
         Set(key, std::u16string(1, letter).c_str(), REG_BINARY, {1});
-    }
     WCHAR name[MAX_PATH];
     DWORD length = MAX_PATH;
     ASSERT_EQ(RegEnumValueW(key, 0, name, &length, nullptr, nullptr, nullptr, nullptr), 0);

@@ -1,8 +1,8 @@
-#include "tests/storage/storesupport.h"
-
 #include <algorithm>
 #include <functional>
 #include <random>
+
+#include "tests/storage/storesupport.h"
 
 namespace {
 
@@ -22,9 +22,8 @@ std::vector<int> OrderOf(const SORTORDERSPEC& spec,
     handle = OpenById(database, spec.propid);
     std::vector<int> order;
     for (Place at = Seek(handle, CEDB_SEEK_BEGINNING); at != kNowhere;
-         at = Seek(handle, CEDB_SEEK_CURRENT, 1)) {
+         at = Seek(handle, CEDB_SEEK_CURRENT, 1))
         order.push_back(ReadBack(handle)[0].val.lVal);
-    }
     EXPECT_EQ(GetLastError(), ERROR_NO_MORE_ITEMS);
     CloseHandle(handle);
     EXPECT_TRUE(CeDeleteDatabase(database));
@@ -92,9 +91,8 @@ TEST(Seek, EndsStayPutAndGapsCloseEitherWay) {
         EXPECT_EQ(GetLastError(), ERROR_NO_MORE_ITEMS);
     }
     std::vector<CEOID> made;
-    for (LONG number = 0; number < 5; ++number) {
+    for (LONG number = 0; number < 5; ++number)
         made.push_back(Values().Number(1, number).Write(handle));
-    }
     EXPECT_EQ(ReadBack(handle).record, made[0]) << "a handle begins on the first record";
     EXPECT_EQ(Seek(handle, CEDB_SEEK_CURRENT, -1), kNowhere);
     EXPECT_EQ(Seek(handle, CEDB_SEEK_END), Place(made[4], 4));

@@ -1,16 +1,16 @@
 // Short forms for tests of the store: records written as lists of properties and read back as text.
 #pragma once
 
-#include "platform/objectstore.h"
-#include "tests/platform/hostsupport.h"
-#include "tests/support/testdevice.h"
-
 #include <cstring>
 #include <gtest/gtest.h>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include "platform/objectstore.h"
+#include "tests/platform/hostsupport.h"
+#include "tests/support/testdevice.h"
 
 constexpr CEPROPID Prop(WORD number, WORD type) {
     return static_cast<CEPROPID>(number) << 16 | type;
@@ -23,9 +23,8 @@ public:
     Values(const Values&) = delete;
     Values& operator=(const Values&) = delete;
     ~Values() {
-        for (void* block : blocks) {
+        for (void* block : blocks)
             LocalFree(block);
-        }
     }
 
     Values& Number(WORD number, LONG value) {

@@ -1,13 +1,11 @@
-#include "store/dbhandle.h"
-
-#include <gtest/gtest.h>
-
 #include <cstring>
+#include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
 #include "app/application.h"
 #include "platform/ui/testhooks.h"
+#include "store/dbhandle.h"
 #include "tests/storage/storesupport.h"
 
 namespace {

@@ -1,11 +1,9 @@
-#include "store/propertyvalues.h"
-
-#include <gtest/gtest.h>
-
 #include <cstring>
+#include <gtest/gtest.h>
 #include <string>
 
 #include "store/datetimetext.h"
+#include "store/propertyvalues.h"
 #include "store/sizetext.h"
 
 namespace {

@@ -1,8 +1,7 @@
 #include "tests/support/sampledatabases.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
+#include <gtest/gtest.h>
 
 #include "store/dbhandle.h"
 #include "store/propertyvalues.h"
@@ -43,10 +42,9 @@ CEOID Write(HANDLE database, const std::vector<SampleValue>& values) {
     const CEOID record =
         CeWriteRecordProps(database, 0, static_cast<WORD>(properties.size()), properties.data());
     EXPECT_NE(record, 0u);
-    for (const CEPROPVAL& property : properties) {
+    for (const CEPROPVAL& property : properties)
         if (TypeFromPropID(property.propid) == CEVT_LPWSTR)
             LocalFree(property.val.lpwstr);
-    }
     return record;
 }
 

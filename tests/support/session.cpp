@@ -88,10 +88,9 @@ void Session::ChooseFromPopup(int listId, const std::u16string& rowText, const s
 }
 
 void Session::CloseEverything() {
-    for (const auto& [dialogTemplate, window] : opened) {
+    for (const auto& [dialogTemplate, window] : opened)
         if (IsWindow(window))
             PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
-    }
     PostQuitMessage(0);
 }
 

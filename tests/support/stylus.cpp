@@ -301,10 +301,9 @@ void Stylus::DialogOpened(const DialogSeen& dialog) {
         });
         return;
     }
-    for (const int id : allowed) {
+    for (const int id : allowed)
         if (IsTemplate(dialog.dialogTemplate, id))
             return;
-    }
     ADD_FAILURE() << "unexpected dialog: " << Utf8(TextOf(window)) << "; expected was " << Waiting();
     PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
 }

@@ -1,13 +1,13 @@
 // A fresh, empty device in a temporary folder, chosen for as long as this lives.
 #pragma once
 
-#include "platform/device.h"
-#include "platform/storage/store.h"
-
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
+
+#include "platform/device.h"
+#include "platform/storage/store.h"
 
 class TestDevice {
 public:

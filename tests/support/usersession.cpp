@@ -107,10 +107,9 @@ void UserSession::TakeSteps() {
         goesOn = Take(steps.front());
     if (goesOn)
         return;
-    for (const auto& [dialogTemplate, window] : opened) {
+    for (const auto& [dialogTemplate, window] : opened)
         if (IsWindow(window))
             PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
-    }
     PostQuitMessage(0);
 }
 

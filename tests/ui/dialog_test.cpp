@@ -230,20 +230,22 @@ TEST_F(Dialogs, BoxesFitTheScreenWhateverTheirText) {
     for (const QSize& screen : {QSize(480, 640), QSize(640, 480)}) {
         stylus.Resize(screen.width(), screen.height());
         for (const std::u16string& text : {path, words}) {
-            RunBox(text, MB_ICONEXCLAMATION, [&](HWND box) {
-                const QSize& size = box->topLevel->cardSize;
-                const QSize wanted = size;
-                EXPECT_LE(wanted.width(), ScreenArea()->width());
-                EXPECT_LE(wanted.height(), ScreenArea()->height());
-                EXPECT_GT(wanted.height(), 140);                // more than a few lines
-                stylus.Resize(screen.height(), screen.width()); // turned while the box is open
-                EXPECT_LE(size.height(), ScreenArea()->height());
-                stylus.Resize(300, 640);
-                EXPECT_LT(size.width(), wanted.width());
-                stylus.Resize(screen.width(), screen.height());
-                EXPECT_EQ(size, wanted);
-                AnswerMessageBox(IDOK); // wherever its button stands
-            });
+            RunBox(
+                text, MB_ICONEXCLAMATION,
+                [&](HWND box) {
+                    const QSize& size = box->topLevel->cardSize;
+                    const QSize wanted = size;
+                    EXPECT_LE(wanted.width(), ScreenArea()->width());
+                    EXPECT_LE(wanted.height(), ScreenArea()->height());
+                    EXPECT_GT(wanted.height(), 140);                // more than a few lines
+                    stylus.Resize(screen.height(), screen.width()); // turned while the box is open
+                    EXPECT_LE(size.height(), ScreenArea()->height());
+                    stylus.Resize(300, 640);
+                    EXPECT_LT(size.width(), wanted.width());
+                    stylus.Resize(screen.width(), screen.height());
+                    EXPECT_EQ(size, wanted);
+                    AnswerMessageBox(IDOK); // wherever its button stands
+                });
         }
     }
 }

@@ -9,10 +9,9 @@
 namespace {
 
 QAction* ActionOf(const QMenu* popup, const QString& text) {
-    for (QAction* const action : popup->actions()) {
+    for (QAction* const action : popup->actions())
         if (action->text().startsWith(text))
             return action;
-    }
     return nullptr;
 }
 
@@ -129,10 +128,9 @@ TEST_F(Menus, APopupShowsEveryMark) {
     CheckMenuRadioItem(menu, IDM_ARRANGE_BY_NAME, IDM_ARRANGE_BY_DATE, IDM_ARRANGE_BY_SIZE, MF_BYCOMMAND);
     const std::unique_ptr<QMenu> popup(MakePopup(GetSubMenu(menu, 1), main, 1));
     QStringList marked;
-    for (const QAction* const action : popup->actions()) {
+    for (const QAction* const action : popup->actions())
         if (action->isChecked())
             marked += action->text();
-    }
     EXPECT_EQ(marked, QStringList({QStringLiteral("&List"), QStringLiteral("Arrange by &Size")}));
     DestroyMenu(menu);
 }

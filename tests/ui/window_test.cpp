@@ -89,10 +89,9 @@ TEST_F(Windows, DieFromTheTopDownAndTheirHandlesStaySafe) {
     seen.clear();
     ASSERT_TRUE(DestroyWindow(main));
     std::vector<HWND> died;
-    for (const Seen& entry : seen) {
+    for (const Seen& entry : seen)
         if (entry.message == WM_DESTROY)
             died.push_back(entry.window);
-    }
     EXPECT_EQ(died, (std::vector<HWND>{owned, main, panel, inner}));
     seen.clear();
     stylus.Settle();

@@ -1,12 +1,11 @@
 // The block that one property travels in, against bytes written down by hand.
-#include "viewer/flatproperty.h"
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstring>
+#include <gtest/gtest.h>
 #include <string>
 #include <vector>
+
+#include "viewer/flatproperty.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
 #include "tools/sampledata/calendar.h"
 
+#include <string>
+
 #include "tools/sampledata/people.h"
 #include "tools/sampledata/sampledatabases.h"
 #include "tools/sampledata/sampletable.h"
 #include "tools/sampledata/sampletime.h"
-
-#include <string>
 
 namespace {
 
@@ -31,14 +31,12 @@ void AddAppointment(SampleTable& table, const SampleAppointment& appointment, co
                     const std::u16string& subject) {
     SampleRecord record;
     record.Text(kSubject, subject).Text(kPlace, appointment.place).Time(kStart, start);
-    if (appointment.minutes) {
+    if (appointment.minutes)
         record.Number(kMinutes, appointment.minutes);
-    } else {
+    else
         record.Number(kAllDay, TRUE);
-    }
-    if (appointment.reminder) {
+    if (appointment.reminder)
         record.Number(kReminderMinutes, appointment.reminder);
-    }
     record.Text(kText, appointment.text);
     table.Add(record);
 }
@@ -83,11 +81,10 @@ bool MakeTasks() {
                                         : MomentFromToday(chance.Between(-2, 40)));
         }
         record.Number(kDone, task.done);
-        if (task.done) {
+        if (task.done)
             record.Time(kDoneAt, Moment(kFirstSampleYear, 1, day + chance.Between(-4, 11), 17, 20));
-        } else if (chance.OneIn(2)) {
+        else if (chance.OneIn(2))
             record.Real(kProgress, chance.Between(1, 19) / 20.0);
-        }
         record.Text(kText, task.text);
         table.Add(record);
     }

@@ -1,9 +1,9 @@
+#include <string>
+
 #include "tools/sampledata/people.h"
 #include "tools/sampledata/sampledatabases.h"
 #include "tools/sampledata/sampletable.h"
 #include "tools/sampledata/sampletime.h"
-
-#include <string>
 
 namespace {
 
@@ -27,9 +27,8 @@ bool MakeCallLog() {
         start = LaterBy(start, chance.Between(1, 2 * kMinutesBetweenCalls));
         SampleRecord record;
         record.Time(kStart, start);
-        if (!chance.OneIn(6)) { // answered
+        if (!chance.OneIn(6)) // answered
             record.Time(kEnd, LaterBy(start, chance.Between(1, 40)));
-        }
         record.Number(kOutgoing, chance.Below(2));
         if (chance.OneIn(9)) {
             record.Text(kNumber, u"555-01" + std::u16string{static_cast<WCHAR>(u'0' + chance.Below(10)),

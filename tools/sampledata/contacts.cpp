@@ -1,9 +1,9 @@
+#include <string>
+
 #include "tools/sampledata/people.h"
 #include "tools/sampledata/sampledatabases.h"
 #include "tools/sampledata/sampletable.h"
 #include "tools/sampledata/sampletime.h"
-
-#include <string>
 
 namespace {
 

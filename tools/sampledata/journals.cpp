@@ -1,8 +1,8 @@
+#include <string>
+
 #include "tools/sampledata/sampledatabases.h"
 #include "tools/sampledata/sampletable.h"
 #include "tools/sampledata/sampletime.h"
-
-#include <string>
 
 namespace {
 
@@ -66,9 +66,8 @@ bool MakeExpenses() {
             .Text(kWhat, purchase.what)
             .Real(kAmount, chance.Between(purchase.low, purchase.high) / 100.0)
             .Text(kCurrency, purchase.currency);
-        if (chance.OneIn(3)) {
+        if (chance.OneIn(3))
             record.Number(kPaidByCard, TRUE);
-        }
         table.Add(record);
     }
     return table.Succeeded();
@@ -111,9 +110,8 @@ bool MakeWeatherDiary() {
             .Real(kHighest, lowest + chance.Between(20, 110) / 10.0)
             .Number(kWind, chance.Between(0, 9))
             .Text(kSky, sky);
-        if (std::u16string_view(sky) == u"rain" || chance.OneIn(5)) {
+        if (std::u16string_view(sky) == u"rain" || chance.OneIn(5))
             record.Real(kRain, chance.Between(2, 240) / 10.0);
-        }
         table.Add(record);
     }
     return table.Succeeded();

@@ -1,8 +1,8 @@
+#include <iterator>
+
 #include "tools/sampledata/sampledatabases.h"
 #include "tools/sampledata/sampletable.h"
 #include "tools/sampledata/sampletime.h"
-
-#include <iterator>
 
 namespace {
 
@@ -63,9 +63,8 @@ bool MakeLibrary() {
     for (const Book& book : kBooks) {
         SampleRecord record;
         record.Text(kTitle, book.title).Text(kAuthor, book.author).Number(kYear, book.year);
-        if (book.stars) {
+        if (book.stars)
             record.Number(kStars, book.stars);
-        }
         if (*book.lentTo) {
             record.Text(kLentTo, book.lentTo)
                 .Time(kLentOn, Moment(2005, static_cast<WORD>(chance.Between(1, 12)), chance.Between(1, 28)));

@@ -1,12 +1,12 @@
 #include "tools/sampledata/mail.h"
 
+#include <iterator>
+#include <string>
+
 #include "tools/sampledata/people.h"
 #include "tools/sampledata/sampledatabases.h"
 #include "tools/sampledata/sampletable.h"
 #include "tools/sampledata/sampletime.h"
-
-#include <iterator>
-#include <string>
 
 namespace {
 
@@ -88,9 +88,8 @@ bool MakeFolder(const WCHAR* name, SampleFolder folder) {
                       Moment(kFirstSampleYear, 1, day, chance.Between(7, 22), chance.Between(0, 59)), flags);
         }
     }
-    if (folder == SampleFolder::Inbox) {
+    if (folder == SampleFolder::Inbox)
         AddRoundLetters(table, chance);
-    }
     return table.Succeeded();
 }
 

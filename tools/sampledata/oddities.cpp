@@ -1,11 +1,11 @@
-#include "tools/sampledata/sampledatabases.h"
-#include "tools/sampledata/sampletable.h"
-#include "tools/sampledata/sampletime.h"
-
 #include <array>
 #include <limits>
 #include <numeric>
 #include <string>
+
+#include "tools/sampledata/sampledatabases.h"
+#include "tools/sampledata/sampletable.h"
+#include "tools/sampledata/sampletime.h"
 
 namespace {
 
@@ -71,12 +71,10 @@ bool MakeBirdWatch() {
     Chance chance(2005);
     for (int day = 1; day <= 30; ++day) {
         SampleRecord record;
-        if (chance.OneIn(2)) {
+        if (chance.OneIn(2))
             record.Text(kText, chance.OneIn(2) ? u"Amsel" : u"Rotkehlchen");
-        }
-        if (chance.OneIn(3)) {
+        if (chance.OneIn(3))
             record.Number(kUnsignedShort, chance.Between(1, 9));
-        }
         table.Add(record.Time(kTime, Moment(2005, 6, day, chance.Between(4, 21), chance.Between(0, 59))));
     }
     return table.Succeeded();

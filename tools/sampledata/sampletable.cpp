@@ -4,9 +4,8 @@
 #include <string>
 
 SampleRecord::~SampleRecord() {
-    for (void* block : blocks) {
+    for (void* block : blocks)
         LocalFree(block);
-    }
 }
 
 CEPROPVAL& SampleRecord::Append(CEPROPID id) {
@@ -67,24 +66,21 @@ SampleRecord& SampleRecord::Time(CEPROPID id, const FILETIME& utc) {
 SampleRecord& SampleRecord::Bytes(CEPROPID id, std::span<const BYTE> bytes) {
     CEBLOB& blob = Append(id).val.blob;
     blob.dwCount = static_cast<DWORD>(bytes.size());
-    if (!bytes.empty()) {
+    if (!bytes.empty())
         blob.lpb = static_cast<BYTE*>(Copied(bytes.data(), bytes.size()));
-    }
     return *this;
 }
 
 SampleTable::SampleTable(const WCHAR* name, DWORD type, std::initializer_list<SORTORDERSPEC> orders) {
     CEOID oid = CeCreateDatabase(name, type, static_cast<WORD>(orders.size()), std::data(orders));
-    if (oid) {
+    if (oid)
         handle = CeOpenDatabase(&oid, nullptr, 0, 0, nullptr);
-    }
     succeeded = handle != INVALID_HANDLE_VALUE;
 }
 
 SampleTable::~SampleTable() {
-    if (handle != INVALID_HANDLE_VALUE) {
+    if (handle != INVALID_HANDLE_VALUE)
         CloseHandle(handle);
-    }
 }
 
 void SampleTable::Add(const SampleRecord& record) {

@@ -1,12 +1,12 @@
 // How the sample databases are written: one table each, filled record by record.
 #pragma once
 
-#include "platform/objectstore.h"
-
 #include <initializer_list>
 #include <span>
 #include <string_view>
 #include <vector>
+
+#include "platform/objectstore.h"
 
 constexpr CEPROPID PropertyId(WORD number, WORD type) {
     return static_cast<CEPROPID>(number) << 16 | type;

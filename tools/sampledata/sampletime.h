@@ -1,9 +1,9 @@
 // Times and chances of the sample data.
 #pragma once
 
-#include "platform/datetime.h"
-
 #include <cstddef>
+
+#include "platform/datetime.h"
 
 constexpr WORD kFirstSampleYear = 2003;
 

@@ -1,9 +1,9 @@
+#include <cmath>
+#include <vector>
+
 #include "tools/sampledata/sampledatabases.h"
 #include "tools/sampledata/sampletable.h"
 #include "tools/sampledata/sampletime.h"
-
-#include <cmath>
-#include <vector>
 
 namespace {
 

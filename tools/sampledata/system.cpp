@@ -1,8 +1,8 @@
+#include <array>
+
 #include "tools/sampledata/sampledatabases.h"
 #include "tools/sampledata/sampletable.h"
 #include "tools/sampledata/sampletime.h"
-
-#include <array>
 
 namespace {
 
@@ -50,11 +50,10 @@ bool MakeSettings() {
     for (const Setting& setting : kSettings) {
         SampleRecord record;
         record.Text(kPath, setting.path);
-        if (setting.text) {
+        if (setting.text)
             record.Text(kText, setting.text);
-        } else {
+        else
             record.Number(kNumber, setting.number);
-        }
         table.Add(record);
     }
     return table.Succeeded();
@@ -90,9 +89,8 @@ bool MakeSyncJournal() {
     Chance chance(64);
     for (int entry = 0; entry < kJournalEntries; ++entry) {
         std::array<BYTE, 20> state = {};
-        for (BYTE& byte : state) {
+        for (BYTE& byte : state)
             byte = static_cast<BYTE>(chance.Below(256));
-        }
         SampleRecord record;
         record.Number(kNumber, 0x0500'0000 + chance.Below(0x4000))
             .Time(kTime, Moment(2005, 3, 1 + 3 * entry, 7, chance.Between(0, 59)))

@@ -48,7 +48,8 @@ public:
         setStyle(ListStyle());
         setItemDelegate(new RowDelegate(this));
         KeepOneLine();
-        connect(this, &QComboBox::currentIndexChanged, this, [this] { changed = true; });
+        connect(
+            this, &QComboBox::currentIndexChanged, this, [this] { changed = true; });
         connect(this, &QComboBox::activated, this, [this, handle] {
             if (std::exchange(changed, false))
                 CommandToParent(handle, CBN_SELCHANGE);

@@ -75,7 +75,8 @@ public:
         SYSTEMTIME now;
         GetLocalTime(&now);
         Set(now);
-        connect(this, &QDateTimeEdit::dateTimeChanged, this, [this] { TakeEdit(); });
+        connect(
+            this, &QDateTimeEdit::dateTimeChanged, this, [this] { TakeEdit(); });
         connect(lineEdit(), &QLineEdit::textChanged, this, [this] {
             if (!setting)
                 beyond->hide();

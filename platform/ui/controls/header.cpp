@@ -25,10 +25,12 @@ HeaderView::HeaderView(WindowObject& window, ListWidget& list)
     setStretchLastSection(false);
     setMinimumSectionSize(1);
     setFocusPolicy(Qt::NoFocus);
-    connect(this, &QHeaderView::sectionPressed, this, [this](int section) {
-        pressed = section;
-        viewport()->update();
-    });
+    connect(
+        this, &QHeaderView::sectionPressed, this,
+        [this](int section) {
+            pressed = section;
+            viewport()->update();
+        });
     connect(this, &QHeaderView::sectionResized, this, [this](int section, int, int width) {
         if (this->list.model->HasColumn(section))
             this->list.model->Column(section).width = width;
