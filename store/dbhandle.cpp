@@ -58,9 +58,17 @@ bool DbHandle::Close() {
     return closed;
 }
 
+// What every operation on an open database asks first.
+bool DbHandle::IsOpen() const {
+    if (handle != INVALID_HANDLE_VALUE)
+        return true;
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return false;
+}
+
 bool DbHandle::GetInfo(CEDBASEINFO* info) {
     *info = {};
-    if (handle == INVALID_HANDLE_VALUE)
+    if (!IsOpen())
         return false;
     CEOIDINFO object = {};
     if (!CeOidGetInfo(oid, &object) || object.wObjType != OBJTYPE_DATABASE) {
@@ -80,7 +88,7 @@ bool DbHandle::SetInfo(CEOID database, const CEDBASEINFO& info) {
 }
 
 bool DbHandle::Seek(DWORD type, DWORD value, DWORD* index, CEOID* record) {
-    if (handle == INVALID_HANDLE_VALUE)
+    if (!IsOpen())
         return false;
     const CEOID found = CeSeekDatabase(handle, type, value, index);
     if (!found) {
@@ -113,7 +121,7 @@ bool DbHandle::SeekToRecord(CEOID record, DWORD* index) {
 }
 
 CEOID DbHandle::ReadRecord(RecordBuffer* buffer) {
-    if (handle == INVALID_HANDLE_VALUE)
+    if (!IsOpen())
         return 0;
     buffer->propCount = 0;
     buffer->reserved = 0;
@@ -125,7 +133,7 @@ CEOID DbHandle::ReadRecord(RecordBuffer* buffer) {
 }
 
 CEOID DbHandle::WriteRecord(CEOID record, const RecordBuffer& buffer) {
-    if (handle == INVALID_HANDLE_VALUE)
+    if (!IsOpen())
         return 0;
     const CEOID written = CeWriteRecordProps(handle, record, buffer.propCount, buffer.Properties());
     if (!written)
@@ -134,7 +142,7 @@ CEOID DbHandle::WriteRecord(CEOID record, const RecordBuffer& buffer) {
 }
 
 CEOID DbHandle::WriteProperty(CEOID record, CEPROPVAL* property) {
-    if (handle == INVALID_HANDLE_VALUE)
+    if (!IsOpen())
         return 0;
     property->wLenData = 0;
     property->wFlags = 0;
@@ -145,7 +153,7 @@ CEOID DbHandle::WriteProperty(CEOID record, CEPROPVAL* property) {
 }
 
 CEOID DbHandle::DeleteProperty(CEOID record, CEPROPVAL* property) {
-    if (handle == INVALID_HANDLE_VALUE)
+    if (!IsOpen())
         return 0;
     property->wLenData = 0;
     property->wFlags = CEDB_PROPDELETE;
@@ -156,7 +164,7 @@ CEOID DbHandle::DeleteProperty(CEOID record, CEPROPVAL* property) {
 }
 
 bool DbHandle::DeleteRecord(CEOID record) {
-    if (handle == INVALID_HANDLE_VALUE)
+    if (!IsOpen())
         return false;
     if (CeDeleteRecord(handle, record))
         return true;
@@ -165,7 +173,7 @@ bool DbHandle::DeleteRecord(CEOID record) {
 }
 
 bool DbHandle::DeleteAllRecords() {
-    if (handle == INVALID_HANDLE_VALUE)
+    if (!IsOpen())
         return false;
     const QuietReports quiet(*this);
     DWORD index = 0;
@@ -221,40 +229,39 @@ UINT ErrorStringId(DWORD error) {
 } // namespace
 
 const WCHAR* DbHandle::ReportError(const WCHAR* format, const WCHAR* nameForMessage) {
-    LoadText(ErrorStringId(GetLastError()), errorText);
-    if (!reportErrors || RunsUnattended())
-        return errorText;
+    const DWORD error = GetLastError();
+    LoadText(ErrorStringId(error), errorText);
+    if (reportErrors && !RunsUnattended())
+        ShowError(format, nameForMessage);
+    SetLastError(error);
+    return errorText;
+}
+
+void DbHandle::ShowError(const WCHAR* format, const WCHAR* nameForMessage) {
     // Name first, reason second, whatever the format asks for: one with a single place shows the name there,
     // and is meant to.
     WCHAR message[2 * kTextRoom + kNameRoom];
     wsprintfW(message, format, nameForMessage ? nameForMessage : name, errorText);
     SetCursor(nullptr);
     MessageText(ownerWindow, message, kFailureBox);
-    return errorText;
 }
 
-namespace {
-
-// The end of a walk is no news; any other reason why it cannot go on is.
-bool WalkStep(DbHandle& db, bool found) {
-    if (!found && GetLastError() != ERROR_NO_MORE_ITEMS) {
-        LoadText(IDS_COULD_NOT_FIND_RECORD, db.messageText);
-        db.ReportError(db.messageText, nullptr);
+bool DbHandle::Walk(SeekOperation seek, DWORD* index) {
+    bool found = false;
+    {
+        const QuietReports quiet(*this);
+        found = (this->*seek)(index, nullptr);
     }
+    walkEnded = !found && GetLastError() == ERROR_NO_MORE_ITEMS;
+    if (!found && !walkEnded && handle != INVALID_HANDLE_VALUE)
+        Report(IDS_COULD_NOT_FIND_RECORD);
     return found;
 }
 
-bool SeekQuietly(DbHandle& db, bool (DbHandle::*seek)(DWORD*, CEOID*), DWORD* index) {
-    const QuietReports quiet(db);
-    return (db.*seek)(index, nullptr);
-}
-
-} // namespace
-
 bool WalkToFirst(DbHandle& db, DWORD* index) {
-    return WalkStep(db, SeekQuietly(db, &DbHandle::SeekFirst, index));
+    return db.Walk(&DbHandle::SeekFirst, index);
 }
 
 bool WalkToNext(DbHandle& db, DWORD* index) {
-    return WalkStep(db, SeekQuietly(db, &DbHandle::SeekNext, index));
+    return db.Walk(&DbHandle::SeekNext, index);
 }

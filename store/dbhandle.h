@@ -35,8 +35,9 @@ public:
     HANDLE Create(const WCHAR* databaseName, const CEDBASEINFO& info);
     bool Close(); // true also when nothing was open
 
-    // All below fail at once, without a message, when no database is open; all but SetInfo and
-    // DeleteDatabase.
+    // Every operation leaves the last error of its failure to its caller, also after it has been reported.
+    // All below but SetInfo and DeleteDatabase fail at once, without a message and with
+    // ERROR_INVALID_PARAMETER, when no database is open.
     bool GetInfo(CEDBASEINFO* info); // zeroed on failure
     bool SetInfo(CEOID database, const CEDBASEINFO& info);
 
@@ -46,6 +47,13 @@ public:
     bool SeekPrevious(DWORD* index, CEOID* record = nullptr);
     bool SeekNext(DWORD* index, CEOID* record = nullptr);
     bool SeekToRecord(CEOID record, DWORD* index);
+
+    using SeekOperation = bool (DbHandle::*)(DWORD* index, CEOID* record);
+    // One step of a walk over the records: running off its end is not reported, any other failure is.
+    bool Walk(SeekOperation seek, DWORD* index);
+    // The last step ran off the end. After any other step that returned false there may be records that
+    // could not be reached, and the walk is not complete.
+    bool WalkEnded() const { return walkEnded; }
 
     // The current record, with pointers; returns its id, 0 on failure.
     CEOID ReadRecord(RecordBuffer* buffer);
@@ -83,9 +91,13 @@ public:
     CEOID oid = 0;
 
 private:
+    bool IsOpen() const;
     bool Seek(DWORD type, DWORD value, DWORD* index, CEOID* record);
     void Report(UINT formatId, const WCHAR* nameForMessage = nullptr);
+    void ShowError(const WCHAR* format, const WCHAR* nameForMessage);
     HANDLE Opened(HANDLE opened, const WCHAR* databaseName);
+
+    bool walkEnded = false;
 };
 
 // Switches a handle's reports off while it lives: for steps whose failure is no news, such as running off the
@@ -102,6 +114,6 @@ private:
     BYTE before;
 };
 
-// Steps of a walk over all records: false at the end, which is not reported, and on failures, which are.
+// A walk over all records, by DbHandle::Walk.
 bool WalkToFirst(DbHandle& db, DWORD* index);
 bool WalkToNext(DbHandle& db, DWORD* index);

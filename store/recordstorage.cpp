@@ -100,7 +100,7 @@ CEOID DbHandle::ReadRecordForStorage(RecordBuffer* buffer) {
 }
 
 CEOID DbHandle::WriteRecordFromStorage(CEOID record, RecordBuffer* buffer) {
-    if (handle == INVALID_HANDLE_VALUE)
+    if (!IsOpen())
         return 0;
     if (buffer->propCount != 0 && !ToPointers(*buffer)) {
         SetLastError(ERROR_INVALID_PARAMETER);

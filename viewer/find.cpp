@@ -68,7 +68,7 @@ bool RecordViewer::RunFindDialog() {
     return true;
 }
 
-// Searches from the record behind the current one on; `index` follows. False at the end.
+// Searches from the record that `index` says on, which follows. False at the end and on a failure.
 bool RecordViewer::SearchOn(DWORD* index, RecordBuffer* buffer, CEPROPID* hit) {
     const WaitCursor wait;
     FindOptions options;
@@ -79,18 +79,41 @@ bool RecordViewer::SearchOn(DWORD* index, RecordBuffer* buffer, CEPROPID* hit) {
         CharLowerW(options.text);
     bool found = true;
     while (found) {
+        // A record that cannot be read is passed over.
         if (database->ReadRecord(buffer) && RecordContains(*buffer, options, hit))
             return true;
-        found = database->SeekNext(index);
+        found = Walk(&DbHandle::SeekNext, index);
     }
     return false;
 }
 
-void RecordViewer::EndSearchWithoutHit(RecordBuffer* buffer) {
-    LocalFree(buffer->data);
+// From the record behind the current one to the end and, if the user wants that, once more from the first.
+bool RecordViewer::Search(DWORD* index, RecordBuffer* buffer, CEPROPID* hit) {
+    bool more = Walk(&DbHandle::SeekNext, index);
+    while (!more || !SearchOn(index, buffer, hit)) {
+        const bool complete = database->WalkEnded();
+        // From the first record on, or after the wrap, every record has been looked at but the first one
+        // itself.
+        if (!complete || recordIndex == 0) {
+            EndSearchWithoutHit(complete);
+            return false;
+        }
+        recordIndex = 0;
+        if (MessageFromString(dialog, IDS_CONFIRM_SEARCH_AGAIN, kQuestionBox) != IDYES) {
+            EndSearchWithoutHit(true);
+            return false;
+        }
+        more = Walk(&DbHandle::SeekFirst, index);
+    }
+    return true;
+}
+
+// A search that broke off has been reported, and must not claim that the text is nowhere.
+void RecordViewer::EndSearchWithoutHit(bool complete) {
     database->SeekToRecord(recordId, &recordIndex);
     FillPropertyList(kSelectNone);
-    MessageFromString(dialog, IDS_TEXT_NOT_FOUND, findText, kInformationBox);
+    if (complete)
+        MessageFromString(dialog, IDS_TEXT_NOT_FOUND, findText, kInformationBox);
 }
 
 void RecordViewer::FindCommand(const WCHAR* textOrNone) {
@@ -101,23 +124,11 @@ void RecordViewer::FindCommand(const WCHAR* textOrNone) {
     RecordBuffer buffer;
     DWORD index = recordIndex;
     CEPROPID hit = 0;
-    bool more = database->SeekNext(&index);
-    while (!more || !SearchOn(&index, &buffer, &hit)) {
-        // The end, from the first record on or after the wrap: every record has been looked at but the first
-        // one itself.
-        if (recordIndex == 0) {
-            EndSearchWithoutHit(&buffer);
-            return;
-        }
-        recordIndex = 0;
-        if (MessageFromString(dialog, IDS_CONFIRM_SEARCH_AGAIN, kQuestionBox) != IDYES) {
-            EndSearchWithoutHit(&buffer);
-            return;
-        }
-        more = database->SeekFirst(&index);
-    }
-    recordIndex = index;
+    const bool found = Search(&index, &buffer, &hit);
     LocalFree(buffer.data);
+    if (!found)
+        return;
+    recordIndex = index;
     ForgetUndo();
     FillPropertyList(hit);
 }

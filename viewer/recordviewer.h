@@ -49,6 +49,9 @@ public:
     // Keeps record and property selected.
     void ReloadAndKeepPosition();
 
+    // A step through the records; false at the end, and on a failure, which has been shown.
+    bool Walk(DbHandle::SeekOperation seek, DWORD* index);
+
     // ---- selection and values ----
     WORD SelectedPropertyIndex() const; // kNoProperty for none
     CEPROPVAL* SelectedProperty() const;
@@ -123,7 +126,8 @@ private:
     void ShowEditorsFor(WORD type);
     bool RunFindDialog();
     bool SearchOn(DWORD* index, RecordBuffer* buffer, CEPROPID* hit);
-    void EndSearchWithoutHit(RecordBuffer* buffer);
+    bool Search(DWORD* index, RecordBuffer* buffer, CEPROPID* hit);
+    void EndSearchWithoutHit(bool complete);
     CEPROPVAL* ConfirmedProperty(const CEPROPVAL& property, UINT question);
     bool WriteEdited(const CEPROPVAL& stored, CEPROPVAL* value);
     void WritePasted(CEOID target, CEPROPVAL* property, bool clash);

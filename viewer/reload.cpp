@@ -1,5 +1,6 @@
 // Opening the viewed database, walking its records, and what other processes change in it.
 #include "app/uiservices.h"
+#include "platform/errors.h"
 #include "platform/menu.h"
 #include "platform/shell.h"
 #include "resources/resource.h"
@@ -29,16 +30,21 @@ bool RecordViewer::ReloadDatabase(CEOID oidToSelect) {
         Close(kViewerCancelled);
         return false;
     }
-    database->GetInfo(&info);
+    // Quirk: information that cannot be read comes as a zeroed block, and is then taken for that of a
+    // database without records.
+    if (!database->GetInfo(&info))
+        ReportAloud(*database, IDS_COULD_NOT_UPDATE, nullptr);
     if (info.wNumRecords == 0) {
         MessageFromString(dialog, IDS_LAST_RECORD_DELETED, kFailureBox);
         Close(kViewerCancelled);
         return false;
     }
     recordIndex = 0;
-    database->SeekFirst(&recordIndex);
-    if (oidToSelect)
-        database->SeekToRecord(oidToSelect, &recordIndex);
+    Walk(&DbHandle::SeekFirst, &recordIndex);
+    // A record that has been deleted meanwhile leaves the first one current.
+    if (oidToSelect && !database->SeekToRecord(oidToSelect, &recordIndex) &&
+        GetLastError() != ERROR_NO_MORE_ITEMS)
+        ReportAloud(*database, IDS_COULD_NOT_FIND_RECORD, nullptr);
     changePending = 0;
     return true;
 }
@@ -52,22 +58,29 @@ void RecordViewer::ReloadAndKeepPosition() {
     }
 }
 
+bool RecordViewer::Walk(DbHandle::SeekOperation seek, DWORD* index) {
+    database->reportErrors = 1;
+    const bool found = database->Walk(seek, index);
+    database->reportErrors = 0;
+    return found;
+}
+
 void RecordViewer::Navigate(UINT command) {
     const bool saved = IsEdited(editedProperty) && SaveEditedProperty(editedProperty, false);
     editedProperty = kNoProperty;
     bool moved = false;
     switch (command) {
     case IDM_RECORD_FIRST:
-        moved = database->SeekFirst(&recordIndex);
+        moved = Walk(&DbHandle::SeekFirst, &recordIndex);
         break;
     case IDM_RECORD_PREVIOUS:
-        moved = database->SeekPrevious(&recordIndex);
+        moved = Walk(&DbHandle::SeekPrevious, &recordIndex);
         break;
     case IDM_RECORD_NEXT:
-        moved = database->SeekNext(&recordIndex);
+        moved = Walk(&DbHandle::SeekNext, &recordIndex);
         break;
     case IDM_RECORD_LAST:
-        moved = database->SeekLast(&recordIndex);
+        moved = Walk(&DbHandle::SeekLast, &recordIndex);
         break;
     }
     // A step that leads nowhere leaves the value in its editor, which no longer belongs to a property: it is
@@ -109,7 +122,7 @@ void RecordViewer::SortBy(UINT command) {
     }
     database->reportErrors = 0;
     recordIndex = 0;
-    database->SeekFirst(&recordIndex);
+    Walk(&DbHandle::SeekFirst, &recordIndex);
     ForgetUndo();
     FillPropertyList(kSelectNone);
 }

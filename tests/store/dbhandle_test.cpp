@@ -185,3 +185,28 @@ TEST_F(DbHandleTest, EmptiesFromTheEndAndGrowsItsBuffer) {
     EXPECT_EQ(database.reportErrors, 1);
     EXPECT_TRUE(messages.empty());
 }
+
+TEST_F(DbHandleTest, AWalkThatBreaksOffIsNotAtItsEnd) {
+    DbHandle database(nullptr);
+    Make(database, u"Long");
+    for (int record = 0; record < 2; ++record) {
+        Values blob;
+        blob.Blob(1, std::string(100000, 'b')); // too long to be read ahead
+        EXPECT_NE(database.WriteProperty(0, blob.list.data()), 0u);
+    }
+    DWORD index = 0;
+    EXPECT_TRUE(WalkToFirst(database, &index));
+    device.BreakTable("records");
+    EXPECT_FALSE(WalkToNext(database, &index));
+    EXPECT_EQ(GetLastError(), ERROR_FILE_CORRUPT) << "the box has not hidden it from the caller";
+    EXPECT_FALSE(database.WalkEnded());
+    device.MendTable("records");
+    EXPECT_TRUE(WalkToNext(database, &index));
+    EXPECT_FALSE(WalkToNext(database, &index));
+    EXPECT_TRUE(database.WalkEnded());
+    database.Close();
+    EXPECT_FALSE(WalkToFirst(database, &index)); // and without a word
+    EXPECT_FALSE(database.WalkEnded());
+    EXPECT_EQ(messages,
+              (std::vector<std::u16string>{u"Couldn't find record in \"Long\" database: Unknown error"}));
+}

@@ -29,5 +29,15 @@ public:
     // Drops all that the process knows of the store, as a new start would. No database may be open.
     void Restart() { storage::CloseStore(); }
 
+    // A table of the store that cannot be read, as on a disk that has gone bad, until it is whole again.
+    void BreakTable(const std::string& table) { RenameTable(table, table + "_broken"); }
+    void MendTable(const std::string& table) { RenameTable(table + "_broken", table); }
+
     std::string folder;
+
+private:
+    static void RenameTable(const std::string& from, const std::string& to) {
+        const std::string rename = "ALTER TABLE " + from + " RENAME TO " + to;
+        EXPECT_EQ(storage::TheStore()->connection.Execute(rename.c_str()), 0);
+    }
 };

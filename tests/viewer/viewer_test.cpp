@@ -184,6 +184,27 @@ TEST_F(ViewerTest, FindsAWordPastTheEnd) {
     RunProgram();
 }
 
+TEST_F(ViewerTest, ABadDiskIsNotTheEndOfTheRecords) {
+    const std::u16string filler(40000, u'x'); // too long to be read ahead
+    MakeDatabase(u"People", {{TextValue(1, u"Ann"), TextValue(2, filler)}, {TextValue(1, filler)}});
+    View(u"People");
+    const std::u16string unreachable = u"Couldn't find record in \"People\" database: Unknown error";
+    Do([this](HWND) { device.BreakTable("records"); });
+    ExpectMessage(unreachable);
+    Press(Qt::Key_K, Qt::ControlModifier);
+    Press(Qt::Key_F, Qt::ControlModifier);
+    InWindow(IDD_FIND);
+    TypeInto(IDC_FIND_TEXT, u"yz");
+    ExpectMessage(unreachable); // and not that the text is nowhere
+    Tap(IDOK);
+    InWindow(IDD_VIEWER);
+    Do([this](HWND) { device.MendTable("records"); });
+    Press(Qt::Key_K, Qt::ControlModifier);
+    ExpectPosition(u"Record\n2 of 2");
+    CloseViewer();
+    RunProgram();
+}
+
 TEST_F(ViewerTest, MovesAPropertyToAnotherDatabase) {
     MakeDatabase(u"From", {{TextValue(1, u"moved"), NumberValue(2, CEVT_I4, 5)}});
     MakeDatabase(u"To", {{NumberValue(1, CEVT_I4, 1)}});
