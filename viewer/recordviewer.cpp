@@ -146,10 +146,11 @@ void RecordViewer::Init(HWND dialogWindow) {
         Close(kViewerNotMade);
         return;
     }
-    if (!ReloadDatabase(0)) {
-        // Said twice, once in the reload's words and once as a lack of memory; it is kept so.
-        SHShowOutOfMemory(nullptr, 0);
-        Close(kViewerNotMade);
+    if (!ReadDatabase(0)) {
+        // Quirk: it has been said, and is said again as a lack of memory. Only then the viewer closes, for a
+        // box does not outlive the quit.
+        SHShowOutOfMemory(dialog, 0);
+        Close(kViewerCancelled);
         return;
     }
     FillSortMenu();

@@ -40,6 +40,8 @@ public:
     // Opens the database anew and goes to the first record, or to one by its identifier. False when it could
     // not, which is reported and closes the viewer.
     bool ReloadDatabase(CEOID oidToSelect);
+    // The same, leaving it to the caller to close the viewer.
+    bool ReadDatabase(CEOID oidToSelect);
     // Reads the current record and lists its properties anew; selects one by its identifier, or the row
     // selected before.
     void FillPropertyList(CEPROPID propIdToSelect);

@@ -21,13 +21,19 @@ bool RecordViewer::OpenInOrder(int sort) {
 }
 
 bool RecordViewer::ReloadDatabase(CEOID oidToSelect) {
+    if (ReadDatabase(oidToSelect))
+        return true;
+    Close(kViewerCancelled);
+    return false;
+}
+
+bool RecordViewer::ReadDatabase(CEOID oidToSelect) {
     KillTimer(dialog, kReloadTimer);
     database->reportErrors = 0;
     database->Close();
     const bool opened = (HasSort(currentSort) && OpenInOrder(currentSort)) || OpenInOrder(kNoSort);
     if (!opened) {
         ReportAloud(*database, IDS_COULD_NOT_OPEN, databaseName);
-        Close(kViewerCancelled);
         return false;
     }
     // Quirk: information that cannot be read comes as a zeroed block, and is then taken for that of a
@@ -36,7 +42,6 @@ bool RecordViewer::ReloadDatabase(CEOID oidToSelect) {
         ReportAloud(*database, IDS_COULD_NOT_UPDATE, nullptr);
     if (info.wNumRecords == 0) {
         MessageFromString(dialog, IDS_LAST_RECORD_DELETED, kFailureBox);
-        Close(kViewerCancelled);
         return false;
     }
     recordIndex = 0;

@@ -9,6 +9,7 @@
 #include "store/dbhandle.h"
 #include "tests/support/sampledatabases.h"
 #include "tests/support/usersession.h"
+#include "viewer/recordviewer.h"
 
 namespace {
 
@@ -181,6 +182,32 @@ TEST_F(ViewerTest, FindsAWordPastTheEnd) {
     InWindow(IDD_VIEWER);
     ExpectPosition(u"Record\n3 of 3");
     CloseViewer();
+    RunProgram();
+}
+
+constexpr char16_t kOutOfMemory[] =
+    u"There is not enough memory to complete this operation. Close other programs and try again.";
+
+TEST_F(ViewerTest, SaysTwiceThatADatabaseCannotBeShown) {
+    MakeDatabase(u"Short", {{TextValue(1, u"a")}});
+    InMainWindow();
+    TapRow(IDC_LIST, u"Short");
+    // Gone since the list was read: no question, the viewer's own message, and the one on memory.
+    const std::u16string gone =
+        u"Couldn't open \"Short\" database: The system cannot find the file specified";
+    ExpectMessage(gone);
+    ExpectMessage(gone);
+    ExpectMessage(kOutOfMemory);
+    ExpectMessage(gone); // the row is read anew
+    Do([](HWND) { EXPECT_TRUE(DbHandle(nullptr).DeleteDatabase(u"Short")); });
+    Press(Qt::Key_Return);
+    MakeDatabase(u"Empty", {});
+    ExpectMessage(u"You have deleted the last record in the database. The database viewer will be closed.");
+    ExpectMessage(kOutOfMemory);
+    Do([](HWND window) {
+        RecordViewer viewer;
+        EXPECT_EQ(RunRecordViewer(&viewer, window, u"Empty"), kViewerCancelled);
+    });
     RunProgram();
 }
 
