@@ -34,11 +34,15 @@ void RecordViewer::CopyProperty(HWND focus) {
         SendMessageW(focus, WM_COPY, 0, 0);
         return;
     }
-    if (!SelectedProperty())
+    const CEPROPVAL* property = SelectedProperty();
+    if (!property)
         return;
+    const CEPROPID identifier = property->propid;
+    const CEOID owner = recordId; // the question of the save may outlive the record
     if (IsEdited(editedProperty))
-        SaveEditedProperty(editedProperty, true);
-    if (const CEPROPVAL* property = SelectedProperty())
+        SaveEditedProperty(editedProperty, true, identifier);
+    property = recordId == owner ? FindProperty(identifier) : nullptr;
+    if (property)
         PutPropertyOnClipboard(*property);
 }
 

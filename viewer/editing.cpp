@@ -43,7 +43,7 @@ bool RecordViewer::WriteEdited(const CEPROPVAL& stored, CEPROPVAL* value) {
     return true;
 }
 
-bool RecordViewer::SaveEditedProperty(WORD index, bool refill) {
+bool RecordViewer::SaveEditedProperty(WORD index, bool refill, CEPROPID propIdToSelect) {
     CEPROPVAL value;
     const EditorState state = {numericModified != 0, textModified != 0};
     const CEPROPVAL* stored = record.Properties() + index;
@@ -56,7 +56,7 @@ bool RecordViewer::SaveEditedProperty(WORD index, bool refill) {
     if (stored) {
         saved = WriteEdited(*stored, &value);
         if (refill)
-            FillPropertyList(kSelectNone);
+            FillPropertyList(propIdToSelect);
     }
     ReleasePropertyText(value);
     saving = 0;

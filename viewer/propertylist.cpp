@@ -157,7 +157,8 @@ void RecordViewer::OnSelectionChanged() {
     if (index == editedProperty)
         return;
     if (IsEdited(editedProperty)) {
-        SaveEditedProperty(editedProperty, true);
+        // The new value may move its row, so the list is to find the tapped property by its identifier.
+        SaveEditedProperty(editedProperty, true, record.Properties()[index].propid);
         // A list that was filled anew, written or not, has shown its selection already; the record may even
         // be gone.
         index = SelectedPropertyIndex();

@@ -64,7 +64,8 @@ public:
 
     // ---- editing ----
     // Writes the value in the editor into a property of the current record; false when nothing was written.
-    bool SaveEditedProperty(WORD index, bool refill);
+    // A list that is refilled for it selects as FillPropertyList does.
+    bool SaveEditedProperty(WORD index, bool refill, CEPROPID propIdToSelect = kSelectNone);
     void DeletePropertyCommand();
     void DeleteRecordCommand();
     void AddPropertyCommand();

@@ -1,5 +1,6 @@
 #include "tests/support/usersession.h"
 
+#include <QAbstractItemView>
 #include <algorithm>
 
 #include "app/application.h"
@@ -7,6 +8,7 @@
 #include "platform/base/utf8.h"
 #include "platform/controls.h"
 #include "platform/process.h"
+#include "platform/ui/windowobject.h"
 
 namespace {
 
@@ -64,20 +66,39 @@ void UserSession::TypeInto(int controlId, std::u16string text) {
 void UserSession::TapRow(int listId, const std::u16string& text) {
     Do([listId, text](HWND window) {
         const HWND list = GetDlgItem(window, listId);
-        const std::vector<std::u16string> names = Column(list, 0);
-        const auto found = std::find(names.begin(), names.end(), text);
-        ASSERT_NE(found, names.end()) << "no row " << ToUtf8(text);
+        const int row = RowOf(list, text);
         LVITEMW item = {};
         item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
         SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&item));
         item.state = item.stateMask;
-        SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(found - names.begin()),
-                     reinterpret_cast<LPARAM>(&item));
+        SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    });
+}
+
+void UserSession::TouchRow(int listId, const std::u16string& text) {
+    Do([this, listId, text](HWND window) {
+        const HWND list = GetDlgItem(window, listId);
+        for (const QAbstractItemView* view : list->widget->findChildren<QAbstractItemView*>()) {
+            if (!view->isVisible() || view->inherits("QHeaderView"))
+                continue;
+            const QRect row = view->visualRect(view->model()->index(RowOf(list, text), 0));
+            const QPoint label(row.left() + 2 * row.height(), row.center().y()); // right of its icon
+            stylus.Tap(list, view->viewport()->mapTo(list->widget, label));
+        }
     });
 }
 
 void UserSession::Choose(UINT command) {
     Do([command](HWND window) { PostMessageW(window, WM_COMMAND, command, 0); });
+}
+
+int UserSession::RowOf(HWND list, const std::u16string& text) {
+    const std::vector<std::u16string> names = Column(list, 0);
+    const auto found = std::find(names.begin(), names.end(), text);
+    if (found != names.end())
+        return static_cast<int>(found - names.begin());
+    ADD_FAILURE() << "no row " << ToUtf8(text);
+    return -1;
 }
 
 HWND UserSession::WindowOf(UINT templateId) const {

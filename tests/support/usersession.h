@@ -32,6 +32,8 @@ protected:
     void TypeInto(int controlId, std::u16string text);
     // Selects the row with that text in the first column of a list view.
     void TapRow(int listId, const std::u16string& text);
+    // Touches that row where it stands, with all that a touch brings about.
+    void TouchRow(int listId, const std::u16string& text);
     // A command of a menu.
     void Choose(UINT command);
     // Waits until something has come true.
@@ -59,6 +61,7 @@ private:
     };
 
     HWND WindowOf(UINT templateId) const;
+    static int RowOf(HWND list, const std::u16string& text); // -1, and a failed test, for none
     bool Take(const Step& step);
     void TakeSteps();
 

@@ -93,6 +93,37 @@ TEST_F(ViewerTest, CorrectsAPhoneNumberAndTakesItBack) {
     RunProgram();
 }
 
+// A saved value can move its row: what was tapped or copied is found again by what it is.
+TEST_F(ViewerTest, ShowsTheTappedPropertyWhenTheSaveMovesTheRows) {
+    MakeDatabase(u"Sizes", {{TextValue(1, u"x"), NumberValue(2, CEVT_I4, 5), NumberValue(3, CEVT_R8, 1.5)},
+                            {NumberValue(9, CEVT_I4, 9)}});
+    Do([](HWND) {
+        App().settings->sortKey = kSortBySize;
+        App().settings->showWarning = 0;
+    });
+    View(u"Sizes");
+    TouchRow(IDC_VIEWER_LIST, u"TEXT");
+    TypeInto(IDC_VALUE_TEXT, u"longer");
+    TouchRow(IDC_VIEWER_LIST, u"LONG"); // whose row becomes the first one
+    ExpectEditor(IDC_VALUE_NUMBER, u"5");
+    Do([](HWND viewer) {
+        const HWND list = GetDlgItem(viewer, IDC_VIEWER_LIST);
+        EXPECT_EQ(Column(list, 0), (std::vector<std::u16string>{u"LONG", u"TEXT", u"FLOAT"}));
+        EXPECT_EQ(SelectedRow(list), 0);
+    });
+    TouchRow(IDC_VIEWER_LIST, u"TEXT");
+    TypeInto(IDC_VALUE_TEXT, u"c");
+    Do([](HWND) { App().settings->sortAscending = 0; });
+    FocusList();
+    Choose(IDM_EDIT_COPY);
+    Press(Qt::Key_K, Qt::ControlModifier);
+    FocusList();
+    Choose(IDM_EDIT_PASTE);
+    Do([](HWND) { EXPECT_EQ(Contents(u"Sizes"), u"1=c 2=5 3=1.5\n9=9 1=c\n"); });
+    CloseViewer();
+    RunProgram();
+}
+
 TEST_F(ViewerTest, WalksAndRefusesNumbersOutOfRange) {
     MakeDatabase(u"People", kPeople);
     View(u"People");
