@@ -25,7 +25,10 @@ bool OnSelectedDatabase(HWND mainWindow, DatabaseCommand command) {
     return SelectedDatabaseName(name) && command(mainWindow, name);
 }
 
+// The selection is remembered by row numbers, and a database that was renamed or emptied may have its row
+// elsewhere by now: sorted first, the rows keep their selection.
 void SaveSelectionAndRebuild() {
+    SortDatabaseList();
     SaveListSelection();
     RebuildDatabaseList();
 }

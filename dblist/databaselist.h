@@ -27,6 +27,9 @@ void UpdateSelectedRows();
 void SortDatabaseList();
 // A column was tapped: its own key, or the other direction when it is the key already.
 void SortByColumn(int column);
+// Puts a new name into the row of the old one, so that what is chosen before the list is read anew finds the
+// database. The row stays where it is.
+void ShowRenamedDatabase(const WCHAR* name, const WCHAR* newName);
 // Remembers the selected rows in the settings.
 void SaveListSelection();
 

@@ -6,6 +6,7 @@
 #include "dblist/databaselist.h"
 #include "lists/listsort.h"
 #include "platform/objectstore.h"
+#include "platform/text.h"
 #include "store/datetimetext.h"
 #include "store/sizetext.h"
 
@@ -85,7 +86,8 @@ bool RestoreListSelection() {
     bool any = false;
     for (const BYTE row : App().settings->selection) {
         if (row < count) {
-            SelectRow(row, LVIS_SELECTED);
+            // The keyboard goes on from the first of them.
+            SelectRow(row, any ? LVIS_SELECTED : LVIS_SELECTED | LVIS_FOCUSED);
             any = true;
         }
     }
@@ -142,6 +144,15 @@ void UpdateSelectedRows() {
         item.iImage = IconFor(info);
         SendMessageW(App().listView, LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
         SetSizeAndDate(row, info);
+    }
+}
+
+void ShowRenamedDatabase(const WCHAR* name, const WCHAR* newName) {
+    for (int row = DatabaseRowCount() - 1; row >= 0; --row) {
+        WCHAR rowName[kNameCapacity];
+        DatabaseNameOfRow(row, rowName);
+        if (lstrcmpW(rowName, name) == 0)
+            SetSubItemText(row, kNameColumn, newName);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "dblist/management.h"
 
 #include "app/uiservices.h"
+#include "dblist/databaselist.h"
 #include "platform/text.h"
 #include "resources/resource.h"
 #include "store/databasename.h"
@@ -73,5 +74,9 @@ bool RenameDatabaseCommand(HWND owner, const WCHAR* name, bool prompt) {
 
 bool RenameDatabaseTo(HWND owner, const WCHAR* name, const WCHAR* newName) {
     CopyText(NewNameBuffer(), kNameCapacity, newName);
-    return RenameDatabaseCommand(owner, name, false);
+    // The store would take the name that a database has already, and change its time for nothing.
+    if (lstrcmpW(NewNameBuffer(), name) == 0 || !RenameDatabaseCommand(owner, name, false))
+        return false;
+    ShowRenamedDatabase(name, NewNameBuffer());
+    return true;
 }

@@ -10,7 +10,8 @@ bool EmptyDatabaseCommand(HWND owner, const WCHAR* name);
 bool CopyDatabaseCommand(HWND owner, const WCHAR* name);
 // With `prompt` the new name is asked for, else it is what the new-name buffer holds.
 bool RenameDatabaseCommand(HWND owner, const WCHAR* name, bool prompt);
-// Renames without asking, as after an edit in place.
+// Renames without asking, as after an edit in place; the list shows the new name at once. False also when the
+// name is not a new one.
 bool RenameDatabaseTo(HWND owner, const WCHAR* name, const WCHAR* newName);
 
 // The properties of the database that is selected in the list.

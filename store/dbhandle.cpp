@@ -83,7 +83,12 @@ bool DbHandle::GetInfo(CEDBASEINFO* info) {
 bool DbHandle::SetInfo(CEOID database, const CEDBASEINFO& info) {
     if (CeSetDatabaseInfo(database, &info))
         return true;
-    Report(IDS_COULD_NOT_UPDATE, info.szDbaseName);
+    // A rename that failed is told of by the name that the database has kept.
+    const DWORD error = GetLastError();
+    CEOIDINFO object = {};
+    const bool known = CeOidGetInfo(database, &object) && object.wObjType == OBJTYPE_DATABASE;
+    SetLastError(error);
+    Report(IDS_COULD_NOT_UPDATE, known ? object.infDatabase.szDbaseName : info.szDbaseName);
     return false;
 }
 

@@ -3,6 +3,7 @@
 #include "app/application.h"
 #include "dblist/databaselist.h"
 #include "platform/controls.h"
+#include "platform/datetime.h"
 #include "platform/menu.h"
 #include "platform/shell.h"
 #include "resources/resource.h"
@@ -31,6 +32,13 @@ protected:
             click.iSubItem = column;
             SendMessageW(window, WM_NOTIFY, IDC_LIST, reinterpret_cast<LPARAM>(&click));
         });
+    }
+    static FILETIME ModifiedTime(const WCHAR* name) {
+        DbHandle database(nullptr);
+        CEDBASEINFO info;
+        database.Open(name, 0, 0);
+        EXPECT_TRUE(database.GetInfo(&info));
+        return info.ftLastModified;
     }
     // Greyed or not: a greyed item is found so by trying to grey it again.
     static bool IsEnabled(UINT command) {
@@ -145,20 +153,49 @@ TEST_F(DatabaseListTest, CopiesAndRenames) {
 }
 
 TEST_F(DatabaseListTest, RenamesInPlace) {
-    TapRow(IDC_LIST, u"Alpha");
     const auto editTo = [this](const std::u16string& text) {
-        Do([](HWND window) { SendDlgItemMessageW(window, IDC_LIST, LVM_EDITLABELW, 0, 0); });
+        Press(Qt::Key_F2);
         Press(Qt::Key_A, Qt::ControlModifier);
         Type(text);
-        Press(Qt::Key_Return);
     };
-    editTo(u"Delta");
-    ExpectNames({u"beta", u"Delta", u"gamma.new"});
+    const auto expectSelected = [this](const std::u16string& name) {
+        Do([name](HWND window) {
+            const HWND list = GetDlgItem(window, IDC_LIST);
+            EXPECT_EQ(RowText(list, SelectedRow(list), 0), name);
+            const UINT state = LVIS_SELECTED | LVIS_FOCUSED;
+            EXPECT_EQ(SendMessageW(list, LVM_GETITEMSTATE, SelectedRow(list), state), state);
+        });
+    };
+    TapRow(IDC_LIST, u"beta");
+    Choose(IDM_REFRESH); // the keyboard stays with what is selected
+    expectSelected(u"beta");
+    editTo(u"Zeta");
+    Press(Qt::Key_Return);
+    ExpectNames({u"Alpha", u"gamma.new", u"Zeta"});
+    expectSelected(u"Zeta"); // and not its old row
     // A name that another database has is the store's to refuse.
-    ExpectMessage(
-        u"Couldn't update parameters of 'gamma.new' database: A duplicate name exists on the network");
+    ExpectMessage(u"Couldn't update parameters of 'Zeta' database: A duplicate name exists on the network");
     editTo(u"gamma.new");
-    ExpectNames({u"beta", u"Delta", u"gamma.new"});
+    Press(Qt::Key_Return);
+    ExpectNames({u"Alpha", u"gamma.new", u"Zeta"});
+    // What was not changed is not renamed: the time of modification stays.
+    FILETIME before = {};
+    Do([&before](HWND) { before = ModifiedTime(u"Zeta"); });
+    editTo(u"Zeta");
+    Press(Qt::Key_Return);
+    Do([&before](HWND) {
+        const FILETIME after = ModifiedTime(u"Zeta");
+        EXPECT_EQ(CompareFileTime(&before, &after), 0);
+    });
+    // A touch ends the edit, and opens the row that was touched although the rename moves it.
+    editTo(u"aaa");
+    TouchRow(IDC_LIST, u"Alpha");
+    InWindow(IDD_VIEWER);
+    Do([](HWND viewer) { EXPECT_EQ(Text(viewer, IDC_FRAME_TITLE), u"Database: \"Alpha\""); });
+    Press(Qt::Key_Escape);
+    InMainWindow();
+    ExpectNames({u"aaa", u"Alpha", u"gamma.new"});
+    expectSelected(u"Alpha");
     RunProgram();
 }
 

@@ -32,7 +32,10 @@ protected:
 
     void focusOutEvent(QFocusEvent* event) override {
         QLineEdit::focusOutEvent(event);
-        if (event->reason() != Qt::PopupFocusReason)
+        // A press on the list ends the edit when its turn comes, so that the rows do not move under it.
+        const QWidget* next = QApplication::focusWidget();
+        const bool pressedList = event->reason() == Qt::MouseFocusReason && next && list.isAncestorOf(next);
+        if (event->reason() != Qt::PopupFocusReason && !pressedList)
             list.FinishLabelEdit(true);
     }
 
