@@ -57,8 +57,8 @@ public:
 
     // The current record, with pointers; returns its id, 0 on failure.
     CEOID ReadRecord(RecordBuffer* buffer);
-    // The same with offsets from the start of the block in place of pointers (0 for an absent string or an
-    // empty blob): the form that files and wires carry.
+    // The same with offsets from the start of the block in place of pointers, 0 for an empty blob: the form
+    // that files and wires carry. It knows no absent string: one becomes an empty string.
     CEOID ReadRecordForStorage(RecordBuffer* buffer);
     // Record 0 makes a new one. Returns the record's id, 0 on failure.
     CEOID WriteRecord(CEOID record, const RecordBuffer& buffer);

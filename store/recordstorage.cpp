@@ -1,4 +1,6 @@
 // A record's storage form: the record's block with offsets from its start where the pointers were.
+#include <cstring>
+
 #include "platform/errors.h"
 #include "resources/resource.h"
 #include "store/dbhandle.h"
@@ -18,23 +20,46 @@ Pointer PointerOf(const CEPROPVAL& property) {
     return Pointer::None;
 }
 
-// An absent text and an empty blob point nowhere, which offset 0 says: the entries stand there, never their
-// data.
+// An empty blob points nowhere, which offset 0 says: the entries stand there. For a text that offset is as
+// bad as any other among the entries.
 constexpr DWORD kNowhere = 0;
 
-DWORD ToOffset(DWORD address, DWORD base) {
-    return address ? address - base : kNowhere;
+bool HoldsAbsentText(const RecordBuffer& buffer) {
+    for (const CEPROPVAL* property = buffer.Properties(); property != buffer.Properties() + buffer.propCount;
+         ++property)
+        if (PointerOf(*property) == Pointer::Text && property->val.lpwstr.Address() == 0)
+            return true;
+    return false;
 }
 
-void ToOffsets(RecordBuffer& buffer) {
-    const DWORD base = ArenaAddress(buffer.data);
+// Adds an empty text to the end of the block, for all texts that are absent. 0 with the last error set when
+// memory is short; the block is as it was then.
+DWORD AppendEmptyText(RecordBuffer& buffer) {
+    const DWORD offset = buffer.size + buffer.size % sizeof(WCHAR);
+    const DWORD size = offset + sizeof(WCHAR);
+    const std::size_t before = LocalSize(buffer.data);
+    BYTE* data =
+        before >= size ? buffer.data : static_cast<BYTE*>(LocalReAlloc(buffer.data, size, LMEM_MOVEABLE));
+    if (!data)
+        return 0;
+    buffer.data = data;
+    std::memset(data + buffer.size, 0, size - buffer.size);
+    buffer.size = size;
+    return offset;
+}
+
+// `base` is the address at which the block lay when it was read.
+void ToOffsets(RecordBuffer& buffer, DWORD base, DWORD emptyText) {
     for (CEPROPVAL* property = buffer.Properties(); property != buffer.Properties() + buffer.propCount;
          ++property) {
         CEVALUNION& value = property->val;
-        if (PointerOf(*property) == Pointer::Text)
-            value.lpwstr = DevicePointer<WCHAR>::FromAddress(ToOffset(value.lpwstr.Address(), base));
-        else if (PointerOf(*property) == Pointer::Blob)
-            value.blob.lpb = DevicePointer<BYTE>::FromAddress(ToOffset(value.blob.lpb.Address(), base));
+        if (PointerOf(*property) == Pointer::Text) {
+            const DWORD address = value.lpwstr.Address();
+            value.lpwstr = DevicePointer<WCHAR>::FromAddress(address ? address - base : emptyText);
+        } else if (PointerOf(*property) == Pointer::Blob) {
+            const DWORD address = value.blob.lpb.Address();
+            value.blob.lpb = DevicePointer<BYTE>::FromAddress(address ? address - base : kNowhere);
+        }
     }
 }
 
@@ -62,9 +87,9 @@ bool ToPointer(CEPROPVAL* property, const RecordBuffer& buffer, DWORD entriesEnd
         return true;
     case Pointer::Text: {
         const DWORD offset = value.lpwstr.Address();
-        if (offset != kNowhere && !TextFits(buffer, offset, entriesEnd))
+        if (!TextFits(buffer, offset, entriesEnd))
             return false;
-        value.lpwstr = DevicePointer<WCHAR>::FromAddress(offset == kNowhere ? 0 : base + offset);
+        value.lpwstr = DevicePointer<WCHAR>::FromAddress(base + offset);
         return true;
     }
     case Pointer::Blob: {
@@ -94,8 +119,16 @@ bool ToPointers(RecordBuffer& buffer) {
 
 CEOID DbHandle::ReadRecordForStorage(RecordBuffer* buffer) {
     const CEOID record = ReadRecord(buffer);
-    if (record && buffer->propCount != 0)
-        ToOffsets(*buffer);
+    if (!record || buffer->propCount == 0)
+        return record;
+    const DWORD base = ArenaAddress(buffer->data);
+    const bool absent = HoldsAbsentText(*buffer); // as records of older devices have them
+    const DWORD emptyText = absent ? AppendEmptyText(*buffer) : 0;
+    if (absent && !emptyText) {
+        Report(IDS_COULD_NOT_READ_RECORD);
+        return 0;
+    }
+    ToOffsets(*buffer, base, emptyText);
     return record;
 }
 

@@ -47,14 +47,15 @@ CEOID WriteStored(DbHandle& database, WORD properties, const std::vector<BYTE>& 
     return record;
 }
 
-// A text "Hi" (property 1), an absent text (2), a blob of 3 bytes (3) and an empty blob (4).
+// A text "Hi" (property 1), an empty text (2), a blob of 3 bytes (3) and an empty blob (4).
 const std::vector<BYTE> kRecord = {31,  0, 1,   0, 0, 0, 0,    0,    64,  0, 0, 0, 0,  0, 0, 0, //
-                                   31,  0, 2,   0, 0, 0, 0,    0,    0,   0, 0, 0, 0,  0, 0, 0, //
+                                   31,  0, 2,   0, 0, 0, 0,    0,    68,  0, 0, 0, 0,  0, 0, 0, //
                                    65,  0, 3,   0, 0, 0, 0,    0,    3,   0, 0, 0, 70, 0, 0, 0, //
                                    65,  0, 4,   0, 0, 0, 0,    0,    0,   0, 0, 0, 0,  0, 0, 0, //
                                    'H', 0, 'i', 0, 0, 0, 0xAA, 0xBB, 0xCC};
 
 constexpr std::size_t kTextOffset = 8; // places in kRecord that the tests spoil
+constexpr std::size_t kEmptyOffset = 16 + 8;
 constexpr std::size_t kBlobCount = 2 * 16 + 8;
 constexpr std::size_t kBlobOffset = 2 * 16 + 12;
 
@@ -76,7 +77,9 @@ TEST_F(DbHandleTest, StorageFormSurvivesTheStoreByteForByte) {
     const DWORD text = properties[0].val.lpwstr.Address();
     ASSERT_LE(text + 6, read.size);
     EXPECT_EQ(std::memcmp(read.data + text, u"Hi", 6), 0);
-    EXPECT_EQ(properties[1].val.lpwstr.Address(), 0u);
+    const DWORD empty = properties[1].val.lpwstr.Address();
+    ASSERT_LE(empty + 2, read.size);
+    EXPECT_EQ(std::memcmp(read.data + empty, u"", 2), 0);
     const DWORD blob = properties[2].val.blob.lpb.Address();
     ASSERT_LE(blob + 3, read.size);
     EXPECT_EQ(std::memcmp(read.data + blob, "\xAA\xBB\xCC", 3), 0);
@@ -85,15 +88,44 @@ TEST_F(DbHandleTest, StorageFormSurvivesTheStoreByteForByte) {
     EXPECT_TRUE(messages.empty());
 }
 
+TEST_F(DbHandleTest, AnAbsentTextOfAnOlderDeviceIsStoredAsAnEmptyOne) {
+    DbHandle database(nullptr);
+    Make(database, u"Old");
+    ASSERT_NE(WriteStored(database, 4, kRecord), 0u);
+    std::string row = "UPDATE records SET data = x'";
+    for (std::size_t at = 0; at < kRecord.size(); ++at) {
+        const BYTE byte = at == kEmptyOffset ? 0 : kRecord[at];
+        row += std::string(1, "0123456789ABCDEF"[byte / 16]) + "0123456789ABCDEF"[byte % 16];
+    }
+    ASSERT_EQ(storage::TheStore()->connection.Execute((row + "'").c_str()), 0);
+
+    RecordBuffer read;
+    ASSERT_NE(database.ReadRecord(&read), 0u);
+    EXPECT_EQ(read.Properties()[1].val.lpwstr.Address(), 0u);
+    const DWORD size = read.size;
+    ASSERT_NE(database.ReadRecordForStorage(&read), 0u);
+    const DWORD text = read.Properties()[1].val.lpwstr.Address();
+    EXPECT_GE(text, size);
+    ASSERT_LE(text + 2, read.size);
+    EXPECT_EQ(std::memcmp(read.data + text, u"", 2), 0);
+    EXPECT_EQ(text % 2, 0u);
+    // The block can be written again, and read into.
+    EXPECT_NE(database.WriteRecordFromStorage(0, &read), 0u);
+    EXPECT_NE(database.ReadRecord(&read), 0u);
+    EXPECT_EQ(read.size, size);
+    LocalFree(read.data);
+    EXPECT_TRUE(messages.empty());
+}
+
 TEST_F(DbHandleTest, RefusesStoredRecordsThatDoNotFitTheirBlock) {
-    // Past the end; into the entries; odd; a blob that is longer than what is left; one that starts behind
-    // the end; more entries than bytes.
+    // Past the end; into the entries, whose first byte is no exception; odd; a blob that is longer than what
+    // is left; one that starts behind the end; more entries than bytes.
     const struct {
         std::size_t at;
         BYTE value;
         WORD properties;
-    } cases[] = {{kTextOffset, 200, 4}, {kTextOffset, 16, 4}, {kTextOffset, 65, 4}, {kBlobCount, 4, 4},
-                 {kBlobOffset, 99, 4},  {0, 31, 5},           {0, 31, 0xFFFF}};
+    } cases[] = {{kTextOffset, 200, 4}, {kTextOffset, 16, 4}, {kTextOffset, 0, 4}, {kTextOffset, 65, 4},
+                 {kBlobCount, 4, 4},    {kBlobOffset, 99, 4}, {0, 31, 5},          {0, 31, 0xFFFF}};
     DbHandle database(nullptr);
     Make(database, u"Spoiled");
     for (const auto& spoiled : cases) {
