@@ -60,25 +60,20 @@ void ChangeOptions(HWND mainWindow) {
     RebuildDatabaseList();
 }
 
-bool IsRowSelected(int row) {
-    return SendMessageW(App().listView, LVM_GETITEMSTATE, row, LVIS_SELECTED) & LVIS_SELECTED;
-}
-
 void BackUpDatabases(HWND mainWindow) {
     const std::unique_ptr<BackupEngine> engine(new (std::nothrow) BackupEngine);
-    if (!engine) {
+    int count = 0;
+    // What is meant is what was selected before the questions; the list may be read anew while they are open.
+    const std::unique_ptr<ListedDatabase[]> rows = CopyRows(&count);
+    if (!engine || !rows) {
         SHShowOutOfMemory(mainWindow, 0);
         return;
     }
     if (!engine->BeginBackup(mainWindow, true, nullptr))
         return;
-    const int count = DatabaseRowCount();
     for (int row = 0; row < count; ++row) {
-        if (!engine->allDatabases && !IsRowSelected(row))
-            continue;
-        WCHAR name[kNameCapacity];
-        DatabaseNameOfRow(row, name);
-        if (!engine->WriteDatabase(name))
+        const bool wanted = engine->allDatabases || rows[row].selected;
+        if (wanted && !engine->WriteDatabase(rows[row].name))
             break;
     }
     engine->Finish();

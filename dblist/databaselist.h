@@ -1,6 +1,8 @@
 // The main window's list of databases: one row a database, kept nowhere else.
 #pragma once
 
+#include <memory>
+
 #include "platform/controls.h"
 #include "platform/types.h"
 #include "store/dbhandle.h"
@@ -32,6 +34,14 @@ void SortByColumn(int column);
 void ShowRenamedDatabase(const WCHAR* name, const WCHAR* newName);
 // Remembers the selected rows in the settings.
 void SaveListSelection();
+
+// The rows of one moment: a refresh leaves them as they were.
+struct ListedDatabase {
+    WCHAR name[kNameCapacity];
+    bool selected;
+};
+// Copies all rows, in their order. Null when memory is short.
+std::unique_ptr<ListedDatabase[]> CopyRows(int* count);
 
 int DatabaseRowCount();
 // The next selected row after one (-1: from the first on), -1 for none.

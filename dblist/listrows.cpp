@@ -1,5 +1,6 @@
 // The rows of the database list: read from the store, selected, remembered.
 #include <cstring>
+#include <new>
 
 #include "app/application.h"
 #include "app/uiservices.h"
@@ -162,6 +163,16 @@ void SaveListSelection() {
     int count = 0;
     for (int row = NextSelectedRow(-1); row >= 0 && count < kSelectionBytes; row = NextSelectedRow(row))
         selection[count++] = static_cast<BYTE>(row);
+}
+
+std::unique_ptr<ListedDatabase[]> CopyRows(int* count) {
+    *count = DatabaseRowCount();
+    std::unique_ptr<ListedDatabase[]> rows(new (std::nothrow) ListedDatabase[*count]);
+    for (int row = 0; rows && row < *count; ++row) {
+        DatabaseNameOfRow(row, rows[row].name);
+        rows[row].selected = SendMessageW(App().listView, LVM_GETITEMSTATE, row, LVIS_SELECTED) != 0;
+    }
+    return rows;
 }
 
 int DatabaseRowCount() {

@@ -1,5 +1,8 @@
 // The list of databases, its views and orders, and the commands on whole databases, as a user works with
 // them.
+#include <filesystem>
+#include <fstream>
+
 #include "app/application.h"
 #include "dblist/databaselist.h"
 #include "platform/controls.h"
@@ -197,6 +200,26 @@ TEST_F(DatabaseListTest, RenamesInPlace) {
     ExpectNames({u"aaa", u"Alpha", u"gamma.new"});
     expectSelected(u"Alpha");
     RunProgram();
+}
+
+TEST_F(DatabaseListTest, BacksUpWhatWasSelectedBeforeTheQuestions) {
+    std::filesystem::create_directory(device.folder + "/root/My Documents");
+    stylus.AllowDialog(IDD_PROGRESS);
+    TapRow(IDC_LIST, u"beta");
+    Choose(IDM_BACKUP);
+    InWindow(IDD_BACKUP_OPTIONS);
+    Do([](HWND) {
+        MakeDatabase(u"Aaa", {});
+        SendMessageW(App().mainWindow, WM_COMMAND, IDM_REFRESH, 0); // selects the row's new holder
+    });
+    Tap(IDC_BACKUP_COMPRESS); // no
+    PickToSave(u"one");
+    Tap(IDOK);
+    RunProgram();
+    std::ifstream file(device.folder + "/root/My Documents/one.bkp", std::ios::binary);
+    const std::string archive{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_NE(archive.find(std::string("b\0e\0t\0a", 7)), std::string::npos);
+    EXPECT_EQ(archive.find(std::string("A\0l\0p\0h", 7)), std::string::npos);
 }
 
 TEST_F(DatabaseListTest, EmptiesAndDeletesOnlyOnYes) {
