@@ -21,7 +21,8 @@ void ApplyListOptions();
 DWORD CurrentListStyle();
 void SetListStyle(DWORD listStyle);
 
-// Reads all databases from the store anew, sorts and selects as before. Does nothing without a list.
+// Reads all databases from the store anew, sorts and selects as before. What the store cannot tell is
+// missing, and said to be so. Does nothing without a list.
 void RebuildDatabaseList();
 // Reads icon, size and date of the selected rows' databases anew; the order of the rows stays.
 void UpdateSelectedRows();

@@ -6,6 +6,7 @@
 #include "app/uiservices.h"
 #include "dblist/databaselist.h"
 #include "lists/listsort.h"
+#include "platform/errors.h"
 #include "platform/objectstore.h"
 #include "platform/text.h"
 #include "store/datetimetext.h"
@@ -53,20 +54,33 @@ void InsertRow(int row, const CEDBASEINFO& info) {
     SetSizeAndDate(row, info);
 }
 
-void InsertAllRows() {
+// Inserts a database's row; false when its information cannot be read, with the last error set. One that has
+// been deleted since the store was asked, or is not to be shown, is passed over.
+bool InsertDatabase(CEOID oid, int* row) {
+    CEOIDINFO object = {};
+    if (!CeOidGetInfo(oid, &object))
+        return GetLastError() == ERROR_FILE_NOT_FOUND;
+    const bool hidden =
+        IsSystemDatabase(object.infDatabase.szDbaseName) && !App().settings->showSystemDatabases;
+    if (object.wObjType == OBJTYPE_DATABASE && !hidden)
+        InsertRow((*row)++, object.infDatabase);
+    return true;
+}
+
+// Inserts what the store tells of; returns the first error that keeps any of it back, ERROR_SUCCESS for none.
+DWORD InsertAllRows() {
     const HANDLE databases = CeFindFirstDatabase(0);
     if (databases == INVALID_HANDLE_VALUE)
-        return;
+        return GetLastError();
+    DWORD failure = ERROR_SUCCESS;
     int row = 0;
-    while (const CEOID oid = CeFindNextDatabase(databases)) {
-        CEOIDINFO object = {};
-        if (!CeOidGetInfo(oid, &object) || object.wObjType != OBJTYPE_DATABASE)
-            continue;
-        if (IsSystemDatabase(object.infDatabase.szDbaseName) && !App().settings->showSystemDatabases)
-            continue;
-        InsertRow(row++, object.infDatabase);
-    }
+    while (const CEOID oid = CeFindNextDatabase(databases))
+        if (!InsertDatabase(oid, &row) && failure == ERROR_SUCCESS)
+            failure = GetLastError();
+    if (failure == ERROR_SUCCESS && GetLastError() != ERROR_NO_MORE_ITEMS)
+        failure = GetLastError();
     CloseHandle(databases);
+    return failure;
 }
 
 void SelectRow(int row, UINT state) {
@@ -115,6 +129,7 @@ void RebuildDatabaseList() {
     const HWND list = App().listView;
     if (!list)
         return;
+    DWORD failure = ERROR_SUCCESS;
     {
         const WaitCursor wait;
         SendMessageW(list, WM_SETREDRAW, FALSE, 0);
@@ -123,12 +138,16 @@ void RebuildDatabaseList() {
                                                 SendMessageW(list, LVM_GETCOUNTPERPAGE, 0, 0)) -
                                1;
         SendMessageW(list, LVM_DELETEALLITEMS, 0, 0);
-        InsertAllRows();
+        failure = InsertAllRows();
         SortDatabaseList();
         SelectAfterRebuild(selected < 0 ? 0 : selected, pageBottom);
     }
     SendMessageW(list, WM_SETREDRAW, TRUE, 0);
     SetFocus(list);
+    if (failure != ERROR_SUCCESS) {
+        SetLastError(failure);
+        DbHandle::ReportStoreFailure(App().mainWindow);
+    }
 }
 
 void UpdateSelectedRows() {

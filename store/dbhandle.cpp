@@ -251,6 +251,10 @@ void DbHandle::ShowError(const WCHAR* format, const WCHAR* nameForMessage) {
     MessageText(ownerWindow, message, kFailureBox);
 }
 
+void DbHandle::ReportStoreFailure(HWND owner) {
+    DbHandle(owner).Report(IDS_COULD_NOT_OPEN, u"*"); // whatever their names are
+}
+
 bool DbHandle::Walk(SeekOperation seek, DWORD* index) {
     bool found = false;
     {

@@ -79,6 +79,10 @@ public:
     // Returns errorText.
     const WCHAR* ReportError(const WCHAR* format, const WCHAR* nameForMessage);
 
+    // Says that the store does not tell which databases there are, or what they are, with the last error's
+    // reason. It stays the last error.
+    static void ReportStoreFailure(HWND owner);
+
     static constexpr int kNameRoom = 36;
     static constexpr int kTextRoom = 256;
 

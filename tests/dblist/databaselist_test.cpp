@@ -222,6 +222,20 @@ TEST_F(DatabaseListTest, BacksUpWhatWasSelectedBeforeTheQuestions) {
     EXPECT_EQ(archive.find(std::string("A\0l\0p\0h", 7)), std::string::npos);
 }
 
+TEST_F(DatabaseListTest, SaysThatTheStoreCannotBeRead) {
+    const std::u16string unreadable = u"Couldn't open \"*\" database: Unknown error";
+    device.BreakTable("databases");
+    ExpectMessage(unreadable); // at the start
+    ExpectNames({});
+    ExpectMessage(unreadable);
+    Choose(IDM_REFRESH);
+    ExpectNames({});
+    Do([this](HWND) { device.MendTable("databases"); });
+    Choose(IDM_REFRESH);
+    ExpectNames({u"Alpha", u"beta", u"gamma.new"});
+    RunProgram();
+}
+
 TEST_F(DatabaseListTest, EmptiesAndDeletesOnlyOnYes) {
     const auto question = [](const std::u16string& verb, const std::u16string& doing) {
         return u"You are about to " + verb +
