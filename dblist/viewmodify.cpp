@@ -18,7 +18,7 @@ bool MakeFirstRecord(HWND owner, DbHandle& database, CEDBASEINFO* info) {
         return false;
     CEOID record = 0;
     CEPROPVAL property = {};
-    if (!RunAddPropertyWizard(owner, &record, &property, {}))
+    if (!RunAddPropertyWizard(owner, &record, &property, nullptr))
         return false;
     const CEOID written = database.WriteProperty(0, &property);
     ReleasePropertyText(property);

@@ -1,5 +1,7 @@
 #include "lists/listsort.h"
 
+#include <new>
+
 #include "app/application.h"
 #include "platform/controls.h"
 #include "platform/datetime.h"
@@ -81,11 +83,10 @@ std::optional<FILETIME> ReadModified(HWND list, int row) {
     return info.ftLastModified;
 }
 
-const std::optional<FILETIME>& ModifiedOfRow(ListSort& sort, LPARAM parameter, int row) {
-    const auto place = static_cast<std::size_t>(parameter);
-    if (place >= sort.modified.size())
-        sort.modified.resize(place + 1);
-    ListSort::Modified& entry = sort.modified[place];
+std::optional<FILETIME> ModifiedOfRow(ListSort& sort, LPARAM parameter, int row) {
+    if (!sort.modified || parameter >= sort.modifiedCount)
+        return ReadModified(sort.list, row);
+    ListSort::Modified& entry = sort.modified[parameter];
     if (!entry.known)
         entry = {true, ReadModified(sort.list, row)};
     return entry.time;
@@ -151,7 +152,12 @@ void SortListView(ListSort& sort) {
 
 ListSort SettingsSort(HWND list) {
     const Settings& settings = *App().settings;
-    return {settings.sortAscending != 0, ColumnOfSortKey(settings.sortKey), settings.sortKey, list};
+    ListSort sort = {settings.sortAscending != 0, ColumnOfSortKey(settings.sortKey), settings.sortKey, list};
+    if (sort.key == kSortByDate) {
+        sort.modifiedCount = SendMessageW(list, LVM_GETITEMCOUNT, 0, 0);
+        sort.modified.reset(new (std::nothrow) ListSort::Modified[sort.modifiedCount]);
+    }
+    return sort;
 }
 
 void SetSortKey(DWORD key) {

@@ -1,8 +1,8 @@
 // The order of a list view's rows: the comparison that the list of databases and the viewer's list share.
 #pragma once
 
+#include <memory>
 #include <optional>
-#include <vector>
 
 #include "platform/types.h"
 
@@ -13,12 +13,13 @@ struct ListSort {
     DWORD key; // a SortKey; anything else leaves the rows as they are
     HWND list;
     // Last-modified times by row parameter, read from the store when first asked for: a comparison sort asks
-    // again and again.
+    // again and again. Without memory for them, or behind the last one, they are read each time.
     struct Modified {
         bool known = false;
         std::optional<FILETIME> time; // none: the database cannot be opened
     };
-    std::vector<Modified> modified = {};
+    std::unique_ptr<Modified[]> modified = {};
+    LPARAM modifiedCount = 0;
 };
 
 // The column that a key sorts by.

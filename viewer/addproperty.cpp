@@ -4,17 +4,20 @@
 
 namespace {
 
-DWORD SuggestedId(const std::vector<DWORD>& usedIds) {
-    return usedIds.empty() ? 0 : *std::max_element(usedIds.begin(), usedIds.end()) + 1;
+DWORD SuggestedId(const DWORD* usedIds) {
+    DWORD suggested = 0;
+    for (; usedIds && *usedIds != kEndOfIds; ++usedIds)
+        suggested = std::max(suggested, *usedIds + 1);
+    return suggested;
 }
 
 } // namespace
 
-bool RunAddPropertyWizard(HWND owner, CEOID* record, CEPROPVAL* property, const std::vector<DWORD>& usedIds) {
+bool RunAddPropertyWizard(HWND owner, CEOID* record, CEPROPVAL* property, const DWORD* usedIds) {
     AddPropertyWizard wizard;
     wizard.propertyId = SuggestedId(usedIds);
     wizard.property = property;
-    wizard.usedIds = &usedIds;
+    wizard.usedIds = usedIds;
     wizard.newRecord = wizard.newRecordLocked = *record == 0;
     for (;;) {
         if (ShowTypePage(owner, &wizard) != IDOK)

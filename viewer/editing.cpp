@@ -1,5 +1,5 @@
 // Writing changes back: saving a value, deleting and adding properties and records.
-#include <vector>
+#include <memory>
 
 #include "app/uiservices.h"
 #include "platform/shell.h"
@@ -95,15 +95,34 @@ void RecordViewer::DeleteRecordCommand() {
         FillPropertyList(kSelectNone);
 }
 
+namespace {
+
+using IdList = std::unique_ptr<DWORD, decltype(&LocalFree)>;
+
+// As RunAddPropertyWizard wants them. Null when memory is short.
+IdList IdsOf(const RecordBuffer& record) {
+    const std::size_t bytes = (record.propCount + 1u) * sizeof(DWORD);
+    IdList ids(static_cast<DWORD*>(LocalAlloc(LMEM_FIXED, bytes)), LocalFree);
+    for (WORD place = 0; ids && place < record.propCount; ++place)
+        ids.get()[place] = HIWORD(record.Properties()[place].propid);
+    if (ids)
+        ids.get()[record.propCount] = kEndOfIds;
+    return ids;
+}
+
+} // namespace
+
 void RecordViewer::AddPropertyCommand() {
     if (IsEdited(editedProperty))
         SaveEditedProperty(editedProperty, true);
-    std::vector<DWORD> usedIds;
-    for (WORD place = 0; place < record.propCount; ++place)
-        usedIds.push_back(HIWORD(record.Properties()[place].propid));
+    const IdList usedIds = IdsOf(record);
+    if (!usedIds) {
+        SHShowOutOfMemory(dialog, 0);
+        return;
+    }
     CEOID target = recordId;
     CEPROPVAL property = {};
-    if (!RunAddPropertyWizard(dialog, &target, &property, usedIds))
+    if (!RunAddPropertyWizard(dialog, &target, &property, usedIds.get()))
         return;
     saving = 1;
     database->reportErrors = 1;

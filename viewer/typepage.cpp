@@ -1,6 +1,4 @@
 // The wizard's first page: type, id, and whether a new record is made.
-#include <algorithm>
-
 #include "app/dialogframe.h"
 #include "app/uiservices.h"
 #include "platform/controls.h"
@@ -59,7 +57,10 @@ void RefuseUsedId(HWND dialog, DWORD id) {
 }
 
 bool IsUsed(const AddPropertyWizard& wizard, DWORD id) {
-    return std::find(wizard.usedIds->begin(), wizard.usedIds->end(), id) != wizard.usedIds->end();
+    const DWORD* used = wizard.usedIds;
+    while (used && *used != kEndOfIds && *used != id)
+        ++used;
+    return used && *used != kEndOfIds;
 }
 
 // Ends the page unless something is missing or refused.

@@ -1,10 +1,10 @@
 #include "viewer/valueeditor.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <string>
 
 #include "app/uiservices.h"
 #include "platform/controls.h"
@@ -17,6 +17,7 @@
 
 namespace {
 
+constexpr WCHAR kBeyondAscii = 0x80;
 constexpr int kSpareCharacters = 2; // behind a text read from its editor
 
 template <typename Small>
@@ -103,17 +104,19 @@ bool ReadSmallNumber(HWND dialog, WORD type, CEVALUNION* value) {
 
 namespace {
 
-// As far as the text is a number; a sign does not belong to it.
+// As far as the text is a number; a sign does not belong to it. The words for what is no finite number, which
+// the library would read as such, are none.
 double ParseMagnitude(const WCHAR* text) {
-    std::string narrow;
-    for (; *text && *text < 0x80; ++text)
-        narrow += static_cast<char>(*text);
-    if (narrow.starts_with('-'))
+    if (*text != u'.' && (*text < u'0' || *text > u'9'))
         return 0.0;
+    char narrow[kValueTextCapacity];
+    int length = 0;
+    for (; *text && *text < kBeyondAscii && length < kValueTextCapacity; ++text)
+        narrow[length++] = static_cast<char>(*text);
     double value = 0.0;
-    const auto [end, error] = std::from_chars(narrow.data(), narrow.data() + narrow.size(), value);
+    const auto [end, error] = std::from_chars(narrow, narrow + length, value);
     if (error == std::errc::result_out_of_range)
-        return narrow.find('-') < static_cast<std::size_t>(end - narrow.data()) ? 0.0 : HUGE_VAL;
+        return std::find(static_cast<const char*>(narrow), end, '-') != end ? 0.0 : HUGE_VAL;
     return value;
 }
 

@@ -42,7 +42,7 @@ bool InitValuePage(HWND dialog) {
     return false;
 }
 
-// False when the value was refused, which has been said.
+// False when the value was refused or could not be kept, which has been said.
 bool TakeValue(HWND dialog, CEPROPVAL* property) {
     const WORD type = TypeFromPropID(property->propid);
     property->val = {};
@@ -70,9 +70,9 @@ bool TakeValue(HWND dialog, CEPROPVAL* property) {
         return true;
     case CEVT_LPWSTR: {
         WCHAR* text = nullptr;
-        ReadEditorText(dialog, &text);
+        const bool read = ReadEditorText(dialog, &text);
         property->val.lpwstr = text;
-        return true;
+        return read; // without memory the page stays, and with it what was typed
     }
     }
     return false;

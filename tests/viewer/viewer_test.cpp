@@ -242,6 +242,43 @@ TEST_F(ViewerTest, SaysTwiceThatADatabaseCannotBeShown) {
     RunProgram();
 }
 
+TEST_F(ViewerTest, ReadsNumbersAndNothingElseIntoAFloat) {
+    MakeDatabase(u"Float", {{NumberValue(1, CEVT_R8, 7)}});
+    Do([](HWND) { App().settings->showWarning = 0; });
+    View(u"Float");
+    const struct {
+        const char16_t* typed;
+        const char16_t* stored;
+    } cases[] = {{u" -.5e1x", u"-5."}, {u"NaN", u"0."},  {u"3e0", u"3."}, {u"-Infinity", u"0."},
+                 {u"+4", u"4."},       {u"0x1F", u"0."}, {u"6.", u"6."},  {u"inf", u"0."}};
+    for (const auto& each : cases) {
+        TypeInto(IDC_VALUE_NUMBER, each.typed);
+        Press(Qt::Key_K, Qt::ControlModifier); // there is no next record, but the value is saved
+        ExpectEditor(IDC_VALUE_NUMBER, each.stored);
+    }
+    CloseViewer();
+    RunProgram();
+}
+
+TEST_F(ViewerTest, SaysThatMemoryIsShortWhenAddingAProperty) {
+    MakeDatabase(u"Full", {{TextValue(1, u"a")}});
+    View(u"Full");
+    std::vector<void*> blocks;
+    Do([&blocks](HWND) {
+        for (std::size_t bytes = 256 << 20; bytes != 0; bytes /= 2)
+            while (void* const block = LocalAlloc(LMEM_FIXED, bytes))
+                blocks.push_back(block);
+    });
+    ExpectMessage(kOutOfMemory);
+    Tap(IDC_VIEWER_ADD);
+    Do([&blocks](HWND) {
+        for (void* const block : blocks)
+            LocalFree(block);
+    });
+    Press(Qt::Key_Escape);
+    RunProgram();
+}
+
 TEST_F(ViewerTest, ABadDiskIsNotTheEndOfTheRecords) {
     const std::u16string filler(40000, u'x'); // too long to be read ahead
     MakeDatabase(u"People", {{TextValue(1, u"Ann"), TextValue(2, filler)}, {TextValue(1, filler)}});
