@@ -1,10 +1,12 @@
 // The list of the current record's properties.
 #include "app/uiservices.h"
 #include "lists/listsort.h"
+#include "platform/errors.h"
 #include "platform/text.h"
 #include "resources/resource.h"
 #include "store/propertyvalues.h"
 #include "viewer/recordviewer.h"
+#include "viewer/reporting.h"
 
 namespace {
 
@@ -77,6 +79,7 @@ void RecordViewer::FillPropertyList(CEPROPID propIdToSelect) {
     LocalFree(record.data);
     record = {};
     recordId = database->ReadRecord(&record);
+    const DWORD failure = recordId ? ERROR_SUCCESS : GetLastError();
 
     const int selectedBefore = SelectedRow(list);
     SendMessageW(list, WM_SETREDRAW, FALSE, 0);
@@ -107,6 +110,16 @@ void RecordViewer::FillPropertyList(CEPROPID propIdToSelect) {
         OnSelectionChanged();
     ReturnFocus(focus);
     ShowPosition();
+    ReportUnreadable(failure);
+}
+
+// A record that is gone, or a database that is closed, is no news; any other reason for an empty list is.
+void RecordViewer::ReportUnreadable(DWORD failure) {
+    if (failure == ERROR_SUCCESS || failure == ERROR_NO_MORE_ITEMS ||
+        database->handle == INVALID_HANDLE_VALUE)
+        return;
+    SetLastError(failure);
+    ReportAloud(*database, IDS_COULD_NOT_READ_RECORD, nullptr);
 }
 
 // To the editor that was hidden with the focus in it, so that one can type from record to record; to the list

@@ -43,7 +43,7 @@ public:
     // The same, leaving it to the caller to close the viewer.
     bool ReadDatabase(CEOID oidToSelect);
     // Reads the current record and lists its properties anew; selects one by its identifier, or the row
-    // selected before.
+    // selected before. A record that cannot be read is reported, and its list is empty.
     void FillPropertyList(CEPROPID propIdToSelect);
     void Navigate(UINT command);
     void SortBy(UINT command);
@@ -124,6 +124,7 @@ private:
     void InsertPropertyRows();
     void SelectRow(int row);
     void ReturnFocus(HWND focus);
+    void ReportUnreadable(DWORD failure);
     void ShowPosition();
     void HideEditors();
     void ShowEditorsFor(WORD type);

@@ -45,10 +45,9 @@ bool RecordViewer::ReadDatabase(CEOID oidToSelect) {
         return false;
     }
     recordIndex = 0;
-    Walk(&DbHandle::SeekFirst, &recordIndex);
     // A record that has been deleted meanwhile leaves the first one current.
-    if (oidToSelect && !database->SeekToRecord(oidToSelect, &recordIndex) &&
-        GetLastError() != ERROR_NO_MORE_ITEMS)
+    if (Walk(&DbHandle::SeekFirst, &recordIndex) && oidToSelect &&
+        !database->SeekToRecord(oidToSelect, &recordIndex) && GetLastError() != ERROR_NO_MORE_ITEMS)
         ReportAloud(*database, IDS_COULD_NOT_FIND_RECORD, nullptr);
     changePending = 0;
     return true;

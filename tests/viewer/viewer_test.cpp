@@ -293,7 +293,14 @@ TEST_F(ViewerTest, ABadDiskIsNotTheEndOfTheRecords) {
     ExpectMessage(unreachable); // and not that the text is nowhere
     Tap(IDOK);
     InWindow(IDD_VIEWER);
-    Do([this](HWND) { device.MendTable("records"); });
+    ExpectMessage(unreachable);
+    ExpectMessage(u"Couldn't read record in \"People\" database: Unknown error");
+    Choose(IDM_RECORD_RELOAD);
+    Do([this](HWND viewer) {
+        EXPECT_TRUE(Column(GetDlgItem(viewer, IDC_VIEWER_LIST), 0).empty());
+        device.MendTable("records");
+    });
+    Choose(IDM_RECORD_RELOAD);
     Press(Qt::Key_K, Qt::ControlModifier);
     ExpectPosition(u"Record\n2 of 2");
     CloseViewer();
