@@ -30,8 +30,10 @@ bool MakeFirstRecord(HWND owner, DbHandle& database, CEDBASEINFO* info) {
 bool HasRecords(HWND owner, const WCHAR* name) {
     DbHandle database(owner);
     CEDBASEINFO info;
-    if (database.Open(name, 0, 0) == INVALID_HANDLE_VALUE || !database.GetInfo(&info))
+    if (database.Open(name, 0, 0) == INVALID_HANDLE_VALUE)
         return true;
+    // Quirk: information that cannot be read has been reported, and comes as a zeroed block without records.
+    database.GetInfo(&info);
     return info.wNumRecords != 0 || MakeFirstRecord(owner, database, &info);
 }
 
