@@ -73,6 +73,10 @@ TEST_F(DatabaseListTest, ShowsSortsAndRemembers) {
     ExpectNames({u"beta", u"Alpha", u"gamma.new"});
     Choose(IDM_ARRANGE_BY_NAME);
     ExpectNames({u"gamma.new", u"beta", u"Alpha"});
+    Do([](HWND) { App().settings->sortKey = 3; }); // names too, in settings of older versions
+    Choose(IDM_REFRESH);
+    ExpectNames({u"gamma.new", u"beta", u"Alpha"});
+    Choose(IDM_ARRANGE_BY_NAME);
     Choose(IDM_VIEW_LARGE_ICONS);
     TapRow(IDC_LIST, u"beta");
     RunProgram();
