@@ -27,7 +27,7 @@ void ShowNumber(HWND dialog, int control, DWORD number) {
 
 void ShowSize(HWND dialog, DWORD bytes) {
     WCHAR text[kFieldCapacity] = {};
-    // The field of an empty database is blank, not 0.00KB; it is meant.
+    // Quirk: the field of an empty database is blank, not 0.00KB, as its owners know it.
     if (static_cast<LONG>(bytes) > 0) {
         WCHAR kilobytes[kSizeTextCapacity];
         FormatSizeText(bytes, kilobytes);

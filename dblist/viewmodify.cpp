@@ -26,12 +26,12 @@ bool MakeFirstRecord(HWND owner, DbHandle& database, CEDBASEINFO* info) {
 }
 
 // False when the user was asked and there is nothing to view. A database that cannot be opened has been
-// reported, and goes on to the viewer, which reports it again; it is kept so.
+// reported, and goes on to the viewer.
 bool HasRecords(HWND owner, const WCHAR* name) {
     DbHandle database(owner);
     CEDBASEINFO info;
     if (database.Open(name, 0, 0) == INVALID_HANDLE_VALUE)
-        return true;
+        return true; // Quirk: the viewer reports it again
     // Quirk: information that cannot be read has been reported, and comes as a zeroed block without records.
     database.GetInfo(&info);
     return info.wNumRecords != 0 || MakeFirstRecord(owner, database, &info);

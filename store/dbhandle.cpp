@@ -72,7 +72,7 @@ bool DbHandle::GetInfo(CEDBASEINFO* info) {
         return false;
     CEOIDINFO object = {};
     if (!CeOidGetInfo(oid, &object) || object.wObjType != OBJTYPE_DATABASE) {
-        // The text speaks of updating although this is a read; it is meant.
+        // Quirk: the text speaks of updating although this is a read; there is no other one.
         Report(IDS_COULD_NOT_UPDATE);
         return false;
     }
@@ -243,8 +243,8 @@ const WCHAR* DbHandle::ReportError(const WCHAR* format, const WCHAR* nameForMess
 }
 
 void DbHandle::ShowError(const WCHAR* format, const WCHAR* nameForMessage) {
-    // Name first, reason second, whatever the format asks for: one with a single place shows the name there,
-    // and is meant to.
+    // Quirk: name first, reason second, whatever the format asks for: one with a single argument shows the
+    // name where one would expect the reason.
     WCHAR message[2 * kTextRoom + kNameRoom];
     wsprintfW(message, format, nameForMessage ? nameForMessage : name, errorText);
     SetCursor(nullptr);

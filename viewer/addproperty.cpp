@@ -22,7 +22,7 @@ bool RunAddPropertyWizard(HWND owner, CEOID* record, CEPROPVAL* property, const 
     for (;;) {
         if (ShowTypePage(owner, &wizard) != IDOK)
             return false;
-        // Decided with the first "Next >>": coming back and unchecking does not undo it, and is meant not to.
+        // Quirk: decided with the first "Next >>"; coming back and unchecking does not undo it.
         if (wizard.newRecord)
             *record = 0;
         const int result = ShowValuePage(owner, &wizard);

@@ -54,7 +54,7 @@ void RecordViewer::CutProperty(HWND focus) {
     CEPROPVAL* property = SelectedProperty();
     if (property && App().settings->showWarning)
         property = ConfirmedProperty(*property, IDS_CONFIRM_DELETE_PROPERTY);
-    // A clipboard that cannot be opened does not keep the property from being deleted: it is meant.
+    // Quirk: a clipboard that cannot be opened does not keep the property from being deleted.
     if (!property || !PutPropertyOnClipboard(*property))
         return;
     database->DeleteProperty(recordId, property);
@@ -102,8 +102,8 @@ void RecordViewer::WritePasted(CEOID target, CEPROPVAL* property, bool clash) {
     database->reportErrors = 1;
     database->WriteProperty(target, property);
     database->reportErrors = 0;
-    // What undo keeps is the pasted value itself, so that undoing a paste over another value changes nothing;
-    // it is meant.
+    // Quirk: what undo keeps is the pasted value itself, so that undoing a paste over another value changes
+    // nothing.
     RememberForUndo(clash ? UndoKind::Changed : UndoKind::Added, *property);
     FillPropertyList(property->propid);
     saving = 0;

@@ -103,8 +103,8 @@ using IdList = std::unique_ptr<DWORD, decltype(&LocalFree)>;
 IdList IdsOf(const RecordBuffer& record) {
     const std::size_t bytes = (record.propCount + 1u) * sizeof(DWORD);
     IdList ids(static_cast<DWORD*>(LocalAlloc(LMEM_FIXED, bytes)), LocalFree);
-    for (WORD place = 0; ids && place < record.propCount; ++place)
-        ids.get()[place] = HIWORD(record.Properties()[place].propid);
+    for (WORD index = 0; ids && index < record.propCount; ++index)
+        ids.get()[index] = HIWORD(record.Properties()[index].propid);
     if (ids)
         ids.get()[record.propCount] = kEndOfIds;
     return ids;

@@ -45,8 +45,8 @@ bool PropertyContains(const CEPROPVAL& property, std::u16string_view wanted, con
 } // namespace
 
 bool RecordContains(const RecordBuffer& record, const FindOptions& options, CEPROPID* hit) {
-    for (WORD place = 0; place < record.propCount; ++place) {
-        const CEPROPVAL& property = record.Properties()[place];
+    for (WORD index = 0; index < record.propCount; ++index) {
+        const CEPROPVAL& property = record.Properties()[index];
         if (PropertyContains(property, options.text, options)) {
             *hit = property.propid;
             return true;

@@ -40,8 +40,8 @@ void PointAtPayload(CEPROPVAL* property, BYTE* payload) {
 }
 
 bool TextEnds(const WCHAR* text, DWORD characters) {
-    for (DWORD place = 0; place < characters; ++place)
-        if (text[place] == 0)
+    for (DWORD index = 0; index < characters; ++index)
+        if (text[index] == 0)
             return true;
     return false;
 }

@@ -24,11 +24,11 @@ void SetSubItemText(HWND list, int row, int column, WCHAR* text) {
     SendMessageW(list, LVM_SETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
 }
 
-void InsertPropertyRow(HWND list, int row, const CEPROPVAL& property, const WCHAR* typeName, WORD place) {
+void InsertPropertyRow(HWND list, int row, const CEPROPVAL& property, const WCHAR* typeName, WORD index) {
     LVITEMW item = {};
     item.mask = LVIF_TEXT | LVIF_PARAM;
     item.iItem = row;
-    item.lParam = place;
+    item.lParam = index;
     item.pszText = const_cast<WCHAR*>(typeName);
     SendMessageW(list, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
     WCHAR text[kLabelCapacity];
@@ -44,10 +44,10 @@ void SortProperties(HWND list) {
     SortListView(sort);
 }
 
-int RowOfPlace(HWND list, LPARAM place) {
+int RowOfIndex(HWND list, LPARAM index) {
     LVFINDINFOW find = {};
     find.flags = LVFI_PARAM;
-    find.lParam = place;
+    find.lParam = index;
     return static_cast<int>(
         SendMessageW(list, LVM_FINDITEMW, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&find)));
 }
@@ -57,11 +57,11 @@ int RowOfPlace(HWND list, LPARAM place) {
 void RecordViewer::InsertPropertyRows() {
     const HWND list = Control(IDC_VIEWER_LIST);
     int row = 0;
-    for (WORD place = 0; place < record.propCount; ++place) {
-        const CEPROPVAL& property = record.Properties()[place];
+    for (WORD index = 0; index < record.propCount; ++index) {
+        const CEPROPVAL& property = record.Properties()[index];
         // A type that nobody knows is kept in the record and gets no row.
         if (const WCHAR* typeName = TypeListName(TypeFromPropID(property.propid)))
-            InsertPropertyRow(list, row++, property, typeName, place);
+            InsertPropertyRow(list, row++, property, typeName, index);
     }
 }
 
@@ -92,7 +92,7 @@ void RecordViewer::FillPropertyList(CEPROPID propIdToSelect) {
 
     // Selecting raises the notification that shows the value; nothing else here does.
     const CEPROPVAL* wanted = propIdToSelect == kSelectNone ? nullptr : FindProperty(propIdToSelect);
-    int row = wanted ? RowOfPlace(list, wanted - record.Properties()) : -1;
+    int row = wanted ? RowOfIndex(list, wanted - record.Properties()) : -1;
     if (row >= 0) {
         SelectRow(row);
         SortProperties(list);
@@ -154,9 +154,9 @@ CEPROPVAL* RecordViewer::SelectedProperty() const {
 }
 
 CEPROPVAL* RecordViewer::FindProperty(CEPROPID identifier) const {
-    for (WORD place = 0; place < record.propCount; ++place)
-        if (record.Properties()[place].propid == identifier)
-            return record.Properties() + place;
+    for (WORD index = 0; index < record.propCount; ++index)
+        if (record.Properties()[index].propid == identifier)
+            return record.Properties() + index;
     return nullptr;
 }
 
@@ -166,7 +166,7 @@ void RecordViewer::OnSelectionChanged() {
         EnableWindow(Control(IDC_VIEWER_DELETE), FALSE);
         return;
     }
-    // The Delete button stays disabled when the edited property was only deselected meanwhile: it is meant.
+    // Quirk: the Delete button stays disabled when the edited property was only deselected meanwhile.
     if (index == editedProperty)
         return;
     if (IsEdited(editedProperty)) {

@@ -96,7 +96,7 @@ public:
     WCHAR databaseName[kNameCapacity] = {};
     HWND dialog = nullptr;
     DbHandle* database = nullptr; // owned
-    DWORD recordIndex = 0;        // place of the current record in the current order
+    DWORD recordIndex = 0;        // of the current record in the current order
     RecordBuffer record;
     CEOID recordId = 0;
     HWND menuBar = nullptr;

@@ -11,7 +11,7 @@
 namespace {
 
 constexpr DWORD kReloadDelay = 500; // milliseconds, so that many changes make one reload
-constexpr int kSortPlaces = 4;
+constexpr int kSortItems = 4;
 
 } // namespace
 
@@ -87,8 +87,7 @@ void RecordViewer::Navigate(UINT command) {
         moved = Walk(&DbHandle::SeekLast, &recordIndex);
         break;
     }
-    // A step that leads nowhere leaves the value in its editor, which no longer belongs to a property: it is
-    // meant.
+    // Quirk: a step that leads nowhere leaves the value in its editor, which no longer belongs to a property.
     if (!moved && !saved)
         return;
     ForgetUndo();
@@ -97,20 +96,20 @@ void RecordViewer::Navigate(UINT command) {
 
 void RecordViewer::FillSortMenu() {
     const HMENU menu = reinterpret_cast<HMENU>(SendMessageW(menuBar, SHCMBM_GETMENU, 0, 0));
-    for (int place = 0; place < kSortPlaces; ++place) {
-        const UINT item = IDM_SORT_FIRST + place;
-        if (!HasSort(place)) {
+    for (int sort = 0; sort < kSortItems; ++sort) {
+        const UINT item = IDM_SORT_FIRST + sort;
+        if (!HasSort(sort)) {
             DeleteMenu(menu, item, MF_BYCOMMAND);
             continue;
         }
         WCHAR label[kLabelCapacity];
-        SortMenuLabel(info.rgSortSpecs[place].propid, label);
+        SortMenuLabel(info.rgSortSpecs[sort].propid, label);
         ModifyMenuW(menu, item, MF_BYCOMMAND, item, label);
     }
     CheckMenuRadioItem(menu, IDM_SORT_FIRST, IDM_SORT_UNSORTED, IDM_SORT_UNSORTED, MF_BYCOMMAND);
 }
 
-// What stands in the editor is given up unasked: it is meant.
+// Quirk: what stands in the editor is given up unasked.
 void RecordViewer::SortBy(UINT command) {
     const int sort = static_cast<int>(command) - IDM_SORT_FIRST;
     if (sort == currentSort)

@@ -12,7 +12,7 @@ namespace {
 // A blob has no editor, so it cannot be chosen.
 constexpr WORD kOfferedTypes[] = {CEVT_I2,       CEVT_UI2,  CEVT_I4, CEVT_UI4,
                                   CEVT_FILETIME, CEVT_BOOL, CEVT_R8, CEVT_LPWSTR};
-constexpr DWORD kIdLimit = 65535; // the first that is refused, although the message allows it; it is meant
+constexpr DWORD kIdLimit = 65535; // Quirk: the first that is refused, although the message allows it
 constexpr int kIdCapacity = 16;
 constexpr int kIdShift = 16; // an id is the high half of a property's identifier
 
@@ -26,7 +26,7 @@ void FillTypeList(HWND dialog, DWORD chosen) {
             ToTypeList(dialog, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(TypeListName(type)));
         ToTypeList(dialog, CB_SETITEMDATA, static_cast<WPARAM>(item), type);
     }
-    // The list is sorted, so places are known only now.
+    // The list is sorted, so indexes are known only now.
     LRESULT selected = 0;
     const LRESULT count = ToTypeList(dialog, CB_GETCOUNT, 0, 0);
     for (LRESULT item = 0; item < count; ++item)

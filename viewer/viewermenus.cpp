@@ -33,7 +33,7 @@ bool HasTextSelection(HWND editor) {
     return start != end;
 }
 
-// Select All keeps the state that it had: only the other branch ever sets it. It is kept so.
+// Quirk: Select All keeps the state that it had, for only the other branch ever sets it.
 void UpdateForEditor(const CommandState& state, HWND editor) {
     const bool selection = HasTextSelection(editor);
     state.Enable(IDM_EDIT_COPY, selection);
