@@ -155,6 +155,17 @@ TEST_F(DatabaseListTest, CopiesAndRenames) {
     Tap(IDOK);
     InMainWindow();
     ExpectNames({u"Alpha", u"beta", u"gamma.new", u"zeta"});
+    // A copy without all records is not made in silence.
+    TapRow(IDC_LIST, u"beta");
+    Press(Qt::Key_C, Qt::ControlModifier);
+    InWindow(IDD_NEW_NAME);
+    Type(u"cut");
+    Do([this](HWND) { device.BreakTable("records"); });
+    ExpectMessage(u"Couldn't find record in \"beta\" database: Unknown error");
+    Press(Qt::Key_Return);
+    InMainWindow();
+    Do([this](HWND) { device.MendTable("records"); });
+    ExpectNames({u"Alpha", u"beta", u"cut", u"gamma.new", u"zeta"});
     RunProgram();
     EXPECT_EQ(Contents(u"zeta"), Contents(u"Alpha"));
 }
