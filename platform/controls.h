@@ -205,3 +205,96 @@ struct NMLVDISPINFOW {
     NMHDR hdr;
     LVITEMW item; // LVN_ENDLABELEDITW: pszText is the new text, null when the edit was cancelled
 };
+
+// ---- the list view's and its header's messages as calls ----
+inline int ListView_GetItemCount(HWND list) {
+    return static_cast<int>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0));
+}
+inline int ListView_GetSelectedCount(HWND list) {
+    return static_cast<int>(SendMessageW(list, LVM_GETSELECTEDCOUNT, 0, 0));
+}
+inline int ListView_GetNextItem(HWND list, int after, UINT flags) {
+    return static_cast<int>(SendMessageW(list, LVM_GETNEXTITEM, static_cast<WPARAM>(after), flags));
+}
+inline int ListView_FindItem(HWND list, const LVFINDINFOW& wanted) {
+    return static_cast<int>(
+        SendMessageW(list, LVM_FINDITEMW, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&wanted)));
+}
+inline bool ListView_GetItem(HWND list, LVITEMW* item) {
+    return SendMessageW(list, LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(item)) != 0;
+}
+inline void ListView_SetItem(HWND list, const LVITEMW& item) {
+    SendMessageW(list, LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+}
+// The row that it became; -1 on failure.
+inline int ListView_InsertItem(HWND list, const LVITEMW& item) {
+    return static_cast<int>(SendMessageW(list, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)));
+}
+// Empty when there is no such cell; cut where the room ends.
+template <int capacity>
+void ListView_GetItemText(HWND list, int row, int column, WCHAR (&text)[capacity]) {
+    text[0] = 0;
+    LVITEMW item = {};
+    item.iSubItem = column;
+    item.pszText = text;
+    item.cchTextMax = capacity;
+    SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+}
+inline void ListView_SetItemText(HWND list, int row, int column, const WCHAR* text) {
+    LVITEMW item = {};
+    item.iSubItem = column;
+    item.pszText = const_cast<WCHAR*>(text);
+    SendMessageW(list, LVM_SETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+}
+inline UINT ListView_GetItemState(HWND list, int row, UINT mask) {
+    return static_cast<UINT>(SendMessageW(list, LVM_GETITEMSTATE, static_cast<WPARAM>(row), mask));
+}
+// Row -1: all rows.
+inline void ListView_SetItemState(HWND list, int row, UINT state, UINT mask) {
+    LVITEMW item = {};
+    item.state = state;
+    item.stateMask = mask;
+    SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+}
+inline void ListView_DeleteAllItems(HWND list) {
+    SendMessageW(list, LVM_DELETEALLITEMS, 0, 0);
+}
+inline void ListView_EnsureVisible(HWND list, int row) {
+    SendMessageW(list, LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
+}
+inline int ListView_GetTopIndex(HWND list) {
+    return static_cast<int>(SendMessageW(list, LVM_GETTOPINDEX, 0, 0));
+}
+inline int ListView_GetCountPerPage(HWND list) {
+    return static_cast<int>(SendMessageW(list, LVM_GETCOUNTPERPAGE, 0, 0));
+}
+inline void ListView_SortItems(HWND list, PFNLVCOMPARE compare, LPARAM param) {
+    SendMessageW(list, LVM_SORTITEMS, static_cast<WPARAM>(param), reinterpret_cast<LPARAM>(compare));
+}
+inline void ListView_InsertColumn(HWND list, int column, const LVCOLUMNW& info) {
+    SendMessageW(list, LVM_INSERTCOLUMNW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&info));
+}
+inline void ListView_SetColumnWidth(HWND list, int column, int pixels) {
+    SendMessageW(list, LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(column), pixels);
+}
+inline void ListView_SetExtendedListViewStyleEx(HWND list, DWORD mask, DWORD styles) {
+    SendMessageW(list, LVM_SETEXTENDEDLISTVIEWSTYLE, mask, styles);
+}
+inline void ListView_SetImageList(HWND list, HIMAGELIST images, int kind) {
+    SendMessageW(list, LVM_SETIMAGELIST, static_cast<WPARAM>(kind), reinterpret_cast<LPARAM>(images));
+}
+inline HWND ListView_GetHeader(HWND list) {
+    return reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
+}
+inline int Header_GetItemCount(HWND header) {
+    return static_cast<int>(SendMessageW(header, HDM_GETITEMCOUNT, 0, 0));
+}
+inline void Header_GetItem(HWND header, int column, HDITEMW* item) {
+    SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(item));
+}
+inline void Header_SetItem(HWND header, int column, const HDITEMW& item) {
+    SendMessageW(header, HDM_SETITEMW, static_cast<WPARAM>(column), reinterpret_cast<LPARAM>(&item));
+}
+inline void Header_SetImageList(HWND header, HIMAGELIST images) {
+    SendMessageW(header, HDM_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(images));
+}
