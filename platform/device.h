@@ -15,3 +15,7 @@ bool UseDevice(const std::string& folder);
 const std::string& DeviceFolder();
 std::string DeviceStorePath();
 std::string DeviceRootFolder();
+
+// Opens the store of the chosen device, and makes it when it is missing. False with one of the object store's
+// last errors when it cannot be used. A store that can only be read can be used.
+bool OpenDeviceStore();
