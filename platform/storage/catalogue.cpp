@@ -72,7 +72,7 @@ const DatabaseRow* Catalogue::FindByName(std::u16string_view name) {
     const std::u16string folded = Fold(name);
     const auto known = names.find(folded);
     if (known != names.end())
-        return &rows[known->second];
+        return &rows.at(known->second);
     Statement select(connection,
                      "SELECT oid, name, type, records, bytes, modified, sortorders, version, deletions, "
                      "lastdeleted FROM databases WHERE folded = ?1");

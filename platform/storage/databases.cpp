@@ -9,6 +9,7 @@
 #include "platform/objectstore.h"
 #include "platform/storage/deletion.h"
 #include "platform/storage/fold.h"
+#include "platform/storage/guard.h"
 #include "platform/storage/opendatabase.h"
 #include "platform/storage/sortkey.h"
 
@@ -73,16 +74,12 @@ void TakeSortOrders(CEDBASEINFO& info, WORD count, const SORTORDERSPEC* specs) {
     std::copy_n(specs, count, info.rgSortSpecs);
 }
 
-bool ChangeInfo(Store& store, CEOID oid, const CEDBASEINFO& info, bool reorder) {
-    WriteTransaction transaction(store);
-    const DatabaseRow* found = transaction.Begun() ? store.catalogue.Find(oid) : nullptr;
-    if (!found)
-        return false;
-    DatabaseRow row = *found;
+// The row as the valid members of `info` make it. False with the last error set.
+bool TakeInfo(Store& store, const CEDBASEINFO& info, bool reorder, DatabaseRow& row) {
     row.info.ftLastModified = Now();
     if ((info.dwFlags & CEDB_VALIDNAME) != 0) {
         const std::u16string_view name(info.szDbaseName, NameLength(info.szDbaseName));
-        if (!NameIsFree(store, name, oid))
+        if (!NameIsFree(store, name, row.oid))
             return false;
         std::fill(std::begin(row.info.szDbaseName), std::end(row.info.szDbaseName), u'\0');
         name.copy(row.info.szDbaseName, name.size());
@@ -91,10 +88,22 @@ bool ChangeInfo(Store& store, CEOID oid, const CEDBASEINFO& info, bool reorder) 
         row.info.dwDbaseType = info.dwDbaseType;
     if (reorder)
         TakeSortOrders(row.info, info.wNumSortOrder, info.rgSortSpecs);
-    if (!store.catalogue.StoreAll(row) || (reorder && !WriteAllSortKeys(store, row)) || !transaction.Commit())
-        return false;
-    store.catalogue.Keep(row);
     return true;
+}
+
+bool ChangeInfo(Store& store, CEOID oid, const CEDBASEINFO& info, bool reorder) {
+    DatabaseRow row;
+    if (!InTransaction(store, Change::Adds, [&] {
+            const DatabaseRow* found = store.catalogue.Find(oid);
+            if (!found)
+                return false;
+            row = *found;
+            return TakeInfo(store, info, reorder, row) && store.catalogue.StoreAll(row) &&
+                   (!reorder || WriteAllSortKeys(store, row));
+        }))
+        return false;
+    store.AfterCommit([&] { store.catalogue.Keep(row); });
+    return store.Sync();
 }
 
 // The number of the sort order on a property, -1 for property 0, -2 when there is none.
@@ -107,12 +116,31 @@ int FindSortOrder(const CEDBASEINFO& info, CEPROPID property) {
     return -2;
 }
 
-} // namespace
-} // namespace storage
+// While it lives nobody has the database open.
+class AloneWith {
+public:
+    AloneWith(Store& store, CEOID database) : store(store), database(database) {
+        had = store.KeepLocks() && store.locks.HoldAlone(database);
+    }
+    AloneWith(const AloneWith&) = delete;
+    AloneWith& operator=(const AloneWith&) = delete;
+    ~AloneWith() {
+        if (had) {
+            const DWORD cause = GetLastError();
+            store.locks.ReleaseAlone(database);
+            SetLastError(cause);
+        }
+    }
+    // False with the last error set.
+    bool Had() const { return had; }
 
-using namespace storage;
+private:
+    Store& store;
+    CEOID database;
+    bool had;
+};
 
-HANDLE CeFindFirstDatabase(DWORD type) {
+HANDLE FindFirst(DWORD type) {
     Store* store = TheStore();
     if (!store)
         return INVALID_HANDLE_VALUE;
@@ -122,6 +150,78 @@ HANDLE CeFindFirstDatabase(DWORD type) {
     while (select.Row())
         enumeration->databases.push_back(static_cast<CEOID>(select.Number(0)));
     return select.Failed() ? INVALID_HANDLE_VALUE : AddKernelObject(std::move(enumeration));
+}
+
+CEOID Create(std::u16string_view name, DWORD type, WORD sortOrders, const SORTORDERSPEC* specs) {
+    Store* store = TheStore();
+    if (!store)
+        return 0;
+    DatabaseRow row;
+    row.info.dwFlags = kAllInfoValid;
+    name.copy(row.info.szDbaseName, name.size());
+    row.info.dwDbaseType = type;
+    TakeSortOrders(row.info, sortOrders, specs);
+    if (!InTransaction(*store, Change::Adds, [&] {
+            if (!NameIsFree(*store, name, 0))
+                return false;
+            row.oid = store->NewIdentifier();
+            row.info.ftLastModified = Now();
+            return row.oid != 0 && store->catalogue.Insert(row);
+        }))
+        return 0;
+    store->AfterCommit([&] { store->catalogue.Keep(row); });
+    return store->Sync() ? row.oid : 0;
+}
+
+HANDLE Open(CEOID* oid, const WCHAR* name, CEPROPID sort, HWND notify) {
+    Store* store = TheStore();
+    if (!store)
+        return INVALID_HANDLE_VALUE;
+    const DatabaseRow* row = *oid != 0 ? store->catalogue.Find(*oid) : store->catalogue.FindByName(name);
+    if (!row)
+        return INVALID_HANDLE_VALUE;
+    const CEOID database = row->oid;
+    Holding holding(*store);
+    if (!store->KeepLocks() || !holding.Take(database))
+        return INVALID_HANDLE_VALUE;
+    // It may have been deleted just before it was held.
+    store->Refresh();
+    row = store->catalogue.Find(database);
+    if (!row)
+        return INVALID_HANDLE_VALUE;
+    const int order = FindSortOrder(row->info, sort);
+    if (order < -1) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return INVALID_HANDLE_VALUE;
+    }
+    auto open = std::make_unique<OpenDatabase>(*store, holding, *row, order, notify);
+    if (notify && !open->StartWatching())
+        return INVALID_HANDLE_VALUE;
+    const HANDLE handle = AddKernelObject(std::move(open));
+    *oid = database;
+    return handle;
+}
+
+BOOL SetInfo(CEOID oid, const CEDBASEINFO& info) {
+    Store* store = TheStore();
+    const DatabaseRow* row = store ? store->catalogue.Find(oid) : nullptr;
+    if (!row)
+        return FALSE;
+    if ((info.dwFlags & CEDB_VALIDSORTSPEC) == 0 || SameSortOrders(row->info, info))
+        return ChangeInfo(*store, oid, info, false) ? TRUE : FALSE;
+    // Handles stand in the orders as they are: nobody may have the database open.
+    const AloneWith alone(*store, oid);
+    return alone.Had() && ChangeInfo(*store, oid, info, true) ? TRUE : FALSE;
+}
+
+} // namespace
+} // namespace storage
+
+using namespace storage;
+
+HANDLE CeFindFirstDatabase(DWORD type) {
+    return Guarded(
+        INVALID_HANDLE_VALUE, [&] { return FindFirst(type); });
 }
 
 CEOID CeFindNextDatabase(HANDLE handle) {
@@ -138,14 +238,18 @@ CEOID CeFindNextDatabase(HANDLE handle) {
 }
 
 BOOL CeOidGetInfo(CEOID oid, CEOIDINFO* info) {
-    Store* store = TheStore();
-    const DatabaseRow* row = store ? store->catalogue.Find(oid) : nullptr;
-    if (!row)
-        return FALSE;
-    info->wObjType = OBJTYPE_DATABASE;
-    info->wPad = 0;
-    info->infDatabase = row->info;
-    return TRUE;
+    return Guarded(
+        FALSE,
+        [&] {
+            Store* store = TheStore();
+            const DatabaseRow* row = store ? store->catalogue.Find(oid) : nullptr;
+            if (!row)
+                return FALSE;
+            info->wObjType = OBJTYPE_DATABASE;
+            info->wPad = 0;
+            info->infDatabase = row->info;
+            return TRUE;
+        });
 }
 
 CEOID CeCreateDatabase(const WCHAR* name, DWORD type, WORD sortOrders, const SORTORDERSPEC* specs) {
@@ -156,24 +260,7 @@ CEOID CeCreateDatabase(const WCHAR* name, DWORD type, WORD sortOrders, const SOR
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
-    Store* store = TheStore();
-    if (!store)
-        return 0;
-    WriteTransaction transaction(*store);
-    const std::u16string_view named(name, length);
-    if (!transaction.Begun() || !NameIsFree(*store, named, 0))
-        return 0;
-    DatabaseRow row;
-    row.oid = store->NewIdentifier();
-    row.info.dwFlags = kAllInfoValid;
-    named.copy(row.info.szDbaseName, length);
-    row.info.dwDbaseType = type;
-    row.info.ftLastModified = Now();
-    TakeSortOrders(row.info, sortOrders, specs);
-    if (row.oid == 0 || !store->catalogue.Insert(row) || !transaction.Commit())
-        return 0;
-    store->catalogue.Keep(row);
-    return row.oid;
+    return Guarded(CEOID{0}, [&] { return Create({name, length}, type, sortOrders, specs); });
 }
 
 HANDLE CeOpenDatabase(CEOID* oid, const WCHAR* name, CEPROPID sort, DWORD flags, HWND notify) {
@@ -181,28 +268,7 @@ HANDLE CeOpenDatabase(CEOID* oid, const WCHAR* name, CEPROPID sort, DWORD flags,
         SetLastError(ERROR_INVALID_PARAMETER);
         return INVALID_HANDLE_VALUE;
     }
-    Store* store = TheStore();
-    if (!store)
-        return INVALID_HANDLE_VALUE;
-    const DatabaseRow* row = *oid != 0 ? store->catalogue.Find(*oid) : store->catalogue.FindByName(name);
-    if (!row)
-        return INVALID_HANDLE_VALUE;
-    const CEOID database = row->oid;
-    if (!store->locks.Hold(database)) {
-        SetLastError(ERROR_SHARING_VIOLATION);
-        return INVALID_HANDLE_VALUE;
-    }
-    // It may have been deleted just before it was held.
-    store->Refresh();
-    row = store->catalogue.Find(database);
-    const int order = row ? FindSortOrder(row->info, sort) : -1;
-    if (!row || order < -1) {
-        store->locks.Release(database);
-        SetLastError(row ? ERROR_INVALID_PARAMETER : GetLastError());
-        return INVALID_HANDLE_VALUE;
-    }
-    *oid = database;
-    return AddKernelObject(std::make_unique<OpenDatabase>(*store, *row, order, notify));
+    return Guarded(INVALID_HANDLE_VALUE, [&] { return Open(oid, name, sort, notify); });
 }
 
 BOOL CeSetDatabaseInfo(CEOID oid, const CEDBASEINFO* info) {
@@ -211,33 +277,19 @@ BOOL CeSetDatabaseInfo(CEOID oid, const CEDBASEINFO* info) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }
-    Store* store = TheStore();
-    const DatabaseRow* row = store ? store->catalogue.Find(oid) : nullptr;
-    if (!row)
-        return FALSE;
-    if ((info->dwFlags & CEDB_VALIDSORTSPEC) == 0 || SameSortOrders(row->info, *info))
-        return ChangeInfo(*store, oid, *info, false) ? TRUE : FALSE;
-    // Handles stand in the orders as they are: nobody may have the database open.
-    if (!store->locks.HoldAlone(oid)) {
-        SetLastError(ERROR_SHARING_VIOLATION);
-        return FALSE;
-    }
-    const bool changed = ChangeInfo(*store, oid, *info, true);
-    store->locks.ReleaseAlone(oid);
-    return changed ? TRUE : FALSE;
+    return Guarded(FALSE, [&] { return SetInfo(oid, *info); });
 }
 
 BOOL CeDeleteDatabase(CEOID oid) {
-    Store* store = TheStore();
-    if (!store || !store->catalogue.Find(oid))
-        return FALSE;
-    if (!store->locks.HoldAlone(oid)) {
-        SetLastError(ERROR_SHARING_VIOLATION);
-        return FALSE;
-    }
-    const bool deleted = DeleteDatabase(*store, oid);
-    store->locks.ReleaseAlone(oid);
-    return deleted ? TRUE : FALSE;
+    return Guarded(
+        FALSE,
+        [&] {
+            Store* store = TheStore();
+            if (!store || !store->catalogue.Find(oid))
+                return FALSE;
+            const AloneWith alone(*store, oid);
+            return alone.Had() && DeleteDatabase(*store, oid) ? TRUE : FALSE;
+        });
 }
 
 BOOL GetStoreInformation(STORE_INFORMATION* information) {

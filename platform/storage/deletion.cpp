@@ -1,5 +1,6 @@
 #include "platform/storage/deletion.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "platform/storage/opendatabase.h"
@@ -8,35 +9,61 @@ namespace storage {
 
 namespace {
 
-bool DeleteContents(Store& store, CEOID database) {
-    Statement records(store.connection, "DELETE FROM records WHERE id >= ?1 AND id <= ?2");
-    records.Bind(RecordRow(database, 0)).Bind(RecordRow(database, 0xFFFFFFFF));
-    return records.Run() && DeleteSortKeys(store, database);
+// The databases that own records or sort keys but are not there. False with the last error set.
+bool FindLeftovers(Store& store, std::vector<CEOID>& leftovers) {
+    static_assert(CEDB_MAXSORTORDER == 4);
+    Statement select(
+        store.connection,
+        "WITH RECURSIVE "
+        "owners(oid) AS (SELECT min(id) >> 32 FROM records UNION ALL "
+        "SELECT (SELECT min(id) >> 32 FROM records WHERE id > (oid << 32 | 0xFFFFFFFF)) FROM owners "
+        "WHERE oid IS NOT NULL), "
+        "sorted(oid) AS (SELECT min(place) / 4 FROM sortkeys UNION ALL "
+        "SELECT (SELECT min(place) / 4 FROM sortkeys WHERE place >= 4 * oid + 4) FROM sorted "
+        "WHERE oid IS NOT NULL) "
+        "SELECT oid FROM (SELECT oid & 0xFFFFFFFF AS oid FROM owners WHERE oid IS NOT NULL UNION "
+        "SELECT oid FROM sorted WHERE oid BETWEEN 0 AND 0xFFFFFFFF) "
+        "WHERE oid NOT IN (SELECT oid FROM databases)");
+    while (select.Row())
+        leftovers.push_back(static_cast<CEOID>(select.Number(0)));
+    return !select.Failed();
 }
 
-bool DeleteRows(Store& store, CEOID database, bool contentsToo) {
-    WriteTransaction transaction(store);
-    if (!transaction.Begun() || !store.catalogue.Find(database))
-        return false;
-    if ((contentsToo && !DeleteContents(store, database)) || !store.catalogue.Remove(database) ||
-        !transaction.Commit())
-        return false;
-    store.catalogue.Forget(database);
+// Deletes rows of a range in steps until none is left, in smaller ones when the disk is full: the log takes
+// every page that a step touches.
+bool DeleteInSteps(Store& store, const char* sql, std::int64_t first, std::int64_t last) {
+    constexpr int kMostRows = 256;
+    constexpr int kFewer = 8;
+    int rows = kMostRows;
+    int deleted = 0;
+    do {
+        const bool done = InTransaction(store, Change::Frees, [&] {
+            Statement remove(store.connection, sql);
+            const bool removed = remove.Bind(first).Bind(last).Bind(rows).Run();
+            deleted = store.connection.Changes();
+            return removed;
+        });
+        if (!done && (GetLastError() != ERROR_DISK_FULL || rows == 1))
+            return false;
+        if (!done) {
+            rows = std::max(1, rows / kFewer);
+            deleted = rows;
+        }
+    } while (deleted == rows);
     return true;
 }
 
-// The databases that own records but are not there.
-std::vector<CEOID> FindLeftovers(Store& store) {
-    std::vector<CEOID> leftovers;
-    CEOID previous = 0;
-    while (true) {
-        Statement select(store.connection, "SELECT id >> 32 FROM records WHERE id > ?1 ORDER BY id LIMIT 1");
-        if (!select.Bind(RecordRow(previous, 0xFFFFFFFF)).Row())
-            return leftovers;
-        previous = static_cast<CEOID>(select.Number(0));
-        if (!store.catalogue.Find(previous) && GetLastError() == ERROR_FILE_NOT_FOUND)
-            leftovers.push_back(previous);
-    }
+bool DeleteContents(Store& store, CEOID database) {
+    const std::int64_t place = std::int64_t{database} * CEDB_MAXSORTORDER;
+    return DeleteInSteps(store,
+                         "DELETE FROM records WHERE id IN (SELECT id FROM records "
+                         "WHERE id >= ?1 AND id <= ?2 ORDER BY id LIMIT ?3)",
+                         RecordRow(database, 0), RecordRow(database, 0xFFFFFFFF)) &&
+           DeleteInSteps(store,
+                         "DELETE FROM sortkeys WHERE (place, key, record) IN "
+                         "(SELECT place, key, record FROM sortkeys WHERE place >= ?1 AND place <= ?2 "
+                         "ORDER BY place, key, record LIMIT ?3)",
+                         place, place + CEDB_MAXSORTORDER - 1);
 }
 
 } // namespace
@@ -48,23 +75,27 @@ bool DeleteSortKeys(Store& store, CEOID database) {
 }
 
 bool DeleteDatabase(Store& store, CEOID database) {
-    if (DeleteRows(store, database, true))
-        return true;
-    if (GetLastError() != ERROR_DISK_FULL)
+    const bool wasTidy = store.locks.IsTidy();
+    store.locks.SetTidy(false);
+    if (!InTransaction(store, Change::Frees,
+                       [&] { return store.catalogue.Find(database) && store.catalogue.Remove(database); }))
         return false;
-    // The log of a deletion grows with what is deleted. Taking the database alone out is a matter of a few
-    // pages; its records, whose identifiers never come back, stay unseen until there is room to delete them.
-    store.locks.GiveRoomBack();
-    return DeleteRows(store, database, false);
+    store.catalogue.Forget(database);
+    if (DeleteContents(store, database) && wasTidy)
+        store.locks.SetTidy(true);
+    return store.Sync();
 }
 
 void TidyUp(Store& store) {
-    for (const CEOID database : FindLeftovers(store)) {
-        WriteTransaction transaction(store);
-        if (!transaction.Begun() || !DeleteContents(store, database) || !transaction.Commit())
-            return;
+    std::vector<CEOID> leftovers;
+    if (!store.locks.IsTidy() && FindLeftovers(store, leftovers)) {
+        bool tidy = true;
+        for (const CEOID database : leftovers)
+            tidy = DeleteContents(store, database) && tidy;
+        store.locks.SetTidy(tidy && store.Sync());
     }
-    store.locks.SetRoomAside();
+    if (!store.locks.HasRoom())
+        store.locks.SetRoomAside();
 }
 
 } // namespace storage

@@ -5,13 +5,14 @@
 
 namespace storage {
 
-// Deletes a database with everything that it holds. On a full disk the room set aside is given up for it.
-// False with the last error set.
+// Deletes a database with everything that it holds. It is gone when its row is; what it leaves is deleted in
+// small steps, for each takes room of the log, and on a later opening when that cannot be done now. False
+// with the last error set.
 bool DeleteDatabase(Store& store, CEOID database);
 // Within a write transaction.
 bool DeleteSortKeys(Store& store, CEOID database);
-// Deletes what databases left behind that were deleted on a full disk, and sets room aside again. To be
-// called when no room is set aside; does what it can.
+// Deletes what earlier deletions left, unless nothing is known to be left, and sets room aside for later
+// ones. To be called with the setup lock.
 void TidyUp(Store& store);
 
 } // namespace storage

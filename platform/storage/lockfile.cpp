@@ -1,60 +1,118 @@
 #include "platform/storage/lockfile.h"
 
 #include <cerrno>
+#include <cstddef>
 #include <fcntl.h>
+#include <fstream>
+#include <functional>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include "platform/errors.h"
+#include "platform/storage/waiting.h"
 
 namespace storage {
 
 namespace {
 
 constexpr std::int64_t kFileBytes = 4096;
-constexpr std::int64_t kRoomBytes = 64 * 1024; // some fifteen pages of a log
+// What SQLite's shared memory takes, and some twenty pages of a log.
+constexpr std::int64_t kRoomBytes = 128 * 1024;
 // Locks lie where there is nothing to read: a byte for the set-up, then one for each identifier.
 constexpr std::int64_t kSetupOffset = kFileBytes;
 constexpr std::int64_t kDatabaseOffset = kFileBytes + 4096;
 
 static_assert(std::atomic<std::uint64_t>::is_always_lock_free);
+static_assert(std::atomic<std::uint32_t>::is_always_lock_free);
+
+bool IsTaken(int cause) {
+    return cause == EAGAIN || cause == EACCES;
+}
+
+DWORD ErrorOfLock(int cause) {
+    return cause == 0 ? ERROR_SUCCESS : IsTaken(cause) ? ERROR_SHARING_VIOLATION : ERROR_GEN_FAILURE;
+}
+
+DWORD ErrorOfOpening(int cause) {
+    switch (cause) {
+    case ENOSPC:
+    case EDQUOT:
+        return ERROR_DISK_FULL;
+    case EROFS:
+    case EACCES:
+    case EPERM:
+        return ERROR_WRITE_PROTECT;
+    case EMFILE:
+    case ENFILE:
+    case ENOMEM:
+        return ERROR_NOT_ENOUGH_MEMORY;
+    case EIO:
+        return ERROR_GEN_FAILURE;
+    default:
+        return ERROR_ACCESS_DENIED;
+    }
+}
 
 // Real bytes, since a hole that cannot be filled later would kill the process that touches it.
-bool Fill(int file) {
+DWORD Fill(int file) {
     struct stat status {};
     if (fstat(file, &status) != 0)
-        return false;
+        return ERROR_GEN_FAILURE;
+    if (!S_ISREG(status.st_mode))
+        return ERROR_FILE_CORRUPT;
     if (status.st_size >= kFileBytes)
-        return true;
+        return ERROR_SUCCESS;
     const char zeros[kFileBytes] = {};
     const ssize_t missing = static_cast<ssize_t>(kFileBytes - status.st_size);
-    return pwrite(file, zeros, static_cast<std::size_t>(missing), status.st_size) == missing;
+    errno = ENOSPC; // for a write that is cut short
+    return pwrite(file, zeros, static_cast<std::size_t>(missing), status.st_size) == missing
+               ? ERROR_SUCCESS
+               : ErrorOfOpening(errno);
+}
+
+// Tells one run of the host from all others: what the file said before a power cut may be older than the
+// store.
+std::uint32_t ThisBoot() {
+    static const std::uint32_t boot = [] {
+        std::string id;
+        std::ifstream("/proc/sys/kernel/random/boot_id") >> id;
+        return static_cast<std::uint32_t>(std::hash<std::string>()(id)) | 1U;
+    }();
+    return boot;
 }
 
 } // namespace
 
-bool LockFile::Open(const std::string& path) {
-    file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+DWORD LockFile::Open(const std::string& lockPath) {
+    path = lockPath;
+    file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
     if (file < 0)
-        return false;
-    SetLock(F_WRLCK, kSetupOffset, true);
-    const bool filled = Fill(file);
-    SetLock(F_UNLCK, kSetupOffset, false);
-    void* mapped =
-        filled ? mmap(nullptr, sizeof(*word), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0) : MAP_FAILED;
-    if (mapped == MAP_FAILED) {
-        const int cause = errno;
+        return ErrorOfOpening(errno);
+    DWORD error = LockSetup();
+    if (error == ERROR_SUCCESS)
+        error = Map();
+    if (error != ERROR_SUCCESS)
         Close();
-        errno = cause;
-        return false;
-    }
-    word = static_cast<std::atomic<std::uint64_t>*>(mapped);
-    return true;
+    return error;
+}
+
+DWORD LockFile::Map() {
+    const DWORD error = Fill(file);
+    if (error != ERROR_SUCCESS)
+        return error;
+    void* mapped = mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+    if (mapped == MAP_FAILED)
+        return ErrorOfOpening(errno);
+    shared = static_cast<Shared*>(mapped);
+    shared->setupHolder = getpid();
+    return ERROR_SUCCESS;
 }
 
 void LockFile::Close() {
-    if (word) {
-        munmap(word, sizeof(*word));
-        word = nullptr;
+    if (shared != &unshared) {
+        munmap(shared, sizeof(Shared));
+        shared = &unshared;
     }
     if (file >= 0) {
         close(file);
@@ -63,9 +121,30 @@ void LockFile::Close() {
     held.clear();
 }
 
-bool LockFile::SetLock(short type, std::int64_t offset, bool wait) {
+bool LockFile::IsCurrent() const {
+    struct stat opened {};
+    struct stat named {};
+    return file < 0 || (stat(path.c_str(), &named) == 0 && fstat(file, &opened) == 0 &&
+                        named.st_ino == opened.st_ino && named.st_dev == opened.st_dev);
+}
+
+bool LockFile::Reopen() {
+    std::unordered_map<CEOID, int> kept;
+    kept.swap(held);
+    Close();
+    DWORD error = Open(path);
+    for (auto each = kept.begin(); error == ERROR_SUCCESS && each != kept.end(); ++each)
+        error = ErrorOfLock(TryLock(F_RDLCK, kDatabaseOffset + each->first));
+    held.swap(kept);
+    UnlockSetup();
+    if (error != ERROR_SUCCESS)
+        SetLastError(error);
+    return error == ERROR_SUCCESS;
+}
+
+int LockFile::TryLock(short type, std::int64_t offset) {
     if (file < 0)
-        return true;
+        return 0;
     struct flock lock {};
     lock.l_type = type;
     lock.l_whence = SEEK_SET;
@@ -74,17 +153,30 @@ bool LockFile::SetLock(short type, std::int64_t offset, bool wait) {
     int result;
     do {
         // Locks of the open file, not of the process: closing some other descriptor must not drop them.
-        result = fcntl(file, wait ? F_OFD_SETLKW : F_OFD_SETLK, &lock);
+        result = fcntl(file, F_OFD_SETLK, &lock);
     } while (result != 0 && errno == EINTR);
-    return result == 0;
+    return result == 0 ? 0 : errno;
 }
 
-void LockFile::LockSetup() {
-    SetLock(F_WRLCK, kSetupOffset, true);
+// Read, not mapped: the file may still be empty.
+int LockFile::SetupHolder() const {
+    std::int32_t holder = 0;
+    const ssize_t bytes = pread(file, &holder, sizeof(holder), offsetof(Shared, setupHolder));
+    return bytes == sizeof(holder) ? holder : 0;
+}
+
+DWORD LockFile::LockSetup() {
+    Waiting waiting;
+    while (true) {
+        const int cause = TryLock(F_WRLCK, kSetupOffset);
+        if (!IsTaken(cause) || !waiting.Nap(SetupHolder()))
+            return ErrorOfLock(cause);
+    }
 }
 
 void LockFile::UnlockSetup() {
-    SetLock(F_UNLCK, kSetupOffset, false);
+    shared->setupHolder = 0;
+    TryLock(F_UNLCK, kSetupOffset);
 }
 
 bool LockFile::HasRoom() const {
@@ -93,7 +185,7 @@ bool LockFile::HasRoom() const {
 }
 
 void LockFile::SetRoomAside() {
-    if (posix_fallocate(file, kFileBytes, kRoomBytes) != 0)
+    if (file >= 0 && posix_fallocate(file, kFileBytes, kRoomBytes) != 0)
         GiveRoomBack(); // what was had of it
 }
 
@@ -101,10 +193,20 @@ void LockFile::GiveRoomBack() {
     [[maybe_unused]] const int result = ftruncate(file, kFileBytes);
 }
 
+bool LockFile::IsTidy() const {
+    return shared->tidy.load() == ThisBoot();
+}
+
+void LockFile::SetTidy(bool tidy) {
+    shared->tidy = tidy ? ThisBoot() : 0;
+}
+
 bool LockFile::Hold(CEOID database) {
     int& count = held[database];
-    if (count == 0 && !SetLock(F_RDLCK, kDatabaseOffset + database, false)) {
+    const int cause = count == 0 ? TryLock(F_RDLCK, kDatabaseOffset + database) : 0;
+    if (cause != 0) {
         held.erase(database);
+        SetLastError(ErrorOfLock(cause));
         return false;
     }
     ++count;
@@ -115,16 +217,19 @@ void LockFile::Release(CEOID database) {
     const auto found = held.find(database);
     if (found != held.end() && --found->second == 0) {
         held.erase(found);
-        SetLock(F_UNLCK, kDatabaseOffset + database, false);
+        TryLock(F_UNLCK, kDatabaseOffset + database);
     }
 }
 
 bool LockFile::HoldAlone(CEOID database) {
-    return !held.contains(database) && SetLock(F_WRLCK, kDatabaseOffset + database, false);
+    const int cause = Holds(database) ? EAGAIN : TryLock(F_WRLCK, kDatabaseOffset + database);
+    if (cause != 0)
+        SetLastError(ErrorOfLock(cause));
+    return cause == 0;
 }
 
 void LockFile::ReleaseAlone(CEOID database) {
-    SetLock(F_UNLCK, kDatabaseOffset + database, false);
+    TryLock(F_UNLCK, kDatabaseOffset + database);
 }
 
 } // namespace storage

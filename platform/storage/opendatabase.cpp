@@ -30,94 +30,126 @@ std::int64_t RecordRow(CEOID database, CEOID record) {
     return static_cast<std::int64_t>(std::uint64_t{database} << 32 | record);
 }
 
-OpenDatabase::OpenDatabase(Store& store, const DatabaseRow& row, int sort, HWND notify)
-    : store(store), database(row.oid), sort(sort), budget(kFirstBudget), epoch(store.epoch),
-      version(row.version), notify(notify) {
+bool Holding::Take(CEOID wanted) {
+    if (!store.locks.Hold(wanted))
+        return false;
+    database = wanted;
+    return true;
+}
+
+Holding::~Holding() {
+    if (database != 0 && StoreIfOpen() == &store) {
+        store.locks.Release(database);
+        // The last handle: what was done through it outlives a power cut now.
+        if (!store.locks.Holds(database))
+            store.Sync();
+    }
+}
+
+// Puts the handle back to where it was, unless the seek came to its end.
+class OpenDatabase::Restorer {
+public:
+    explicit Restorer(OpenDatabase& open) : open(open), before(open.cursor) {}
+    Restorer(const Restorer&) = delete;
+    Restorer& operator=(const Restorer&) = delete;
+    ~Restorer() {
+        if (!arrived) {
+            open.cursor = std::move(before);
+            open.batch.Clear();
+        }
+    }
+    void Arrive() { arrived = true; }
+
+private:
+    OpenDatabase& open;
+    Cursor before;
+    bool arrived = false;
+};
+
+OpenDatabase::OpenDatabase(Store& store, Holding& held, const DatabaseRow& row, int sort, HWND notify)
+    : store(store), held(std::move(held)), database(row.oid), sort(sort), budget(kFirstBudget),
+      epoch(store.epoch), version(row.version), notify(notify) {
     if (sort >= 0)
         spec = row.info.rgSortSpecs[sort];
     watchedVersion = row.version;
     watchedDeletions = row.deletions;
-    if (notify) {
-        Statement newest(store.connection, "SELECT max(id) FROM records WHERE id >= ?1 AND id <= ?2");
-        if (newest.Bind(RecordRow(database, 0)).Bind(RecordRow(database, kNoRecord)).Row())
-            newestSeen = static_cast<CEOID>(newest.Number(0));
-    }
     Opened().push_back(this);
 }
 
 OpenDatabase::~OpenDatabase() {
     std::erase(Opened(), this);
-    if (StoreIfOpen() == &store)
-        store.locks.Release(database);
+}
+
+bool OpenDatabase::StartWatching() {
+    Statement newest(store.connection, "SELECT max(id) FROM records WHERE id >= ?1 AND id <= ?2");
+    if (!newest.Bind(RecordRow(database, 0)).Bind(RecordRow(database, kNoRecord)).Row())
+        return false;
+    newestSeen = static_cast<CEOID>(newest.Number(0));
+    return true;
 }
 
 // Batch and index hold as long as the database's version stays. The version is looked up only when any
 // process changed anything.
-void OpenDatabase::Revalidate() {
+bool OpenDatabase::Revalidate() {
     if (epoch == store.epoch)
-        return;
+        return true;
     const DatabaseRow* row = store.catalogue.Find(database);
-    if (!row || row->version != version) {
+    if (!row)
+        return false;
+    if (row->version != version) {
+        const std::int64_t newVersion = row->version;
         batch.Clear();
-        indexKnown = false;
-        version = row ? row->version : -1;
+        cursor.indexKnown = false;
         // The current record may be gone, or stand elsewhere in the order.
-        if (standing == Standing::OnRecord && !FetchRecord(position.record) &&
-            GetLastError() == ERROR_NO_MORE_ITEMS)
-            standing = Standing::InGap;
+        if (cursor.state == State::OnRecord && !FetchRecord(cursor.position.record)) {
+            if (GetLastError() != ERROR_NO_MORE_ITEMS)
+                return false;
+            cursor.state = State::InGap;
+        }
+        version = newVersion;
     }
     epoch = store.epoch;
+    return true;
 }
 
 CEOID OpenDatabase::Seek(DWORD seekType, DWORD value, DWORD* indexOut) {
-    Revalidate();
-    const Standing oldStanding = standing;
-    const Position oldPosition = position;
-    const bool oldIndexKnown = indexKnown;
-    const DWORD oldIndex = index;
-    bool found = false;
+    if (!Revalidate())
+        return 0;
+    Restorer restorer(*this);
+    if (!SeekFrom(seekType, value) || (indexOut && !FindIndex()))
+        return 0;
+    restorer.Arrive();
+    if (indexOut)
+        *indexOut = cursor.index;
+    return cursor.position.record;
+}
+
+bool OpenDatabase::SeekFrom(DWORD seekType, DWORD value) {
     switch (seekType) {
     case CEDB_SEEK_CEOID:
-        found = SeekRecord(value);
-        break;
+        return SeekRecord(value);
     case CEDB_SEEK_BEGINNING:
-        found = SeekFirst() && SeekSteps(value);
-        break;
+        return SeekFirst() && SeekSteps(value);
     case CEDB_SEEK_END:
-        found = SeekLast() && SeekSteps(-static_cast<std::int64_t>(value));
-        break;
+        return SeekLast() && SeekSteps(-static_cast<std::int64_t>(value));
     case CEDB_SEEK_CURRENT:
-        found = (standing != Standing::AtStart || SeekFirst()) && SeekSteps(static_cast<LONG>(value));
-        break;
+        return (cursor.state != State::AtStart || SeekFirst()) && SeekSteps(static_cast<LONG>(value));
     default:
         SetLastError(ERROR_INVALID_PARAMETER);
+        return false;
     }
-    if (found && (!indexOut || FindIndex())) {
-        if (indexOut)
-            *indexOut = index;
-        return position.record;
-    }
-    if (standing != oldStanding || position.record != oldPosition.record) {
-        standing = oldStanding;
-        position = oldPosition;
-        indexKnown = oldIndexKnown;
-        index = oldIndex;
-        batch.Clear();
-    }
-    return 0;
 }
 
 CEOID OpenDatabase::Current(StoredRecord& record) {
-    Revalidate();
-    if (standing == Standing::AtStart && !SeekFirst())
+    if (!Revalidate() || (cursor.state == State::AtStart && !SeekFirst()))
         return 0;
-    if (standing == Standing::InGap) {
+    if (cursor.state == State::InGap) {
         SetLastError(ERROR_NO_MORE_ITEMS);
         return 0;
     }
-    if (batch.entries.empty() && !FetchRecord(position.record)) {
+    if (batch.entries.empty() && !FetchRecord(cursor.position.record)) {
         if (GetLastError() == ERROR_NO_MORE_ITEMS)
-            standing = Standing::InGap;
+            cursor.state = State::InGap;
         return 0;
     }
     const Batch::Entry& entry = batch.entries[slot];
@@ -130,9 +162,9 @@ bool OpenDatabase::SeekFirst() {
     budget = kFirstBudget;
     if (!Fetch({std::string(kKeyBeforeAll), 0}, true))
         return false;
-    StandOn(0);
-    index = 0;
-    indexKnown = true;
+    MoveTo(0);
+    cursor.index = 0;
+    cursor.indexKnown = true;
     return true;
 }
 
@@ -140,25 +172,25 @@ bool OpenDatabase::SeekLast() {
     budget = kFirstBudget;
     if (!Fetch({std::string(kKeyAfterAll), kNoRecord}, false))
         return false;
-    StandOn(batch.entries.size() - 1);
+    MoveTo(batch.entries.size() - 1);
     const DatabaseRow* row = store.catalogue.Find(database);
-    indexKnown = row && row->info.wNumRecords > 0;
-    index = indexKnown ? row->info.wNumRecords - 1U : 0;
+    cursor.indexKnown = row && row->info.wNumRecords > 0;
+    cursor.index = cursor.indexKnown ? row->info.wNumRecords - 1U : 0;
     return true;
 }
 
 bool OpenDatabase::SeekRecord(CEOID record) {
     budget = kFirstBudget;
-    const bool stays = standing == Standing::OnRecord && position.record == record;
+    const bool stays = cursor.state == State::OnRecord && cursor.position.record == record;
     if (!FetchRecord(record))
         return false;
-    indexKnown = indexKnown && stays;
-    standing = Standing::OnRecord;
+    cursor.indexKnown = cursor.indexKnown && stays;
+    cursor.state = State::OnRecord;
     return true;
 }
 
 bool OpenDatabase::SeekSteps(std::int64_t steps) {
-    if (steps == 0 && standing == Standing::InGap) {
+    if (steps == 0 && cursor.state == State::InGap) {
         SetLastError(ERROR_NO_MORE_ITEMS);
         return false;
     }
@@ -170,29 +202,29 @@ bool OpenDatabase::SeekSteps(std::int64_t steps) {
 
 bool OpenDatabase::Step(bool forward) {
     const bool readAhead = !batch.entries.empty() && (forward ? slot + 1 < batch.entries.size() : slot > 0);
-    const bool fromGap = standing == Standing::InGap;
+    const bool fromGap = cursor.state == State::InGap;
     if (readAhead) {
-        StandOn(forward ? slot + 1 : slot - 1);
+        MoveTo(forward ? slot + 1 : slot - 1);
     } else {
-        if (!Fetch(position, forward))
+        if (!Fetch(cursor.position, forward))
             return false;
         budget = std::min(2 * budget, kLargestBudget);
-        StandOn(forward ? 0 : batch.entries.size() - 1);
+        MoveTo(forward ? 0 : batch.entries.size() - 1);
     }
     // The record behind a gap has the gap's own index.
     if (!forward)
-        --index;
+        --cursor.index;
     else if (!fromGap)
-        ++index;
+        ++cursor.index;
     return true;
 }
 
-void OpenDatabase::StandOn(std::size_t entry) {
+void OpenDatabase::MoveTo(std::size_t entry) {
     slot = entry;
-    standing = Standing::OnRecord;
+    cursor.state = State::OnRecord;
     const Batch::Entry& found = batch.entries[entry];
-    position.key.assign(batch.bytes, found.at, found.keyBytes);
-    position.record = found.record;
+    cursor.position.key.assign(batch.bytes, found.at, found.keyBytes);
+    cursor.position.record = found.record;
 }
 
 bool OpenDatabase::Fetch(const Position& from, bool forward) {
@@ -248,10 +280,10 @@ bool OpenDatabase::FetchRecord(CEOID record) {
         return false;
     }
     const StoredRecord stored{static_cast<WORD>(select.Number(0)), select.Bytes(1)};
-    position = PlaceOf(record, stored);
-    batch.bytes = position.key;
+    cursor.position = PlaceOf(record, stored);
+    batch.bytes = cursor.position.key;
     batch.bytes.append(stored.form);
-    batch.entries.assign(1, {record, stored.count, position.key.size(), 0, stored.form.size()});
+    batch.entries.assign(1, {record, stored.count, cursor.position.key.size(), 0, stored.form.size()});
     slot = 0;
     return true;
 }
@@ -261,22 +293,23 @@ Position OpenDatabase::PlaceOf(CEOID record, const StoredRecord& stored) const {
 }
 
 bool OpenDatabase::FindIndex() {
-    if (indexKnown)
+    if (cursor.indexKnown)
         return true;
     Statement count(store.connection,
                     sort < 0 ? "SELECT count(*) FROM records WHERE id >= ?1 AND id < ?2"
                              : "SELECT count(*) FROM sortkeys WHERE place = ?1 AND (key, record) < (?2, ?3)");
     if (sort < 0)
-        count.Bind(RecordRow(database, 0)).Bind(RecordRow(database, position.record));
+        count.Bind(RecordRow(database, 0)).Bind(RecordRow(database, cursor.position.record));
     else
-        count.Bind(SortPlace()).BindBytes(position.key).Bind(position.record);
+        count.Bind(SortPlace()).BindBytes(cursor.position.key).Bind(cursor.position.record);
     if (!count.Row())
         return false;
-    index = static_cast<DWORD>(count.Number(0));
-    indexKnown = true;
+    cursor.index = static_cast<DWORD>(count.Number(0));
+    cursor.indexKnown = true;
     return true;
 }
 
+// Whatever may find no memory comes first: the handle must not be left halfway.
 void OpenDatabase::FollowChange(const RecordChange& change, std::int64_t versionBefore,
                                 std::int64_t versionAfter) {
     if (notify && !change.before)
@@ -287,20 +320,22 @@ void OpenDatabase::FollowChange(const RecordChange& change, std::int64_t version
         epoch = kNeverLooked; // another process wrote as well: everything is looked up again
         return;
     }
+    const bool placed = cursor.state != State::AtStart;
+    Position before = placed && change.before ? PlaceOf(change.record, *change.before) : Position();
+    Position after = placed && change.after ? PlaceOf(change.record, *change.after) : Position();
     version = versionAfter;
     batch.Clear();
     budget = kFirstBudget;
-    if (standing == Standing::AtStart)
+    if (!placed)
         return;
-    if (change.record != position.record) {
-        index -= change.before && PlaceOf(change.record, *change.before) < position;
-        index += change.after && PlaceOf(change.record, *change.after) < position;
+    if (change.record != cursor.position.record) {
+        cursor.index -= change.before && before < cursor.position;
+        cursor.index += change.after && after < cursor.position;
     } else if (!change.after) {
-        standing = Standing::InGap;
+        cursor.state = State::InGap;
     } else if (sort >= 0) {
-        const Position moved = PlaceOf(change.record, *change.after);
-        indexKnown = indexKnown && moved.key == position.key;
-        position = moved;
+        cursor.indexKnown = cursor.indexKnown && after.key == cursor.position.key;
+        cursor.position = std::move(after);
     }
 }
 
@@ -309,15 +344,19 @@ void OpenDatabase::ReportForeignChanges(void (*post)(HWND, UINT, WPARAM, LPARAM)
     if (!row || row->version == watchedVersion)
         return;
     std::vector<CEOID> created;
+    CEOID newest = newestSeen;
     {
         Statement newer(store.connection, "SELECT id FROM records WHERE id > ?1 AND id <= ?2 ORDER BY id");
-        newer.Bind(RecordRow(database, newestSeen)).Bind(RecordRow(database, kNoRecord));
+        newer.Bind(RecordRow(database, newest)).Bind(RecordRow(database, kNoRecord));
         while (newer.Row()) {
-            newestSeen = static_cast<CEOID>(newer.Number(0));
-            if (!std::binary_search(ownCreations.begin(), ownCreations.end(), newestSeen))
-                created.push_back(newestSeen);
+            newest = static_cast<CEOID>(newer.Number(0));
+            if (!std::binary_search(ownCreations.begin(), ownCreations.end(), newest))
+                created.push_back(newest);
         }
+        if (newer.Failed())
+            return; // the next look may tell more
     }
+    newestSeen = newest;
     const bool deleted = row->deletions - watchedDeletions > ownDeletions;
     const CEOID lastDeleted = row->lastDeleted;
     watchedVersion = row->version;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/base/handles.h"
@@ -34,11 +35,28 @@ struct RecordChange {
     const StoredRecord* after = nullptr;  // null for one that was deleted
 };
 
+// The hold on an open database, until it goes.
+class Holding {
+public:
+    explicit Holding(Store& store) : store(store) {}
+    Holding(Holding&& other) noexcept : store(other.store), database(std::exchange(other.database, 0)) {}
+    Holding(const Holding&) = delete;
+    Holding& operator=(const Holding&) = delete;
+    ~Holding();
+
+    // False with the last error set.
+    bool Take(CEOID wanted);
+
+private:
+    Store& store;
+    CEOID database = 0;
+};
+
 class OpenDatabase : public KernelObject {
 public:
-    // `sort` is the number of a sort order of the row, or -1. The database is held by the caller for the new
-    // object.
-    OpenDatabase(Store& store, const DatabaseRow& row, int sort, HWND notify);
+    // `sort` is the number of a sort order of the row, or -1. The new object takes over the hold on the
+    // database.
+    OpenDatabase(Store& store, Holding& held, const DatabaseRow& row, int sort, HWND notify);
     ~OpenDatabase() override;
     OpenDatabase(const OpenDatabase&) = delete;
     OpenDatabase& operator=(const OpenDatabase&) = delete;
@@ -47,22 +65,32 @@ public:
 
     // As CeSeekDatabase.
     CEOID Seek(DWORD seekType, DWORD value, DWORD* index);
-    // The current record; valid until the next call. 0 with the last error set when there is none.
+    // The current record; valid until the next call. 0 with the last error set, ERROR_NO_MORE_ITEMS when
+    // there is none.
     CEOID Current(StoredRecord& record);
 
     // After a commit of this process: `before` and `after` are the row's versions around it.
     void FollowChange(const RecordChange& change, std::int64_t versionBefore, std::int64_t versionAfter);
 
+    // What is there when the watch begins is not reported. False with the last error set.
+    bool StartWatching();
     bool IsWatching() const { return notify != nullptr; }
     // Posts what other processes did since the last time.
     void ReportForeignChanges(void (*post)(HWND, UINT, WPARAM, LPARAM));
 
 private:
-    enum class Standing {
-        AtStart,
+    enum class State {
+        AtStart, // on the first record, which nobody has looked for yet
         OnRecord,
-        InGap
-    }; // AtStart: on the first record, which nobody has looked for yet
+        InGap, // where the current record was before it was deleted
+    };
+
+    struct Cursor {
+        State state = State::AtStart;
+        Position position; // OnRecord, InGap
+        bool indexKnown = false;
+        DWORD index = 0; // how many records lie before the position
+    };
 
     // Records that were read ahead, in their order.
     struct Batch {
@@ -82,32 +110,35 @@ private:
         }
     };
 
-    void Revalidate();
+    class Restorer;
+
+    // Catches up with what other processes did. False with the last error set.
+    bool Revalidate();
+    bool SeekFrom(DWORD seekType, DWORD value);
     bool SeekFirst();
     bool SeekLast();
     bool SeekRecord(CEOID record);
     bool SeekSteps(std::int64_t steps);
     bool Step(bool forward);
-    // Reads records after or before a place. False when there are none, or on failure; the batch then stays.
+    // Reads records after or before a place. False when there are none (ERROR_NO_MORE_ITEMS) or on failure;
+    // the batch then stays.
     bool Fetch(const Position& from, bool forward);
     bool FetchRows(Statement& select, bool forward);
     // Reads one record and takes its place as the position. False, with everything as it was, when there is
-    // none.
+    // none (ERROR_NO_MORE_ITEMS) or on failure.
     bool FetchRecord(CEOID record);
-    void StandOn(std::size_t entry);
+    void MoveTo(std::size_t entry);
     bool FindIndex();
     Position PlaceOf(CEOID record, const StoredRecord& stored) const;
     std::int64_t SortPlace() const { return std::int64_t{database} * CEDB_MAXSORTORDER + sort; }
 
     Store& store;
+    Holding held;
     CEOID database;
     int sort;
     SORTORDERSPEC spec = {};
 
-    Standing standing = Standing::AtStart;
-    Position position; // OnRecord, InGap
-    bool indexKnown = false;
-    DWORD index = 0; // how many records lie before the position
+    Cursor cursor;
     Batch batch;
     std::size_t slot = 0; // of the current record, when the batch has any
     std::size_t budget;   // bytes to read ahead next

@@ -3,6 +3,7 @@
 
 #include "platform/errors.h"
 #include "platform/objectstore.h"
+#include "platform/storage/guard.h"
 #include "platform/storage/opendatabase.h"
 #include "platform/storage/recordform.h"
 #include "platform/storage/sortkey.h"
@@ -12,15 +13,20 @@ namespace {
 
 constexpr WORD kMostRecords = 0xFFFF;
 
-// Null with the last error set. The store is open and refreshed when there is one.
-OpenDatabase* FindOpen(HANDLE handle, Store*& store) {
-    store = TheStore();
-    if (!store)
-        return nullptr;
-    OpenDatabase* open = FindKernelObject<OpenDatabase>(handle);
-    if (!open)
-        SetLastError(ERROR_INVALID_PARAMETER);
-    return open;
+// Runs a call on an open database. The store is open and refreshed.
+template <typename Result, typename Call>
+Result WithDatabase(HANDLE handle, Result failure, Call call) {
+    return Guarded(
+        failure,
+        [&]() -> Result {
+            Store* store = TheStore();
+            OpenDatabase* open = store ? FindKernelObject<OpenDatabase>(handle) : nullptr;
+            if (open)
+                return call(*store, *open);
+            if (store)
+                SetLastError(ERROR_INVALID_PARAMETER);
+            return failure;
+        });
 }
 
 bool ReadStored(Store& store, std::int64_t row, WORD& count, std::string& form) {
@@ -69,9 +75,9 @@ bool WriteSortKeys(Store& store, const DatabaseRow& row, const RecordChange& cha
     return true;
 }
 
-// Brings a change of one record to its end: tables, commit, caches and open handles.
-bool Apply(Store& store, WriteTransaction& transaction, DatabaseRow row, const RecordChange& change) {
-    const std::int64_t versionBefore = row.version++;
+// The row of a database once a record of it is changed.
+DatabaseRow CountIn(DatabaseRow row, const RecordChange& change) {
+    ++row.version;
     // What a damaged file says may be too little to take anything away from it.
     const std::uint64_t taken = change.before ? change.before->form.size() : 0;
     row.SetBytes(row.bytes - std::min(row.bytes, taken) + (change.after ? change.after->form.size() : 0));
@@ -83,14 +89,23 @@ bool Apply(Store& store, WriteTransaction& transaction, DatabaseRow row, const R
         ++row.deletions;
         row.lastDeleted = change.record;
     }
-    if (!WriteRow(store, RecordRow(row.oid, change.record), change) || !WriteSortKeys(store, row, change) ||
-        !store.catalogue.StoreState(row) || !transaction.Commit())
-        return false;
-    store.catalogue.Keep(row);
-    for (OpenDatabase* open : OpenDatabases())
-        if (open->Database() == row.oid)
-            open->FollowChange(change, versionBefore, row.version);
-    return true;
+    return row;
+}
+
+// Within a transaction.
+bool WriteChange(Store& store, const DatabaseRow& row, const RecordChange& change) {
+    return WriteRow(store, RecordRow(row.oid, change.record), change) && WriteSortKeys(store, row, change) &&
+           store.catalogue.StoreState(row);
+}
+
+// Brings caches and open handles up to what was committed.
+void Follow(Store& store, const DatabaseRow& row, const RecordChange& change) {
+    store.AfterCommit([&] {
+        store.catalogue.Keep(row);
+        for (OpenDatabase* open : OpenDatabases())
+            if (open->Database() == row.oid)
+                open->FollowChange(change, row.version - 1, row.version);
+    });
 }
 
 CEOID MakeRecord(Store& store, CEOID database, WORD count, const CEPROPVAL* values) {
@@ -102,39 +117,79 @@ CEOID MakeRecord(Store& store, CEOID database, WORD count, const CEPROPVAL* valu
         return 0;
     }
     made.form = form;
-    WriteTransaction transaction(store);
-    const DatabaseRow* row = transaction.Begun() ? store.catalogue.Find(database) : nullptr;
-    if (!row)
+    RecordChange change{0, nullptr, &made};
+    DatabaseRow row;
+    if (!InTransaction(store, Change::Adds, [&] {
+            const DatabaseRow* found = store.catalogue.Find(database);
+            if (!found)
+                return false;
+            if (found->info.wNumRecords == kMostRecords) {
+                SetLastError(ERROR_DISK_FULL);
+                return false;
+            }
+            row = CountIn(*found, change);
+            change.record = store.NewIdentifier();
+            return change.record != 0 && WriteChange(store, row, change);
+        }))
         return 0;
-    if (row->info.wNumRecords == kMostRecords) {
-        SetLastError(ERROR_DISK_FULL);
-        return 0;
-    }
-    const CEOID record = store.NewIdentifier();
-    return record != 0 && Apply(store, transaction, *row, {record, nullptr, &made}) ? record : 0;
+    Follow(store, row, change);
+    return change.record;
 }
 
-CEOID ChangeRecord(Store& store, CEOID database, CEOID record, WORD count, const CEPROPVAL* values) {
-    WriteTransaction transaction(store);
-    const DatabaseRow* row = transaction.Begun() ? store.catalogue.Find(database) : nullptr;
-    std::string oldForm;
-    StoredRecord old;
-    if (!row || !ReadStored(store, RecordRow(database, record), old.count, oldForm))
-        return 0;
-    old.form = oldForm;
+// A record's storage form once a caller's values are applied. False with the last error set.
+bool ApplyTo(const StoredRecord& old, WORD count, const CEPROPVAL* values, WORD& newCount,
+             std::string& newForm) {
     std::vector<Property> properties;
     if (!ParseRecord(old.count, old.form, properties)) {
         SetLastError(ERROR_FILE_CORRUPT);
-        return 0;
+        return false;
     }
-    std::string newForm;
-    StoredRecord changed;
-    if (!ApplyValues(count, values, properties) || !BuildRecord(properties, changed.count, newForm)) {
+    if (!ApplyValues(count, values, properties) || !BuildRecord(properties, newCount, newForm)) {
         SetLastError(ERROR_INVALID_PARAMETER);
-        return 0;
+        return false;
     }
-    changed.form = newForm;
-    return Apply(store, transaction, *row, {record, &old, &changed}) ? record : 0;
+    return true;
+}
+
+CEOID ChangeRecord(Store& store, CEOID database, CEOID record, WORD count, const CEPROPVAL* values) {
+    std::string oldForm;
+    std::string newForm;
+    StoredRecord old;
+    StoredRecord changed;
+    const RecordChange change{record, &old, &changed};
+    DatabaseRow row;
+    if (!InTransaction(store, Change::Adds, [&] {
+            const DatabaseRow* found = store.catalogue.Find(database);
+            if (!found || !ReadStored(store, RecordRow(database, record), old.count, oldForm))
+                return false;
+            old.form = oldForm;
+            if (!ApplyTo(old, count, values, changed.count, newForm))
+                return false;
+            changed.form = newForm;
+            row = CountIn(*found, change);
+            return WriteChange(store, row, change);
+        }))
+        return 0;
+    Follow(store, row, change);
+    return record;
+}
+
+bool DeleteRecord(Store& store, CEOID database, CEOID record) {
+    std::string form;
+    StoredRecord old;
+    const RecordChange change{record, &old, nullptr};
+    DatabaseRow row;
+    if (!InTransaction(store, Change::Frees, [&] {
+            const DatabaseRow* found = store.catalogue.Find(database);
+            if (!found || !ReadStored(store, RecordRow(database, record), old.count, form))
+                return false;
+            old.form = form;
+            row = CountIn(*found, change);
+            return WriteChange(store, row, change);
+        }))
+        return false;
+    Follow(store, row, change);
+    return true;
 }
 
 // Makes *block hold at least `bytes` bytes. False with the last error set.
@@ -155,29 +210,9 @@ bool MakeRoom(DWORD flags, BYTE** block, DWORD* size, std::size_t bytes) {
     return true;
 }
 
-} // namespace
-} // namespace storage
-
-using namespace storage;
-
-CEOID CeSeekDatabase(HANDLE database, DWORD seekType, DWORD value, DWORD* index) {
-    Store* store;
-    OpenDatabase* open = FindOpen(database, store);
-    return open ? open->Seek(seekType, value, index) : 0;
-}
-
-CEOID CeReadRecordProps(HANDLE database, DWORD flags, WORD* count, const CEPROPID* ids, BYTE** block,
-                        DWORD* size) {
-    Store* store;
-    OpenDatabase* open = FindOpen(database, store);
-    if (!open)
-        return 0;
-    if (ids || !count || !block || !size) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return 0;
-    }
+CEOID ReadCurrent(OpenDatabase& open, DWORD flags, WORD* count, BYTE** block, DWORD* size) {
     StoredRecord stored;
-    const CEOID record = open->Current(stored);
+    const CEOID record = open.Current(stored);
     if (record == 0 || !MakeRoom(flags, block, size, stored.form.size()))
         return 0;
     stored.form.copy(reinterpret_cast<char*>(*block), stored.form.size());
@@ -190,30 +225,46 @@ CEOID CeReadRecordProps(HANDLE database, DWORD flags, WORD* count, const CEPROPI
     return record;
 }
 
+} // namespace
+} // namespace storage
+
+using namespace storage;
+
+CEOID CeSeekDatabase(HANDLE database, DWORD seekType, DWORD value, DWORD* index) {
+    return WithDatabase(
+        database, CEOID{0}, [&](Store&, OpenDatabase& open) { return open.Seek(seekType, value, index); });
+}
+
+CEOID CeReadRecordProps(HANDLE database, DWORD flags, WORD* count, const CEPROPID* ids, BYTE** block,
+                        DWORD* size) {
+    return WithDatabase(
+        database, CEOID{0},
+        [&](Store&, OpenDatabase& open) {
+            if (ids || !count || !block || !size) {
+                SetLastError(ERROR_INVALID_PARAMETER);
+                return CEOID{0};
+            }
+            return ReadCurrent(open, flags, count, block, size);
+        });
+}
+
 CEOID CeWriteRecordProps(HANDLE database, CEOID record, WORD count, const CEPROPVAL* values) {
-    Store* store;
-    OpenDatabase* open = FindOpen(database, store);
-    if (!open)
-        return 0;
-    if (count != 0 && !values) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return 0;
-    }
-    return record == 0 ? MakeRecord(*store, open->Database(), count, values)
-                       : ChangeRecord(*store, open->Database(), record, count, values);
+    return WithDatabase(
+        database, CEOID{0},
+        [&](Store& store, OpenDatabase& open) {
+            if (count != 0 && !values) {
+                SetLastError(ERROR_INVALID_PARAMETER);
+                return CEOID{0};
+            }
+            return record == 0 ? MakeRecord(store, open.Database(), count, values)
+                               : ChangeRecord(store, open.Database(), record, count, values);
+        });
 }
 
 BOOL CeDeleteRecord(HANDLE database, CEOID record) {
-    Store* store;
-    OpenDatabase* open = FindOpen(database, store);
-    if (!open)
-        return FALSE;
-    WriteTransaction transaction(*store);
-    const DatabaseRow* row = transaction.Begun() ? store->catalogue.Find(open->Database()) : nullptr;
-    std::string form;
-    StoredRecord old;
-    if (!row || !ReadStored(*store, RecordRow(row->oid, record), old.count, form))
-        return FALSE;
-    old.form = form;
-    return Apply(*store, transaction, *row, {record, &old, nullptr}) ? TRUE : FALSE;
+    return WithDatabase(
+        database, FALSE,
+        [&](Store& store, OpenDatabase& open) {
+            return DeleteRecord(store, open.Database(), record) ? TRUE : FALSE;
+        });
 }

@@ -1,6 +1,7 @@
 #include "platform/storage/sqlite.h"
 
-#include <ctime>
+#include <cerrno>
+#include <memory>
 
 #include "platform/errors.h"
 
@@ -8,23 +9,29 @@ namespace storage {
 
 namespace {
 
-// Writers wait for each other in short naps. Only one that holds the store for minutes is given up on.
-int Wait(void*, int attempt) {
-    constexpr int kShortNaps = 100;
-    constexpr long kShortNap = 200'000; // nanoseconds
-    constexpr long kLongNap = 5'000'000;
-    constexpr int kMostNaps = 60'000; // five minutes
-    const timespec nap{0, attempt < kShortNaps ? kShortNap : kLongNap};
-    nanosleep(&nap, nullptr);
-    return attempt < kMostNaps;
+constexpr int kChunkBytes = 64 * 1024; // by which a store's file grows
+
+struct Finalize {
+    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+};
+
+bool SameTime(const timespec& one, const timespec& other) {
+    return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
 }
 
 } // namespace
 
 DWORD ErrorOf(int result) {
-    if (result == SQLITE_IOERR_SHMSIZE || result == SQLITE_IOERR_SHMMAP) {
-        return ERROR_DISK_FULL; // the file beside the store that SQLite's readers and writers meet in cannot
-                                // grow
+    switch (result) { // where the details tell another story than the kind of result
+    case SQLITE_IOERR_SHMSIZE:
+    case SQLITE_IOERR_SHMMAP:
+        return ERROR_DISK_FULL; // the file in which readers and writers meet cannot grow
+    case SQLITE_IOERR_NOMEM:
+        return ERROR_NOT_ENOUGH_MEMORY;
+    case SQLITE_IOERR_SHORT_READ:
+        return ERROR_FILE_CORRUPT;
+    default:
+        break;
     }
     switch (result & 0xFF) {
     case SQLITE_OK:
@@ -59,62 +66,133 @@ int Connection::Open(const std::string& name, int flags) {
     Close();
     const int result = sqlite3_open_v2(name.c_str(), &handle, flags | SQLITE_OPEN_NOMUTEX, nullptr);
     if (result != SQLITE_OK) {
+        const int cause = Judge(result);
         Close();
-        return result;
+        return cause;
     }
     sqlite3_extended_result_codes(handle, 1);
-    sqlite3_busy_handler(handle, Wait, nullptr);
+    int chunk = kChunkBytes;
+    sqlite3_file_control(handle, nullptr, SQLITE_FCNTL_CHUNK_SIZE, &chunk);
     return SQLITE_OK;
 }
 
 void Connection::Close() {
-    for (const auto& [sql, statement] : prepared)
-        sqlite3_finalize(statement);
+    for (const auto& [sql, entry] : prepared)
+        sqlite3_finalize(entry.statement);
     prepared.clear();
     sqlite3_close(handle);
     handle = nullptr;
+    watched.clear();
+    changed = false;
 }
 
 int Connection::Execute(const char* sql) {
-    return sqlite3_exec(handle, sql, nullptr, nullptr, nullptr);
+    return Judge(sqlite3_exec(handle, sql, nullptr, nullptr, nullptr));
 }
 
-sqlite3_stmt* Connection::Prepared(const char* sql) {
+int Connection::Reserve(std::int64_t bytes) {
+    sqlite3_int64 wanted = bytes;
+    return sqlite3_file_control(handle, nullptr, SQLITE_FCNTL_SIZE_HINT, &wanted) == SQLITE_OK ? SQLITE_OK
+                                                                                               : SQLITE_FULL;
+}
+
+void Connection::ExpectUnchanged(const std::string& path) {
+    watched = path;
+    expected = Look();
+}
+
+Connection::FileState Connection::Look() const {
+    FileState state{};
+    struct stat log {};
+    stat(watched.c_str(), &state.file);
+    state.logBytes = stat((watched + "-wal").c_str(), &log) == 0 ? log.st_size : 0;
+    return state;
+}
+
+int Connection::Judge(int result) {
+    if ((result & 0xFF) == SQLITE_CANTOPEN) {
+        switch (sqlite3_system_errno(handle)) {
+        case EMFILE:
+        case ENFILE:
+        case ENOMEM:
+            return SQLITE_NOMEM;
+        case ENOSPC:
+        case EDQUOT:
+            return SQLITE_FULL;
+        case EIO:
+            return SQLITE_IOERR;
+        default:
+            return result;
+        }
+    }
+    if (!watched.empty() && !changed) {
+        const FileState now = Look();
+        changed = now.logBytes != expected.logBytes || now.file.st_ino != expected.file.st_ino ||
+                  now.file.st_size != expected.file.st_size ||
+                  !SameTime(now.file.st_mtim, expected.file.st_mtim);
+    }
+    return changed ? SQLITE_BUSY : result;
+}
+
+sqlite3_stmt* Connection::Take(const char* sql, bool*& taken, int& result) {
     const auto known = prepared.find(sql);
-    if (known != prepared.end())
-        return known->second;
+    if (known != prepared.end() && !known->second.taken) {
+        taken = &known->second.taken;
+        *taken = true;
+        return known->second.statement;
+    }
     sqlite3_stmt* statement = nullptr;
-    if (sqlite3_prepare_v3(handle, sql, -1, SQLITE_PREPARE_PERSISTENT, &statement, nullptr) != SQLITE_OK)
+    result = sqlite3_prepare_v3(handle, sql, -1, SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
+    if (result != SQLITE_OK) {
+        result = Judge(result);
         return nullptr;
-    prepared.emplace(sql, statement);
+    }
+    if (known == prepared.end()) {
+        std::unique_ptr<sqlite3_stmt, Finalize> owner(statement);
+        taken = &prepared.try_emplace(sqlite3_sql(statement), Prepared{statement, true}).first->second.taken;
+        owner.release(); // NOLINT(bugprone-unused-return-value): the connection has it now
+    }
     return statement;
 }
 
+Statement::Statement(Connection& connection, const char* sql)
+    : connection(connection), statement(connection.Take(sql, taken, result)) {}
+
 Statement::~Statement() {
-    sqlite3_reset(statement);
+    if (taken) {
+        sqlite3_reset(statement);
+        *taken = false;
+    } else {
+        sqlite3_finalize(statement);
+    }
+}
+
+void Statement::NoteBinding(int bindingResult) {
+    if (result == SQLITE_OK && bindingResult != SQLITE_OK)
+        result = bindingResult;
 }
 
 Statement& Statement::Bind(std::int64_t value) {
-    sqlite3_bind_int64(statement, ++bound, value);
+    NoteBinding(sqlite3_bind_int64(statement, ++bound, value));
     return *this;
 }
 
 Statement& Statement::BindText(std::u16string_view text) {
     const void* units = text.empty() ? u"" : text.data(); // a null pointer would bind no text at all
-    sqlite3_bind_text16(statement, ++bound, units, static_cast<int>(text.size() * sizeof(char16_t)),
-                        SQLITE_STATIC);
+    NoteBinding(sqlite3_bind_text16(statement, ++bound, units,
+                                    static_cast<int>(text.size() * sizeof(char16_t)), SQLITE_STATIC));
     return *this;
 }
 
 Statement& Statement::BindBytes(std::string_view bytes) {
     const void* data = bytes.empty() ? "" : bytes.data();
-    sqlite3_bind_blob(statement, ++bound, data, static_cast<int>(bytes.size()), SQLITE_STATIC);
+    NoteBinding(sqlite3_bind_blob(statement, ++bound, data, static_cast<int>(bytes.size()), SQLITE_STATIC));
     return *this;
 }
 
 bool Statement::Row() {
-    if (statement)
-        result = sqlite3_step(statement);
+    if (result == SQLITE_OK || result == SQLITE_ROW)
+        result = connection.Judge(sqlite3_step(statement));
     if (Failed())
         SetLastError(ErrorOf(result));
     return result == SQLITE_ROW;

@@ -4,6 +4,7 @@
 #include <sqlite3.h>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 #include <unordered_map>
 
 #include "platform/types.h"
@@ -25,24 +26,49 @@ public:
     void Close();
     // Runs statements that yield nothing. A result of SQLite.
     int Execute(const char* sql);
-    // The statement for a literal, which is told by its address. Null when it does not fit the file, or when
-    // the file cannot be read; Result tells.
-    sqlite3_stmt* Prepared(const char* sql);
-    // Of the latest call; a result of SQLite.
-    int Result() const { return sqlite3_extended_errcode(handle); }
+    // What to do when another process has the lock: `wait` is called with the number of calls before, and
+    // returns 0 to give up.
+    void SetWait(int (*wait)(void*, int), void* context) { sqlite3_busy_handler(handle, wait, context); }
+    // Has room on the disk for a file of so many bytes, rounded up to whole chunks. A result of SQLite.
+    int Reserve(std::int64_t bytes);
+    // For a file that was opened without locks: from now on rows are refused with SQLITE_BUSY once anybody
+    // has written to it.
+    void ExpectUnchanged(const std::string& path);
+    bool FoundChanged() const { return changed; }
     int Changes() const { return sqlite3_changes(handle); }
 
 private:
+    friend class Statement;
+
+    struct Prepared {
+        sqlite3_stmt* statement;
+        bool taken;
+    };
+    struct FileState {
+        struct stat file;
+        off_t logBytes;
+    };
+
+    // The statement for a text, prepared on first use; null, with `result` of SQLite, when it does not fit
+    // the file or the file cannot be read. `taken` is to be reset when it has run; when it is null the text
+    // is running already, and the statement is to be finalized instead.
+    sqlite3_stmt* Take(const char* sql, bool*& taken, int& result);
+    // What a step's result means, now that it is known why it failed and whether the file has changed.
+    int Judge(int result);
+    FileState Look() const;
+
     sqlite3* handle = nullptr;
-    std::unordered_map<const char*, sqlite3_stmt*> prepared;
+    std::unordered_map<std::string_view, Prepared> prepared; // by the text that SQLite keeps
+    std::string watched;                                     // the path of a file that must not change
+    FileState expected = {};
+    bool changed = false;
 };
 
 // One run of a statement; values are bound in the order of ?1, ?2 and so on, and what they refer to must
-// outlive the run. `sql` is a literal.
+// outlive the run. The same text may run more than once at a time.
 class Statement {
 public:
-    Statement(Connection& connection, const char* sql)
-        : statement(connection.Prepared(sql)), result(statement ? SQLITE_OK : connection.Result()) {}
+    Statement(Connection& connection, const char* sql);
     Statement(const Statement&) = delete;
     Statement& operator=(const Statement&) = delete;
     ~Statement();
@@ -64,9 +90,13 @@ public:
     std::string_view Bytes(int column) const;
 
 private:
-    sqlite3_stmt* statement;
+    void NoteBinding(int bindingResult);
+
+    Connection& connection;
+    bool* taken = nullptr;
     int bound = 0;
-    int result;
+    int result = SQLITE_OK;
+    sqlite3_stmt* statement;
 };
 
 } // namespace storage

@@ -1,11 +1,16 @@
 #include "platform/storage/store.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <fcntl.h>
 #include <memory>
+#include <unistd.h>
 
 #include "platform/device.h"
+#include "platform/storage/guard.h"
 #include "platform/storage/opendatabase.h"
 #include "platform/storage/storefile.h"
 
@@ -15,6 +20,8 @@ namespace {
 
 constexpr std::uint64_t kLargestBlock = 64;
 constexpr std::uint64_t kIdentifiersEnd = 0xFFFFFFFF; // the greatest of all is never given out
+constexpr std::int64_t kPagesAhead = 16;              // for which room is reserved at a time
+constexpr std::chrono::milliseconds kLockCheckInterval{250};
 
 std::unique_ptr<Store>& Slot() {
     // Never destroyed as an object: it is closed at exit, while everything that it uses is still there.
@@ -22,22 +29,53 @@ std::unique_ptr<Store>& Slot() {
     return *slot;
 }
 
+// 0, or the host's error.
+int SyncFile(const std::string& path) {
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0)
+        return errno == ENOENT ? 0 : errno; // without a log there is nothing in it
+    const int cause = fsync(file) == 0 ? 0 : errno;
+    close(file);
+    return cause;
+}
+
 } // namespace
 
+int WaitForWriter(void* context, int attempt) {
+    Store& store = *static_cast<Store*>(context);
+    if (attempt == 0)
+        store.waiting = Waiting();
+    return store.waiting.Nap(store.locks.Writer().load()) ? 1 : 0;
+}
+
 void Store::Refresh() {
-    const std::uint64_t word = locks.Word().load();
-    if (word != knownWord || word % 2 != 0) {
+    const std::uint64_t count = locks.ChangeCount().load();
+    if (count != knownCount || count % 2 != 0) {
         ForgetCached();
-        knownWord = word;
+        knownCount = count;
     }
 }
 
 void Store::ForgetCached() {
-    ++epoch;
+    static std::uint64_t latestEpoch = 0;
+    epoch = ++latestEpoch;
     catalogue.Clear();
     // Others may have taken identifiers beyond this block, and later ones must be greater.
     nextIdentifier = endIdentifier = 0;
     blockSize = 1;
+}
+
+bool Store::KeepLocks() {
+    locksSeen = std::chrono::steady_clock::now();
+    if (locks.IsCurrent())
+        return true;
+    knownCount = 1;
+    ForgetCached();
+    return locks.Reopen();
+}
+
+bool Store::KeepLocksAtTimes() {
+    return std::chrono::steady_clock::now() - locksSeen < kLockCheckInterval || KeepLocks();
 }
 
 CEOID Store::NewIdentifier() {
@@ -66,24 +104,76 @@ CEOID Store::NewIdentifier() {
     return static_cast<CEOID>(nextIdentifier++);
 }
 
+// The log takes new pages first and brings them into the file later. Room for them there is made sure of
+// now, or a full disk would keep the log from ever being emptied.
+bool Store::ReserveGrowth() {
+    Statement pages(connection, "PRAGMA page_count");
+    if (!pages.Row())
+        return false;
+    if (pages.Number(0) <= reservedPages)
+        return true;
+    if (pageBytes == 0) {
+        Statement size(connection, "PRAGMA page_size");
+        if (!size.Row())
+            return false;
+        pageBytes = size.Number(0);
+    }
+    const std::int64_t wanted = (pages.Number(0) / kPagesAhead + 1) * kPagesAhead;
+    const int result = connection.Reserve(wanted * pageBytes);
+    if (result != SQLITE_OK) {
+        SetLastError(ErrorOf(result));
+        return false;
+    }
+    reservedPages = wanted;
+    return true;
+}
+
+bool Store::Sync() {
+    if (!unsynced)
+        return true;
+    int cause = SyncFile(logPath);
+    if (cause == 0 && !folderSynced)
+        cause = SyncFile(folder); // the log's name, and the store's
+    if (cause != 0) {
+        std::fprintf(stderr, "pocket-strandview: %s cannot be brought to the disk\n", logPath.c_str());
+        readOnlyError = ERROR_GEN_FAILURE;
+        SetLastError(readOnlyError);
+        return false;
+    }
+    folderSynced = true;
+    unsynced = false;
+    return true;
+}
+
+void Store::EmptyLog() {
+    connection.Execute("PRAGMA wal_checkpoint(TRUNCATE)");
+    reservedPages = 0; // the file has been cut to what is in it
+}
+
+bool Store::IsWorthReopening() const {
+    return readOnlyError == ERROR_DISK_FULL || readOnlyError == ERROR_GEN_FAILURE ||
+           connection.FoundChanged();
+}
+
 WriteTransaction::WriteTransaction(Store& store) : store(store) {
     if (store.readOnlyError != ERROR_SUCCESS) {
         SetLastError(store.readOnlyError);
         return;
     }
-    if (!Statement(store.connection, "BEGIN IMMEDIATE").Run())
+    if (!store.KeepLocks() || !Statement(store.connection, "BEGIN IMMEDIATE").Run())
         return;
     begun = true;
-    // Nobody else can write now: a word that is odd was left by a process that died.
+    // Nobody else can write now: a count that is odd was left by a process that died.
     store.Refresh();
-    word = (store.locks.Word().load() + 1) | 1;
-    store.locks.Word().store(word);
+    count = (store.locks.ChangeCount().load() + 1) | 1;
+    store.locks.ChangeCount().store(count);
+    store.locks.Writer().store(getpid());
 }
 
 WriteTransaction::~WriteTransaction() {
     if (begun) {
         const DWORD cause = GetLastError();
-        Statement(store.connection, "ROLLBACK").Run(); // fails when SQLite did so by itself
+        store.connection.Execute("ROLLBACK"); // fails when SQLite did so by itself
         SetLastError(cause);
         store.nextIdentifier = store.endIdentifier = 0;
         End();
@@ -91,26 +181,56 @@ WriteTransaction::~WriteTransaction() {
 }
 
 bool WriteTransaction::Commit() {
-    if (!Statement(store.connection, "COMMIT").Run())
+    if (!store.ReserveGrowth() || !Statement(store.connection, "COMMIT").Run())
         return false;
     begun = false;
+    store.unsynced = true;
     End();
     return true;
 }
 
 void WriteTransaction::End() {
-    // Only if no other process has begun meanwhile: then the word is that one's to make even.
-    std::uint64_t expected = word;
-    store.locks.Word().compare_exchange_strong(expected, word + 1);
-    // The own change leaves the own caches good. If the word is another's already, this one will not match
+    // Only if no other process has begun meanwhile: then the count is that one's to make even.
+    std::int32_t self = getpid();
+    store.locks.Writer().compare_exchange_strong(self, 0);
+    std::uint64_t expected = count;
+    store.locks.ChangeCount().compare_exchange_strong(expected, count + 1);
+    // The own change leaves the own caches good. If the count is another's already, this one will not match
     // it.
-    store.knownWord = word + 1;
+    store.knownCount = count + 1;
+}
+
+bool RoomMaker::Make() {
+    if (GetLastError() != ERROR_DISK_FULL || store.readOnlyError != ERROR_SUCCESS || gaveRoomBack)
+        return false;
+    if (logEmptied) {
+        if (!frees || !store.locks.HasRoom())
+            return false;
+        store.locks.GiveRoomBack();
+        // What is freed is otherwise overwritten with zeros, which takes as much of the log.
+        store.connection.Execute("PRAGMA secure_delete = OFF");
+        gaveRoomBack = true;
+    }
+    store.EmptyLog();
+    logEmptied = true;
+    SetLastError(ERROR_DISK_FULL);
+    return true;
+}
+
+RoomMaker::~RoomMaker() {
+    if (gaveRoomBack) {
+        const DWORD cause = GetLastError();
+        store.connection.Execute("PRAGMA secure_delete = ON");
+        store.EmptyLog();
+        store.locks.SetRoomAside();
+        SetLastError(cause);
+    }
 }
 
 Store* TheStore() {
     std::unique_ptr<Store>& slot = Slot();
-    if (slot && slot->readOnlyError == ERROR_DISK_FULL && OpenDatabases().empty())
-        slot.reset(); // there may be room by now
+    if (slot && slot->IsWorthReopening() && OpenDatabases().empty())
+        slot.reset();
     if (!slot) {
         auto store = std::make_unique<Store>();
         if (!OpenStoreFile(*store, DeviceStorePath()))
@@ -118,6 +238,8 @@ Store* TheStore() {
         slot = std::move(store);
         [[maybe_unused]] static const int registered = std::atexit(CloseStore);
     }
+    if (!slot->KeepLocksAtTimes())
+        return nullptr;
     slot->Refresh();
     return slot.get();
 }

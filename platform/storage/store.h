@@ -1,10 +1,13 @@
 // The process's one open store, and how it is changed.
 #pragma once
 
+#include <chrono>
+
 #include "platform/errors.h"
 #include "platform/storage/catalogue.h"
 #include "platform/storage/lockfile.h"
 #include "platform/storage/sqlite.h"
+#include "platform/storage/waiting.h"
 
 namespace storage {
 
@@ -17,27 +20,65 @@ public:
     Connection connection;
     LockFile locks;
     Catalogue catalogue;
+    std::string path; // of the file itself, behind any symbolic links
+    std::string folder;
+    std::string logPath;
     DWORD readOnlyError = ERROR_SUCCESS; // why nothing can be written, when nothing can
-    std::uint64_t epoch = 0;             // moves on whenever another process may have changed something
+    std::uint64_t epoch =
+        0; // moves on whenever another process may have changed something; never comes again
 
     // Drops what is cached when another process wrote. To be called before anything cached is looked at.
     void Refresh();
+    // Sees to it that the lock file is the one that other processes meet at. False with the last error set.
+    bool KeepLocks();
+    // The same, but looks only now and then.
+    bool KeepLocksAtTimes();
     // An identifier that was never used. Within a write transaction. 0 with the last error set.
     // Whatever is made later, in any process, gets a greater one.
     CEOID NewIdentifier();
+    // What was committed outlives a power cut when it returns. False with the last error set; nothing can be
+    // written from then on, for nobody could say what would be kept.
+    bool Sync();
+    bool IsUnsynced() const { return unsynced; }
+    // Brings the log into the file and empties it, which leaves its room on the disk to others.
+    void EmptyLog();
+    // Whether opening it again may make more of it: there may be room now, or nobody writing.
+    bool IsWorthReopening() const;
+    // Runs what only keeps caches good after a commit. When there is no memory for it they are dropped.
+    template <typename Step>
+    void AfterCommit(Step step) {
+        try {
+            step();
+        } catch (const std::bad_alloc&) {
+            ForgetCached();
+        }
+    }
 
 private:
     friend class WriteTransaction;
 
     void ForgetCached();
+    bool ReserveGrowth();
 
-    std::uint64_t knownWord = 1; // the change word under which the caches hold; odd for never
+    std::uint64_t knownCount = 1; // the count of changes under which the caches hold; odd for never
     std::uint64_t nextIdentifier = 0;
     std::uint64_t endIdentifier = 0;
     std::uint64_t blockSize = 1;
+    std::int64_t pageBytes = 0;
+    std::int64_t reservedPages = 0; // of the file, for which there is room on the disk
+    bool unsynced = false;
+    bool folderSynced = false;
+    std::chrono::steady_clock::time_point locksSeen;
+    Waiting waiting;
+
+    friend int WaitForWriter(void* store, int attempt);
 };
 
-// One durable step. Waits for other writers. What was done is taken back unless Commit returns true.
+// For SQLite: naps until the writer of a store has had its time.
+int WaitForWriter(void* store, int attempt);
+
+// One step, whole or not at all. Waits for other writers. What was done is taken back unless Commit returns
+// true.
 class WriteTransaction {
 public:
     explicit WriteTransaction(Store& store);
@@ -55,8 +96,42 @@ private:
 
     Store& store;
     bool begun = false;
-    std::uint64_t word = 0;
+    std::uint64_t count = 0;
 };
+
+// Makes room for a step that failed on a full disk.
+class RoomMaker {
+public:
+    // Only a step that `frees` something gets the room that is set aside.
+    RoomMaker(Store& store, bool frees) : store(store), frees(frees) {}
+    RoomMaker(const RoomMaker&) = delete;
+    RoomMaker& operator=(const RoomMaker&) = delete;
+    ~RoomMaker();
+
+    // Whether the step that failed with the last error is worth another try.
+    bool Make();
+
+private:
+    Store& store;
+    bool frees;
+    bool logEmptied = false;
+    bool gaveRoomBack = false;
+};
+
+enum class Change { Adds, Frees };
+
+// Runs a step in a transaction of its own, and once more when the disk was full and room could be made. The
+// step returns false with the last error set; so does this.
+template <typename Step>
+bool InTransaction(Store& store, Change change, Step step) {
+    RoomMaker room(store, change == Change::Frees);
+    do {
+        WriteTransaction transaction(store);
+        if (transaction.Begun() && step() && transaction.Commit())
+            return true;
+    } while (room.Make());
+    return false;
+}
 
 // Opens the device's store on first use, and makes it when there is none. Null with the last error set; the
 // next call tries again.

@@ -1,9 +1,13 @@
 #include "platform/storage/storefile.h"
 
-#include <cerrno>
+#include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include "platform/device.h"
 #include "platform/storage/deletion.h"
+#include "platform/storage/guard.h"
 
 namespace storage {
 
@@ -66,27 +70,37 @@ DWORD Inspect(Connection& connection, bool& empty) {
     return version == kVersion ? ERROR_SUCCESS : ERROR_REVISION_MISMATCH;
 }
 
-DWORD OpenWritable(Store& store, const std::string& path) {
-    Connection& connection = store.connection;
-    int result = connection.Open(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-    if (result != SQLITE_OK)
-        return ErrorOf(result);
+DWORD Prepare(Store& store) {
     bool empty = false;
-    DWORD error = Inspect(connection, empty);
-    if (error == ERROR_SUCCESS && empty) {
-        result = connection.Execute(kCreate);
-        error = ErrorOf(result);
-    }
+    DWORD error = Inspect(store.connection, empty);
+    if (error == ERROR_SUCCESS && empty)
+        error = ErrorOf(store.connection.Execute(kCreate));
     if (error == ERROR_SUCCESS) {
-        // Each step survives the death of the process at once, and that of the host from the next checkpoint
-        // on.
-        error = ErrorOf(connection.Execute("PRAGMA synchronous = NORMAL"));
+        // A step survives the death of the process at once; Store::Sync makes it survive that of the host.
+        error = ErrorOf(store.connection.Execute("PRAGMA synchronous = NORMAL; PRAGMA secure_delete = ON"));
     }
-    if (error == ERROR_SUCCESS && store.locks.Word().load() % 2 != 0) {
+    if (error == ERROR_SUCCESS && store.locks.ChangeCount().load() % 2 != 0) {
         // A process died in the middle of a write. An empty one says that nobody is writing.
         const WriteTransaction nothing(store);
     }
-    if (error == ERROR_SUCCESS && !store.locks.HasRoom())
+    return error;
+}
+
+DWORD OpenWritable(Store& store) {
+    // SQLite gives the files beside the store the same permissions.
+    const int made = open(store.path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (made >= 0)
+        close(made);
+    const int result = store.connection.Open(store.path, SQLITE_OPEN_READWRITE);
+    if (result != SQLITE_OK)
+        return ErrorOf(result);
+    store.connection.SetWait(WaitForWriter, &store);
+    DWORD error = Prepare(store);
+    if (error == ERROR_DISK_FULL && store.locks.HasRoom()) {
+        store.locks.GiveRoomBack();
+        error = Prepare(store);
+    }
+    if (error == ERROR_SUCCESS)
         TidyUp(store);
     return error;
 }
@@ -104,38 +118,92 @@ std::string AsUri(const std::string& path) {
     return uri;
 }
 
-// For a device that cannot be written. A store that was closed in good order can be read without a file
-// beside it; one that was not is read together with what its last process left. An empty log is left by an
-// attempt to write that a full disk stopped.
-DWORD OpenReadOnly(Store& store, const std::string& path) {
+bool LogHasNothing(const std::string& path) {
     struct stat log {};
-    const bool inOrder = stat((path + "-wal").c_str(), &log) != 0 || log.st_size == 0;
-    const int result = store.connection.Open(AsUri(path) + (inOrder ? "?immutable=1" : ""),
-                                             SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    struct stat shared {};
+    return (stat((path + "-wal").c_str(), &log) != 0 || log.st_size == 0) &&
+           stat((path + "-shm").c_str(), &shared) != 0;
+}
+
+// For a device that cannot be written. The shared memory of a process that is writing, or has died while it
+// was, tells what is in the log. A store that was closed in good order has neither, and can only be read
+// without any locks: as long as it stays as it is.
+DWORD OpenReadOnly(Store& store) {
+    const bool unlocked = LogHasNothing(store.path);
+    const int result =
+        store.connection.Open(AsUri(store.path) + (unlocked ? "?immutable=1" : "?readonly_shm=1"),
+                              SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    if (result != SQLITE_OK)
+        return ErrorOf(result);
+    store.connection.SetWait(WaitForWriter, &store);
+    if (unlocked)
+        store.connection.ExpectUnchanged(store.path);
     bool empty = false;
-    const DWORD error = result == SQLITE_OK ? Inspect(store.connection, empty) : ErrorOf(result);
+    const DWORD error = Inspect(store.connection, empty);
     // A file that is still empty is no store to read, and only a device that can be written gets one.
     return error == ERROR_SUCCESS && empty ? ERROR_ACCESS_DENIED : error;
+}
+
+// The file behind symbolic links, which may be missing. Empty when there is no end to them.
+std::filesystem::path ResolveLinks(std::filesystem::path path) {
+    constexpr int kMostLinks = 40;
+    std::error_code error;
+    for (int links = 0; links < kMostLinks; ++links) {
+        if (!std::filesystem::is_symlink(path, error)) {
+            const std::filesystem::path folder = std::filesystem::canonical(path.parent_path(), error);
+            return error ? path : folder / path.filename();
+        }
+        path = path.parent_path() / std::filesystem::read_symlink(path, error);
+    }
+    return {};
+}
+
+// Nobody but the owner of a device has business with it.
+void MakePrivate(const std::string& file) {
+    constexpr mode_t kOthers = S_IRWXG | S_IRWXO;
+    struct stat status {};
+    if (stat(file.c_str(), &status) == 0 && status.st_uid == geteuid() && (status.st_mode & kOthers) != 0)
+        chmod(file.c_str(), status.st_mode & S_IRWXU);
+}
+
+// Fills in where the store's files are. A last error when there is something else.
+DWORD FindFiles(Store& store, const std::string& path) {
+    const std::filesystem::path resolved = ResolveLinks(path);
+    if (resolved.empty())
+        return ERROR_ACCESS_DENIED;
+    store.path = resolved.string();
+    store.folder = resolved.parent_path().string();
+    store.logPath = store.path + "-wal";
+    struct stat status {};
+    return stat(store.path.c_str(), &status) != 0 || S_ISREG(status.st_mode) ? ERROR_SUCCESS
+                                                                             : ERROR_FILE_CORRUPT;
+}
+
+bool MayStillBeRead(DWORD error) {
+    return error == ERROR_WRITE_PROTECT || error == ERROR_ACCESS_DENIED || error == ERROR_DISK_FULL;
+}
+
+DWORD OpenFound(Store& store) {
+    DWORD error = store.locks.Open(store.path + "-lock");
+    for (const char* ending : {"", "-wal", "-shm", "-lock"})
+        MakePrivate(store.path + ending);
+    if (error == ERROR_SUCCESS)
+        error = OpenWritable(store);
+    if (MayStillBeRead(error)) {
+        store.readOnlyError = error;
+        const DWORD second = OpenReadOnly(store);
+        error = second == ERROR_ACCESS_DENIED ? error : second;
+    }
+    store.locks.UnlockSetup();
+    return error;
 }
 
 } // namespace
 
 bool OpenStoreFile(Store& store, const std::string& path) {
-    DWORD lockError = ERROR_SUCCESS;
-    if (!store.locks.Open(path + "-lock")) {
-        lockError = errno == ENOSPC                     ? ERROR_DISK_FULL
-                    : errno == EROFS || errno == EACCES ? ERROR_WRITE_PROTECT
-                                                        : ERROR_ACCESS_DENIED;
-        store.readOnlyError = lockError;
-    }
-    store.locks.LockSetup();
-    DWORD error = lockError == ERROR_SUCCESS ? OpenWritable(store, path) : lockError;
-    if (error == ERROR_WRITE_PROTECT || error == ERROR_ACCESS_DENIED || error == ERROR_DISK_FULL) {
-        store.readOnlyError = error;
-        const DWORD second = OpenReadOnly(store, path);
-        error = second == ERROR_ACCESS_DENIED ? error : second;
-    }
-    store.locks.UnlockSetup();
+    DWORD error = FindFiles(store, path);
+    if (error == ERROR_SUCCESS)
+        error = OpenFound(store);
     if (error != ERROR_SUCCESS) {
         store.connection.Close();
         SetLastError(error);
@@ -144,3 +212,24 @@ bool OpenStoreFile(Store& store, const std::string& path) {
 }
 
 } // namespace storage
+
+bool OpenDeviceStore() {
+    using namespace storage;
+    return Guarded(false, [] {
+        Store* store = TheStore();
+        if (!store)
+            return false;
+        for (const char* probe :
+             {"SELECT next FROM identifiers", "SELECT max(length(name) + length(sortorders)) FROM databases",
+              "SELECT max(id), max(length(data)) FROM records WHERE id < 0",
+              "SELECT count(*) FROM sortkeys WHERE place < 0", "SELECT count(*) FROM keys WHERE id < 0",
+              "SELECT count(*) FROM vals WHERE key < -3"}) {
+            Statement reading(store->connection, probe);
+            if (!reading.Row()) {
+                SetLastError(reading.Failed() ? GetLastError() : ERROR_FILE_CORRUPT);
+                return false;
+            }
+        }
+        return true;
+    });
+}

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/storage/guard.h"
 #include "platform/storage/opendatabase.h"
 
 namespace {
@@ -19,15 +20,21 @@ bool StoreWatchWanted() {
 }
 
 void PollStoreChanges() {
-    storage::Store* store = StoreWatchWanted() ? storage::TheStore() : nullptr;
-    if (!store)
-        return;
-    for (storage::OpenDatabase* open : storage::OpenDatabases()) {
-        if (open->IsWatching()) {
-            open->ReportForeignChanges([](HWND window, UINT message, WPARAM record, LPARAM database) {
-                if (notifySink)
-                    notifySink(window, message, record, database);
-            });
-        }
-    }
+    storage::Guarded(
+        false,
+        [] {
+            storage::Store* store = StoreWatchWanted() ? storage::TheStore() : nullptr;
+            if (!store)
+                return false;
+            // An editor's changes are to outlive a power cut while its database stays open, too.
+            store->Sync();
+            for (storage::OpenDatabase* open : storage::OpenDatabases()) {
+                if (open->IsWatching())
+                    open->ReportForeignChanges([](HWND window, UINT message, WPARAM record, LPARAM database) {
+                        if (notifySink)
+                            notifySink(window, message, record, database);
+                    });
+            }
+            return true;
+        });
 }
