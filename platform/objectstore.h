@@ -1,8 +1,17 @@
-// The object store: databases of records, records of properties. Names are UTF-16, times are UTC. Calls that
-// fail set the last error:
+// The object store: databases of records, records of properties. Names are UTF-16, times are UTC.
+//
+// What a call changed outlives the death of the process when the call returns, as a whole. It outlives a
+// power cut, too, from when it returns for calls on a whole database, and for calls on records from when the
+// last handle of this process on the database is closed, or within a second while a handle has a `notify`
+// window.
+//
+// Calls that fail change nothing, unless all that failed was bringing it to the disk (ERROR_GEN_FAILURE, and
+// nothing can be written from then on). They set the last error:
 //   ERROR_FILE_NOT_FOUND       no database of that name or identifier
-//   ERROR_NOT_ENOUGH_MEMORY    the local heap is full
-//   ERROR_SHARING_VIOLATION    the database is open, in this process or another
+//   ERROR_NOT_ENOUGH_MEMORY    the local heap is full, or the host has no memory or no file handle left
+//   ERROR_SHARING_VIOLATION    the database is open, in this process or another; or another process did not
+//                              give up a lock on the device: in ten seconds, a live one that writes in a
+//                              minute; or it writes to what this one can only read without locks
 //   ERROR_DUP_NAME             another database has the name
 //   ERROR_INVALID_PARAMETER    a bad handle, name, flag, record identifier or property value
 //   ERROR_DISK_FULL            65,535 records are there already, no identifier is left, or the disk is full
@@ -12,7 +21,9 @@
 //   ERROR_ACCESS_DENIED        it cannot be opened
 //   ERROR_FILE_CORRUPT         it is damaged, or no device
 //   ERROR_REVISION_MISMATCH    it was made by a newer version
-//   ERROR_GEN_FAILURE          it failed in some other way
+//   ERROR_GEN_FAILURE          it failed in some other way: reading, writing, locking, bringing it to the
+//   disk
+// Only ERROR_NO_MORE_ITEMS is the end of a walk; after any other error there is more than was seen.
 #pragma once
 
 #include "platform/handles.h"
@@ -146,7 +157,7 @@ HANDLE CeOpenDatabase(CEOID* oid, const WCHAR* name, CEPROPID sort, DWORD flags,
 // has open.
 BOOL CeSetDatabaseInfo(CEOID oid, const CEDBASEINFO* info);
 
-// Deletes a database with its records; nobody may have it open.
+// Deletes a database with its records, also on a full disk; nobody may have it open.
 BOOL CeDeleteDatabase(CEOID oid);
 
 // ---- records ----
@@ -176,9 +187,10 @@ CEOID CeReadRecordProps(HANDLE database, DWORD flags, WORD* count, const CEPROPI
 
 // Makes a record (`record` 0) or changes one: a property with the same whole identifier is replaced, others
 // are appended, an entry with CEDB_PROPDELETE takes its property away, even the last one. Strings and blobs
-// must lie in live blocks of the local heap, else ERROR_INVALID_PARAMETER. A null string is kept as such,
-// apart from an empty one. Values of unknown types are kept as they are, 8 bytes. A record has at
-// most 65,535 properties and 16 MiB. Durable when it returns. The record's identifier, or 0.
+// must lie in live blocks of the local heap and outside `values`, else ERROR_INVALID_PARAMETER. A null string
+// is kept as an empty one; only in records of earlier versions a string may be read as null. Values of
+// unknown types are kept as they are, 8 bytes. A record has at most 65,535 properties and 16 MiB. The
+// record's identifier, or 0.
 CEOID CeWriteRecordProps(HANDLE database, CEOID record, WORD count, const CEPROPVAL* values);
 
 BOOL CeDeleteRecord(HANDLE database, CEOID record);

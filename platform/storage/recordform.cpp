@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <unordered_map>
 
 namespace storage {
@@ -11,6 +12,7 @@ namespace {
 constexpr std::size_t kEntryBytes = sizeof(CEPROPVAL);
 constexpr std::size_t kValueOffset = offsetof(CEPROPVAL, val);
 constexpr std::size_t kBlobPointer = offsetof(CEBLOB, lpb);
+constexpr std::string_view kEmptyString("\0\0", sizeof(char16_t));
 
 DWORD ReadWord(const BYTE* at) {
     DWORD word;
@@ -95,8 +97,14 @@ private:
     std::size_t indexed = 0;
 };
 
-// Takes over one value of a caller. False when a pointer leads astray.
-bool ReadValue(const CEPROPVAL& value, Property& property) {
+bool Overlap(std::string_view one, std::string_view other) {
+    const std::less<const char*> before;
+    return before(one.data(), other.data() + other.size()) && before(other.data(), one.data() + one.size());
+}
+
+// Takes over one value of a caller. False when its pointer does not lie in a live block with all that it
+// stands for, or lies among the `entries`.
+bool ReadValue(const CEPROPVAL& value, std::string_view entries, Property& property) {
     const WORD type = TypeFromPropID(value.propid);
     property.id = value.propid;
     std::memcpy(property.value, &value.val, MeaningfulBytes(type));
@@ -109,7 +117,7 @@ bool ReadValue(const CEPROPVAL& value, Property& property) {
     const std::size_t room = LiveBytesAt(address);
     const char* at = static_cast<const char*>(ArenaPointer(address));
     const std::size_t bytes = type == CEVT_BLOB ? blobBytes : StringBytes(at, room);
-    if (bytes == 0 || bytes > room)
+    if (bytes == 0 || bytes > room || Overlap({at, bytes}, entries))
         return false;
     property.outside = {at, bytes};
     property.present = true;
@@ -137,13 +145,14 @@ bool ParseRecord(WORD count, std::string_view form, std::vector<Property>& prope
 
 bool ApplyValues(WORD count, const CEPROPVAL* values, std::vector<Property>& properties) {
     PropertyIndex index(properties);
+    const std::string_view entries(reinterpret_cast<const char*>(values), count * kEntryBytes);
     for (std::size_t at = 0; at < count; ++at) {
         const std::size_t place = index.Find(values[at].propid);
         Property property;
         if ((values[at].wFlags & CEDB_PROPDELETE) != 0) {
             property.id = values[at].propid;
             property.removed = true;
-        } else if (!ReadValue(values[at], property)) {
+        } else if (!ReadValue(values[at], entries, property)) {
             return false;
         }
         if (place < properties.size())
@@ -155,13 +164,12 @@ bool ApplyValues(WORD count, const CEPROPVAL* values, std::vector<Property>& pro
 }
 
 bool BuildRecord(const std::vector<Property>& properties, WORD& count, std::string& form) {
+    constexpr std::size_t kMostExtra = 1 + kEmptyString.size(); // to start a string evenly, and an absent one
     std::size_t entries = 0;
     std::size_t bytes = 0;
     for (const Property& property : properties) {
         entries += property.removed ? 0 : 1;
-        bytes += property.removed
-                     ? 0
-                     : kEntryBytes + property.outside.size() + 1; // with room to start strings evenly
+        bytes += property.removed ? 0 : kEntryBytes + property.outside.size() + kMostExtra;
     }
     if (entries > 0xFFFF || bytes > kLargestRecord)
         return false;
@@ -175,10 +183,13 @@ bool BuildRecord(const std::vector<Property>& properties, WORD& count, std::stri
         const WORD type = TypeFromPropID(property.id);
         BYTE value[sizeof(property.value)];
         std::memcpy(value, property.value, sizeof(value));
-        if (type == CEVT_LPWSTR || type == CEVT_BLOB) {
-            form.append(property.present && type == CEVT_LPWSTR && form.size() % sizeof(char16_t) != 0, '\0');
-            WriteWord(type == CEVT_LPWSTR ? value : value + kBlobPointer,
-                      property.present ? static_cast<DWORD>(form.size()) : 0);
+        if (type == CEVT_LPWSTR) {
+            // An absent string is kept as an empty one: offset 0 lies inside the entries.
+            form.append(form.size() % sizeof(char16_t), '\0');
+            WriteWord(value, static_cast<DWORD>(form.size()));
+            form.append(property.present ? property.outside : kEmptyString);
+        } else if (type == CEVT_BLOB) {
+            WriteWord(value + kBlobPointer, property.present ? static_cast<DWORD>(form.size()) : 0);
             form.append(property.outside);
         }
         BYTE* at = reinterpret_cast<BYTE*>(form.data()) + entry++ * kEntryBytes;

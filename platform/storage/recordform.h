@@ -1,5 +1,6 @@
 // A record's storage form: its CEPROPVAL entries, then their strings and blobs, with offsets from the start
-// of the form in place of addresses. Offset 0 is a null pointer.
+// of the form in place of addresses. Offset 0 is the null pointer of a blob without bytes; that of a string
+// is read, since earlier versions wrote it, but never written.
 #pragma once
 
 #include <string>
@@ -26,7 +27,8 @@ struct Property {
 bool ParseRecord(WORD count, std::string_view form, std::vector<Property>& properties);
 
 // Applies a caller's values to a record: replaces, appends, and removes what is flagged CEDB_PROPDELETE.
-// False when a pointer does not lie in a live block of the local heap with all that it stands for.
+// False when a pointer does not lie in a live block of the local heap with all that it stands for, or lies
+// among the values.
 bool ApplyValues(WORD count, const CEPROPVAL* values, std::vector<Property>& properties);
 
 // Puts a record together. False when it would be too large.

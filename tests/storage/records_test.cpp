@@ -59,20 +59,37 @@ TEST_F(Records, EveryTypeComesBackInTheFormThatArchivesCarry) {
     EXPECT_EQ(InfoOf(database).dwSize, expected.size());
 }
 
-TEST_F(Records, AbsentEmptyAndSharedIdentifiersStayApart) {
+TEST_F(Records, AbsentStringsBecomeEmptyAndSharedIdentifiersStayApart) {
     Values values;
     values.Add(Prop(1, CEVT_LPWSTR));
     values.Text(2, u"").Blob(3, "").Text(4, u"x").Number(4, 9);
-    ASSERT_NE(values.Write(handle), 0U);
-    ReadBack read(handle);
-    ASSERT_EQ(read.count, 5);
-    EXPECT_EQ(read[0].val.lpwstr.Address(), 0U);
-    ASSERT_NE(read[1].val.lpwstr.Address(), 0U);
-    EXPECT_EQ(read[1].val.lpwstr[0], u'\0');
-    EXPECT_EQ(read[2].val.blob.dwCount, 0U);
-    EXPECT_EQ(std::u16string(read[3].val.lpwstr), u"x");
-    EXPECT_EQ(read[4].val.lVal, 9);
-    EXPECT_EQ(read.size, 5 * 16U + 2 + 4);
+    const CEOID record = values.Write(handle);
+    const auto isAsWritten = [&] {
+        ReadBack read(handle);
+        return read.record == record && read.count == 5 && read.size == 5 * 16U + 2 + 2 + 4 &&
+               read[0].val.lpwstr.Address() == ArenaAddress(read.block) + 80 && read[0].val.lpwstr[0] == 0 &&
+               read[1].val.lpwstr[0] == 0 && read[2].val.blob.dwCount == 0 &&
+               std::u16string(read[3].val.lpwstr) == u"x" && read[4].val.lVal == 9;
+    };
+    EXPECT_TRUE(isAsWritten());
+    CloseHandle(handle);
+    // Earlier versions kept an absent string as offset 0.
+    ASSERT_EQ(
+        storage::TheStore()->connection.Execute(
+            "UPDATE records SET data = CAST(substr(data, 1, 8) || x'00000000' || substr(data, 13, 12) || "
+            "x'50000000' || substr(data, 29, 28) || x'52000000' || substr(data, 61, 20) || "
+            "x'000078000000' AS BLOB)"),
+        SQLITE_OK);
+    device.Restart();
+    handle = OpenById(database);
+    {
+        ReadBack old(handle);
+        ASSERT_EQ(old.count, 5);
+        EXPECT_EQ(old[0].val.lpwstr.Address(), 0U);
+        EXPECT_EQ(std::u16string(old[3].val.lpwstr), u"x");
+    }
+    EXPECT_EQ(Values().Number(4, 9).Write(handle, record), record);
+    EXPECT_TRUE(isAsWritten()) << "written the new way";
 }
 
 TEST_F(Records, AWriteReplacesAppendsAndRemovesProperties) {
@@ -144,7 +161,7 @@ TEST_F(Records, ReadingGrowsABlockOnlyAsAllowed) {
     LocalFree(block);
 }
 
-TEST_F(Records, PointersThatLeadAstrayAreRefusedAndNothingChanges) {
+TEST_F(Records, BadPointersAreRefusedAndNothingChanges) {
     const CEOID record = Values().Number(1, 1).Write(handle);
     const CEDBASEINFO before = InfoOf(database);
     WCHAR* unended = static_cast<WCHAR*>(LocalAlloc(LMEM_FIXED, 8));
@@ -167,6 +184,17 @@ TEST_F(Records, PointersThatLeadAstrayAreRefusedAndNothingChanges) {
         EXPECT_EQ(FailureOf(values.Write(handle)), ERROR_INVALID_PARAMETER);
     }
     LocalFree(unended);
+    // Offset 0 of a record that came from elsewhere, and others among its entries.
+    auto* entries = static_cast<CEPROPVAL*>(LocalAlloc(LMEM_ZEROINIT, 2 * sizeof(CEPROPVAL)));
+    for (const auto& [type, offset] : std::vector<std::pair<WORD, DWORD>>{
+             {CEVT_LPWSTR, 0}, {CEVT_LPWSTR, 30}, {CEVT_BLOB, 0}, {CEVT_BLOB, 31}}) {
+        entries[1].propid = Prop(1, type);
+        const DWORD address = ArenaAddress(entries) + offset;
+        entries[1].val.blob = {type == CEVT_BLOB ? 1 : address, DevicePointer<BYTE>::FromAddress(address)};
+        entries[0] = {Prop(2, CEVT_I4), 0, 0, {}};
+        EXPECT_EQ(FailureOf(CeWriteRecordProps(handle, 0, 2, entries)), ERROR_INVALID_PARAMETER) << offset;
+    }
+    LocalFree(entries);
     EXPECT_EQ(std::memcmp(&before, std::vector<CEDBASEINFO>{InfoOf(database)}.data(), sizeof(before)), 0);
     EXPECT_EQ(ReadBack(handle)[0].val.lVal, 1);
 }
