@@ -4,9 +4,11 @@
 //   ERROR_FILE_NOT_FOUND     no such key or value
 //   ERROR_INVALID_HANDLE     no open key
 //   ERROR_INVALID_PARAMETER  a name or a value that is too long, or a missing argument
+//   ERROR_FILENAME_EXCED_RANGE  the path of a key to be made is too long
 //   ERROR_MORE_DATA          the caller's buffer is too small
-//   ERROR_NO_MORE_ITEMS      the index is past the last one
-//   and the object store's for a device that is full, damaged or cannot be written.
+//   ERROR_NO_MORE_ITEMS      the index is past the last one; only this is the end of an enumeration
+//   and the object store's for a device that is full, damaged or cannot be read or written, or when there is
+//   no memory. What was written outlives a power cut from the next RegCloseKey on.
 #pragma once
 
 #include "platform/types.h"
@@ -33,12 +35,14 @@ constexpr DWORD REG_OPENED_EXISTING_KEY = 2;
 LONG RegOpenKeyExW(HKEY key, const WCHAR* path, DWORD options, DWORD access, HKEY* opened);
 
 // Opens a key and makes it first when it is missing, with the keys above it. The class, which may be null, is
-// given only to a key that is made. Parts of the path have at most 255 characters, a class at most 259.
+// given only to a key that is made. Parts of the path have at most 255 characters, the whole path below the
+// main key, and a class, at most 259.
 // `reserved`, `options` are 0 and `security` is null; *disposition, unless null, becomes REG_CREATED_NEW_KEY
 // or REG_OPENED_EXISTING_KEY.
 LONG RegCreateKeyExW(HKEY key, const WCHAR* path, DWORD reserved, const WCHAR* keyClass, DWORD options,
                      DWORD access, void* security, HKEY* opened, DWORD* disposition);
 
+// Closing a main key by its own number does nothing.
 LONG RegCloseKey(HKEY key);
 
 // Reads a value; a null or empty name is the default value. `type`, `data` and `size` may be null. *size is
@@ -52,7 +56,7 @@ LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, con
 
 LONG RegDeleteValueW(HKEY key, const WCHAR* name);
 
-// The subkey, or the value, at a place counted from 0, in the order of their names. Name and class lengths
+// The subkey, or the value, at an index counted from 0, in the order of their names. Name and class lengths
 // are in characters: room with the terminator on entry, length without it on return. `reserved` and
 // `lastWrite` are null; the class, `type`, `data` and `size` may be null. With ERROR_MORE_DATA for a value
 // *size is the length that its data takes.

@@ -7,29 +7,32 @@
 #include "platform/base/handles.h"
 #include "platform/errors.h"
 #include "platform/storage/fold.h"
+#include "platform/storage/guard.h"
 #include "platform/storage/store.h"
 
 namespace storage {
 namespace {
 
 constexpr std::size_t kLongestKeyName = 255;
+constexpr std::size_t kLongestPath = 259;
 constexpr std::size_t kLongestValueName = 259;
 constexpr std::size_t kLongestClass = 259;
 constexpr DWORD kLargestValue = 1 << 20;
 constexpr std::int64_t kNoKey = 0;
 
-// Where an enumeration stands, so that the next index need not be counted out from the first. It holds while
-// nothing in the registry changes.
-struct EnumerationPlace {
+// How far an enumeration has come, so that the next index need not be counted out from the first. It holds
+// while nothing in the registry changes.
+struct Progress {
     DWORD index = 0; // of the item after `folded`
     std::u16string folded;
     std::uint64_t change = 0; // 0: nowhere
 };
 
 struct OpenKey : KernelObject {
-    std::int64_t id = kNoKey; // a row, or minus 1 to minus 3 for a main key
-    EnumerationPlace keys;
-    EnumerationPlace values;
+    std::int64_t id = kNoKey;   // a row, or minus 1 to minus 3 for a main key
+    std::size_t pathLength = 0; // below the main key
+    Progress keys;
+    Progress values;
 };
 
 std::uint64_t ownChanges = 1; // of this process; together with the store's epoch it tells of every change
@@ -51,30 +54,32 @@ std::u16string_view View(const WCHAR* text) {
     return text ? std::u16string_view(text) : std::u16string_view();
 }
 
-std::int64_t KeyId(HKEY key) {
-    if (key >= HKEY_CLASSES_ROOT && key <= HKEY_LOCAL_MACHINE)
-        return -1 - static_cast<std::int64_t>(key - HKEY_CLASSES_ROOT);
-    const OpenKey* open = FindKernelObject<OpenKey>(key);
-    return open ? open->id : kNoKey;
+bool IsMainKey(HKEY key) {
+    return key >= HKEY_CLASSES_ROOT && key <= HKEY_LOCAL_MACHINE;
 }
 
-// The place is kept with an open key; a main key that nobody opened has none.
-EnumerationPlace* PlaceOf(HKEY key, bool ofValues) {
-    OpenKey* open = FindKernelObject<OpenKey>(key);
-    return !open ? nullptr : ofValues ? &open->values : &open->keys;
+// Null when it is no open key. The main keys are open for ever.
+OpenKey* FindKey(HKEY key) {
+    static OpenKey mainKeys[HKEY_LOCAL_MACHINE - HKEY_CLASSES_ROOT + 1];
+    if (!IsMainKey(key))
+        return FindKernelObject<OpenKey>(key);
+    OpenKey& mainKey = mainKeys[key - HKEY_CLASSES_ROOT];
+    mainKey.id = -1 - static_cast<std::int64_t>(key - HKEY_CLASSES_ROOT);
+    return &mainKey;
 }
 
-// What every call needs first. Null with the last error set when there is no store or no such open key.
-Store* Begin(HKEY key, std::int64_t& id) {
-    Store* store = TheStore();
-    if (!store)
-        return nullptr;
-    id = KeyId(key);
-    if (id == kNoKey) {
-        SetLastError(ERROR_INVALID_HANDLE);
-        return nullptr;
-    }
-    return store;
+// Runs a call on an open key.
+template <typename Call>
+LONG WithKey(HKEY key, Call call) {
+    return Guarded(
+        static_cast<LONG>(ERROR_NOT_ENOUGH_MEMORY),
+        [&]() -> LONG {
+            Store* store = TheStore();
+            if (!store)
+                return FailAsSet();
+            OpenKey* open = FindKey(key);
+            return open ? call(*store, *open) : Fail(ERROR_INVALID_HANDLE);
+        });
 }
 
 // Takes the first part off a path. Empty when none is left.
@@ -86,11 +91,15 @@ std::u16string_view NextPart(std::u16string_view& path) {
     return part;
 }
 
-bool PathFits(std::u16string_view path) {
-    for (std::u16string_view part = NextPart(path); !part.empty(); part = NextPart(path))
+// The error of a path with a part that is too long, else ERROR_SUCCESS. `length` grows to that of the path
+// behind a key's own.
+DWORD MeasurePath(std::u16string_view path, std::size_t& length) {
+    for (std::u16string_view part = NextPart(path); !part.empty(); part = NextPart(path)) {
         if (part.size() > kLongestKeyName)
-            return false;
-    return true;
+            return ERROR_INVALID_PARAMETER;
+        length += (length != 0 ? 1 : 0) + part.size();
+    }
+    return ERROR_SUCCESS;
 }
 
 // kNoKey with the last error set when there is none.
@@ -121,27 +130,32 @@ std::int64_t MakeChild(Store& store, std::int64_t parent, std::u16string_view na
 }
 
 // Makes what is missing of a path, in one step.
-std::int64_t MakePath(Store& store, std::int64_t key, std::u16string_view path,
+std::int64_t MakePath(Store& store, std::int64_t parent, std::u16string_view path,
                       std::u16string_view keyClass) {
-    WriteTransaction transaction(store);
-    if (!transaction.Begun())
-        return kNoKey;
-    for (std::u16string_view part = NextPart(path); key != kNoKey && !part.empty();) {
-        const std::u16string_view next = NextPart(path);
-        const std::int64_t child = FindChild(store, key, part);
-        if (child == kNoKey && GetLastError() != ERROR_FILE_NOT_FOUND)
-            return kNoKey;
-        key = child != kNoKey ? child
-                              : MakeChild(store, key, part, next.empty() ? keyClass : std::u16string_view());
-        part = next;
-    }
+    std::int64_t key = kNoKey;
+    const bool made = InTransaction(store, Change::Adds, [&] {
+        key = parent;
+        std::u16string_view rest = path;
+        for (std::u16string_view part = NextPart(rest); key != kNoKey && !part.empty();) {
+            const std::u16string_view next = NextPart(rest);
+            const std::int64_t child = FindChild(store, key, part);
+            if (child == kNoKey && GetLastError() != ERROR_FILE_NOT_FOUND)
+                return false;
+            key = child != kNoKey
+                      ? child
+                      : MakeChild(store, key, part, next.empty() ? keyClass : std::u16string_view());
+            part = next;
+        }
+        return key != kNoKey;
+    });
     ++ownChanges;
-    return key != kNoKey && transaction.Commit() ? key : kNoKey;
+    return made ? key : kNoKey;
 }
 
-HKEY AddOpenKey(std::int64_t id) {
+HKEY AddOpenKey(std::int64_t id, std::size_t pathLength) {
     auto open = std::make_unique<OpenKey>();
     open->id = id;
+    open->pathLength = pathLength;
     return AddKernelObject(std::move(open));
 }
 
@@ -174,18 +188,77 @@ LONG GiveValue(const Statement& row, int typeColumn, int dataColumn, DWORD* type
 
 // Steps a statement that yields folded names in order, and starts behind ?2 with ?3 rows left out, to an
 // index. Column 0 is the folded name. False at the end or on failure, with the last error set.
-bool StepTo(Statement& select, const Store& store, std::int64_t key, DWORD index, EnumerationPlace* place) {
-    const bool follows = place && place->change == ChangeNow(store) && place->index == index;
-    const std::u16string after = follows ? place->folded : std::u16string();
+bool StepTo(Statement& select, const Store& store, std::int64_t key, DWORD index, Progress& progress) {
+    const bool follows = progress.change == ChangeNow(store) && progress.index == index;
+    const std::u16string after = follows ? progress.folded : std::u16string();
     select.Bind(key).BindText(after).Bind(follows ? 0 : index).Bind(follows ? 1 : 0);
     if (!select.Row()) {
         if (!select.Failed())
             SetLastError(ERROR_NO_MORE_ITEMS);
         return false;
     }
-    if (place)
-        *place = {index + 1, std::u16string(select.Text(0)), ChangeNow(store)};
+    progress = {index + 1, std::u16string(select.Text(0)), ChangeNow(store)};
     return true;
+}
+
+LONG OpenPath(Store& store, const OpenKey& key, std::u16string_view path, HKEY* opened) {
+    std::size_t length = key.pathLength;
+    if (!opened || MeasurePath(path, length) != ERROR_SUCCESS)
+        return Fail(ERROR_INVALID_PARAMETER);
+    const std::int64_t id = FindPath(store, key.id, path);
+    if (id == kNoKey)
+        return FailAsSet();
+    *opened = AddOpenKey(id, length);
+    return ERROR_SUCCESS;
+}
+
+LONG CreatePath(Store& store, const OpenKey& key, std::u16string_view path, std::u16string_view keyClass,
+                HKEY* opened, DWORD* disposition) {
+    std::size_t length = key.pathLength;
+    if (!opened || MeasurePath(path, length) != ERROR_SUCCESS || keyClass.size() > kLongestClass)
+        return Fail(ERROR_INVALID_PARAMETER);
+    std::int64_t id = FindPath(store, key.id, path);
+    const bool found = id != kNoKey;
+    if (!found && GetLastError() == ERROR_FILE_NOT_FOUND) {
+        if (length > kLongestPath)
+            return Fail(ERROR_FILENAME_EXCED_RANGE); // whoever reads a path has room for no more
+        id = MakePath(store, key.id, path, keyClass);
+    }
+    if (id == kNoKey)
+        return FailAsSet();
+    *opened = AddOpenKey(id, length);
+    if (disposition)
+        *disposition = found ? REG_OPENED_EXISTING_KEY : REG_CREATED_NEW_KEY;
+    return ERROR_SUCCESS;
+}
+
+bool SetValue(Store& store, std::int64_t key, std::u16string_view name, DWORD type, std::string_view bytes) {
+    const std::u16string folded = Fold(name);
+    const bool set = InTransaction(store, Change::Adds, [&] {
+        Statement write(store.connection,
+                        "INSERT INTO vals (key, folded, name, type, data) VALUES (?1, ?2, ?3, ?4, ?5) "
+                        "ON CONFLICT (key, folded) DO UPDATE SET type = excluded.type, data = excluded.data");
+        return write.Bind(key).BindText(folded).BindText(name).Bind(type).BindBytes(bytes).Run();
+    });
+    ++ownChanges;
+    return set;
+}
+
+bool DeleteValue(Store& store, std::int64_t key, std::u16string_view name) {
+    const std::u16string folded = Fold(name);
+    const bool deleted = InTransaction(store, Change::Frees, [&] {
+        Statement remove(store.connection, "DELETE FROM vals WHERE key = ?1 AND folded = ?2");
+        if (!remove.Bind(key).BindText(folded).Run())
+            return false;
+        SetLastError(ERROR_FILE_NOT_FOUND); // unless one was there
+        return store.connection.Changes() != 0;
+    });
+    ++ownChanges;
+    return deleted;
+}
+
+LONG AsSet(bool done) {
+    return done ? static_cast<LONG>(ERROR_SUCCESS) : FailAsSet();
 }
 
 } // namespace
@@ -194,128 +267,87 @@ bool StepTo(Statement& select, const Store& store, std::int64_t key, DWORD index
 using namespace storage;
 
 LONG RegOpenKeyExW(HKEY key, const WCHAR* path, DWORD, DWORD, HKEY* opened) {
-    std::int64_t id = kNoKey;
-    Store* store = Begin(key, id);
-    if (!store)
-        return FailAsSet();
-    if (!opened || !PathFits(View(path)))
-        return Fail(ERROR_INVALID_PARAMETER);
-    id = FindPath(*store, id, View(path));
-    if (id == kNoKey)
-        return FailAsSet();
-    *opened = AddOpenKey(id);
-    return ERROR_SUCCESS;
+    return WithKey(
+        key, [&](Store& store, const OpenKey& open) { return OpenPath(store, open, View(path), opened); });
 }
 
 LONG RegCreateKeyExW(HKEY key, const WCHAR* path, DWORD, const WCHAR* keyClass, DWORD, DWORD, void*,
                      HKEY* opened, DWORD* disposition) {
-    std::int64_t parent = kNoKey;
-    Store* store = Begin(key, parent);
-    if (!store)
-        return FailAsSet();
-    if (!opened || !PathFits(View(path)) || View(keyClass).size() > kLongestClass)
-        return Fail(ERROR_INVALID_PARAMETER);
-    std::int64_t id = FindPath(*store, parent, View(path));
-    const bool found = id != kNoKey;
-    if (!found && GetLastError() == ERROR_FILE_NOT_FOUND)
-        id = MakePath(*store, parent, View(path), View(keyClass));
-    if (id == kNoKey)
-        return FailAsSet();
-    *opened = AddOpenKey(id);
-    if (disposition)
-        *disposition = found ? REG_OPENED_EXISTING_KEY : REG_CREATED_NEW_KEY;
-    return ERROR_SUCCESS;
+    return WithKey(
+        key,
+        [&](Store& store, const OpenKey& open) {
+            return CreatePath(store, open, View(path), View(keyClass), opened, disposition);
+        });
 }
 
 LONG RegCloseKey(HKEY key) {
-    if (KeyId(key) < 0)
-        return ERROR_SUCCESS;
-    return FindKernelObject<OpenKey>(key) && CloseKernelObject(key) ? static_cast<LONG>(ERROR_SUCCESS)
-                                                                    : Fail(ERROR_INVALID_HANDLE);
+    if (!IsMainKey(key) && (!FindKernelObject<OpenKey>(key) || !CloseKernelObject(key)))
+        return Fail(ERROR_INVALID_HANDLE);
+    Store* store = StoreIfOpen();
+    return AsSet(!store || store->Sync());
 }
 
 LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD*, DWORD* type, BYTE* data, DWORD* size) {
-    std::int64_t id = kNoKey;
-    Store* store = Begin(key, id);
-    if (!store)
-        return FailAsSet();
-    const std::u16string folded = Fold(View(name));
-    Statement select(store->connection, "SELECT type, data FROM vals WHERE key = ?1 AND folded = ?2");
-    if (!select.Bind(id).BindText(folded).Row())
-        return select.Failed() ? FailAsSet() : Fail(ERROR_FILE_NOT_FOUND);
-    return GiveValue(select, 0, 1, type, data, size);
+    return WithKey(
+        key,
+        [&](Store& store, const OpenKey& open) {
+            const std::u16string folded = Fold(View(name));
+            Statement select(store.connection, "SELECT type, data FROM vals WHERE key = ?1 AND folded = ?2");
+            if (!select.Bind(open.id).BindText(folded).Row())
+                return select.Failed() ? FailAsSet() : Fail(ERROR_FILE_NOT_FOUND);
+            return GiveValue(select, 0, 1, type, data, size);
+        });
 }
 
 LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD, DWORD type, const BYTE* data, DWORD size) {
-    std::int64_t id = kNoKey;
-    Store* store = Begin(key, id);
-    if (!store)
-        return FailAsSet();
-    if ((size != 0 && !data) || size > kLargestValue || View(name).size() > kLongestValueName)
-        return Fail(ERROR_INVALID_PARAMETER);
-    const std::u16string folded = Fold(View(name));
-    WriteTransaction transaction(*store);
-    if (!transaction.Begun())
-        return FailAsSet();
-    Statement write(store->connection,
-                    "INSERT INTO vals (key, folded, name, type, data) VALUES (?1, ?2, ?3, ?4, ?5) "
-                    "ON CONFLICT (key, folded) DO UPDATE SET type = excluded.type, data = excluded.data");
-    write.Bind(id).BindText(folded).BindText(View(name)).Bind(type);
-    write.BindBytes({reinterpret_cast<const char*>(data), size});
-    ++ownChanges;
-    return write.Run() && transaction.Commit() ? static_cast<LONG>(ERROR_SUCCESS) : FailAsSet();
+    return WithKey(
+        key,
+        [&](Store& store, const OpenKey& open) {
+            if ((size != 0 && !data) || size > kLargestValue || View(name).size() > kLongestValueName)
+                return Fail(ERROR_INVALID_PARAMETER);
+            return AsSet(
+                SetValue(store, open.id, View(name), type, {reinterpret_cast<const char*>(data), size}));
+        });
 }
 
 LONG RegDeleteValueW(HKEY key, const WCHAR* name) {
-    std::int64_t id = kNoKey;
-    Store* store = Begin(key, id);
-    if (!store)
-        return FailAsSet();
-    const std::u16string folded = Fold(View(name));
-    WriteTransaction transaction(*store);
-    if (!transaction.Begun())
-        return FailAsSet();
-    Statement remove(store->connection, "DELETE FROM vals WHERE key = ?1 AND folded = ?2");
-    if (!remove.Bind(id).BindText(folded).Run())
-        return FailAsSet();
-    if (store->connection.Changes() == 0)
-        return Fail(ERROR_FILE_NOT_FOUND);
-    ++ownChanges;
-    return transaction.Commit() ? static_cast<LONG>(ERROR_SUCCESS) : FailAsSet();
+    return WithKey(
+        key,
+        [&](Store& store, const OpenKey& open) { return AsSet(DeleteValue(store, open.id, View(name))); });
 }
 
 LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* nameLength, DWORD*, WCHAR* keyClass,
                    DWORD* classLength, FILETIME*) {
-    std::int64_t id = kNoKey;
-    Store* store = Begin(key, id);
-    if (!store)
-        return FailAsSet();
-    if (!name || !nameLength || (keyClass && !classLength))
-        return Fail(ERROR_INVALID_PARAMETER);
-    Statement select(store->connection,
-                     "SELECT folded, name, class FROM keys WHERE parent = ?1 AND folded >= ?2 "
-                     "ORDER BY folded LIMIT 1 OFFSET ?3 + ?4");
-    if (!StepTo(select, *store, id, index, PlaceOf(key, false)))
-        return FailAsSet();
-    const bool fits = GiveText(select.Text(1), name, nameLength) &&
-                      (!keyClass || GiveText(select.Text(2), keyClass, classLength));
-    return fits ? static_cast<LONG>(ERROR_SUCCESS) : Fail(ERROR_MORE_DATA);
+    return WithKey(
+        key,
+        [&](Store& store, OpenKey& open) {
+            if (!name || !nameLength || (keyClass && !classLength))
+                return Fail(ERROR_INVALID_PARAMETER);
+            Statement select(store.connection,
+                             "SELECT folded, name, class FROM keys WHERE parent = ?1 AND folded >= ?2 "
+                             "ORDER BY folded LIMIT 1 OFFSET ?3 + ?4");
+            if (!StepTo(select, store, open.id, index, open.keys))
+                return FailAsSet();
+            const bool fits = GiveText(select.Text(1), name, nameLength) &&
+                              (!keyClass || GiveText(select.Text(2), keyClass, classLength));
+            return fits ? static_cast<LONG>(ERROR_SUCCESS) : Fail(ERROR_MORE_DATA);
+        });
 }
 
 LONG RegEnumValueW(HKEY key, DWORD index, WCHAR* name, DWORD* nameLength, DWORD*, DWORD* type, BYTE* data,
                    DWORD* size) {
-    std::int64_t id = kNoKey;
-    Store* store = Begin(key, id);
-    if (!store)
-        return FailAsSet();
-    if (!name || !nameLength)
-        return Fail(ERROR_INVALID_PARAMETER);
-    Statement select(store->connection,
-                     "SELECT folded, name, type, data FROM vals WHERE key = ?1 AND folded >= ?2 "
-                     "ORDER BY folded LIMIT 1 OFFSET ?3 + ?4");
-    if (!StepTo(select, *store, id, index, PlaceOf(key, true)))
-        return FailAsSet();
-    if (!GiveText(select.Text(1), name, nameLength))
-        return Fail(ERROR_MORE_DATA);
-    return GiveValue(select, 2, 3, type, data, size);
+    return WithKey(
+        key,
+        [&](Store& store, OpenKey& open) {
+            if (!name || !nameLength)
+                return Fail(ERROR_INVALID_PARAMETER);
+            Statement select(store.connection,
+                             "SELECT folded, name, type, data FROM vals WHERE key = ?1 AND folded >= ?2 "
+                             "ORDER BY folded LIMIT 1 OFFSET ?3 + ?4");
+            if (!StepTo(select, store, open.id, index, open.values))
+                return FailAsSet();
+            if (!GiveText(select.Text(1), name, nameLength))
+                return Fail(ERROR_MORE_DATA);
+            return GiveValue(select, 2, 3, type, data, size);
+        });
 }

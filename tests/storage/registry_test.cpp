@@ -21,6 +21,7 @@ LONG Set(HKEY key, const WCHAR* name, DWORD type, const std::vector<BYTE>& bytes
     return RegSetValueExW(key, name, 0, type, bytes.data(), static_cast<DWORD>(bytes.size()));
 }
 
+// In the order of the enumeration.
 std::vector<std::u16string> ValueNames(HKEY key) {
     std::vector<std::u16string> names;
     WCHAR name[MAX_PATH];
@@ -123,6 +124,30 @@ TEST(Registry, ValuesComeBackWithTheirBytesWhateverTheTypeSays) {
     EXPECT_EQ(type, 0x12345U);
     EXPECT_EQ(size, 1U);
     EXPECT_EQ(data[0], 9);
+}
+
+TEST(Registry, HandlesOnMainKeysAreClosedAndPathsHaveTheirLimit) {
+    TestDevice device;
+    HKEY key = 0;
+    ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"", 0, KEY_READ, &key), 0);
+    EXPECT_EQ(RegCloseKey(key), 0);
+    EXPECT_EQ(RegCloseKey(key), LONG{ERROR_INVALID_HANDLE}) << "it is gone, not kept for ever";
+    EXPECT_EQ(RegCloseKey(HKEY_CURRENT_USER), 0);
+    EXPECT_EQ(Set(HKEY_CURRENT_USER, u"Own", REG_SZ, {1}), 0) << "a main key itself stays open";
+    EXPECT_EQ(ValueNames(HKEY_CURRENT_USER), std::vector<std::u16string>{u"Own"});
+
+    const auto make = [&](HKEY parent, std::size_t rest) {
+        const std::u16string path = u"\\two\\" + std::u16string(rest, u'p');
+        return RegCreateKeyExW(parent, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
+    };
+    const HKEY deep = Make(HKEY_CURRENT_USER, std::u16string(200, u'd').c_str());
+    EXPECT_EQ(make(deep, 55), LONG{ERROR_FILENAME_EXCED_RANGE}) << "200 + 4 + 56 characters";
+    WCHAR name[MAX_PATH];
+    DWORD length = MAX_PATH;
+    EXPECT_EQ(RegEnumKeyExW(deep, 0, name, &length, nullptr, nullptr, nullptr, nullptr),
+              LONG{ERROR_NO_MORE_ITEMS});
+    EXPECT_EQ(make(deep, 54), 0);
+    EXPECT_EQ(make(key, 1), LONG{ERROR_FILENAME_EXCED_RANGE}) << "counted from the main key";
 }
 
 TEST(Registry, EnumerationGoesOnAmongDeletions) {
