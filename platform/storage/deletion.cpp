@@ -80,9 +80,11 @@ bool DeleteDatabase(Store& store, CEOID database) {
     if (!InTransaction(store, Change::Frees,
                        [&] { return store.catalogue.Find(database) && store.catalogue.Remove(database); }))
         return false;
-    store.catalogue.Forget(database);
-    if (DeleteContents(store, database) && wasTidy)
-        store.locks.SetTidy(true);
+    store.AfterCommit([&] {
+        store.catalogue.Forget(database);
+        if (DeleteContents(store, database) && wasTidy)
+            store.locks.SetTidy(true);
+    });
     return store.Sync();
 }
 

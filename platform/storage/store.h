@@ -44,7 +44,7 @@ public:
     void EmptyLog();
     // Whether opening it again may make more of it: there may be room now, or nobody writing.
     bool IsWorthReopening() const;
-    // Runs what only keeps caches good after a commit. When there is no memory for it they are dropped.
+    // Runs what may be left undone after a commit, but for caches: without memory for it they are dropped.
     template <typename Step>
     void AfterCommit(Step step) {
         try {
