@@ -93,7 +93,7 @@ bool TakeInfo(Store& store, const CEDBASEINFO& info, bool reorder, DatabaseRow& 
 
 bool ChangeInfo(Store& store, CEOID oid, const CEDBASEINFO& info, bool reorder) {
     DatabaseRow row;
-    if (!InTransaction(store, Change::Adds, [&] {
+    if (!InTransaction(store, [&] {
             const DatabaseRow* found = store.catalogue.Find(oid);
             if (!found)
                 return false;
@@ -161,7 +161,7 @@ CEOID Create(std::u16string_view name, DWORD type, WORD sortOrders, const SORTOR
     name.copy(row.info.szDbaseName, name.size());
     row.info.dwDbaseType = type;
     TakeSortOrders(row.info, sortOrders, specs);
-    if (!InTransaction(*store, Change::Adds, [&] {
+    if (!InTransaction(*store, [&] {
             if (!NameIsFree(*store, name, 0))
                 return false;
             row.oid = store->NewIdentifier();

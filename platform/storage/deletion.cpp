@@ -37,7 +37,7 @@ bool DeleteInSteps(Store& store, const char* sql, std::int64_t first, std::int64
     int rows = kMostRows;
     int deleted = 0;
     do {
-        const bool done = InTransaction(store, Change::Frees, [&] {
+        const bool done = InTransaction(store, [&] {
             Statement remove(store.connection, sql);
             const bool removed = remove.Bind(first).Bind(last).Bind(rows).Run();
             deleted = store.connection.Changes();
@@ -77,7 +77,7 @@ bool DeleteSortKeys(Store& store, CEOID database) {
 bool DeleteDatabase(Store& store, CEOID database) {
     const bool wasTidy = store.locks.IsTidy();
     store.locks.SetTidy(false);
-    if (!InTransaction(store, Change::Frees,
+    if (!InTransaction(store,
                        [&] { return store.catalogue.Find(database) && store.catalogue.Remove(database); }))
         return false;
     store.AfterCommit([&] {

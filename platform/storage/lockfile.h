@@ -42,7 +42,7 @@ public:
     bool HoldAlone(CEOID database);
     void ReleaseAlone(CEOID database);
 
-    // Room on the disk that the file keeps for opening the store and deleting from it when the disk is full.
+    // Room that the file keeps for opening the store and for its log when the disk is full.
     bool HasRoom() const;
     void SetRoomAside(); // fails silently when there is none
     void GiveRoomBack();

@@ -119,7 +119,7 @@ CEOID MakeRecord(Store& store, CEOID database, WORD count, const CEPROPVAL* valu
     made.form = form;
     RecordChange change{0, nullptr, &made};
     DatabaseRow row;
-    if (!InTransaction(store, Change::Adds, [&] {
+    if (!InTransaction(store, [&] {
             const DatabaseRow* found = store.catalogue.Find(database);
             if (!found)
                 return false;
@@ -158,7 +158,7 @@ CEOID ChangeRecord(Store& store, CEOID database, CEOID record, WORD count, const
     StoredRecord changed;
     const RecordChange change{record, &old, &changed};
     DatabaseRow row;
-    if (!InTransaction(store, Change::Adds, [&] {
+    if (!InTransaction(store, [&] {
             const DatabaseRow* found = store.catalogue.Find(database);
             if (!found || !ReadStored(store, RecordRow(database, record), old.count, oldForm))
                 return false;
@@ -179,7 +179,7 @@ bool DeleteRecord(Store& store, CEOID database, CEOID record) {
     StoredRecord old;
     const RecordChange change{record, &old, nullptr};
     DatabaseRow row;
-    if (!InTransaction(store, Change::Frees, [&] {
+    if (!InTransaction(store, [&] {
             const DatabaseRow* found = store.catalogue.Find(database);
             if (!found || !ReadStored(store, RecordRow(database, record), old.count, form))
                 return false;

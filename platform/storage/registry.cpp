@@ -133,7 +133,7 @@ std::int64_t MakeChild(Store& store, std::int64_t parent, std::u16string_view na
 std::int64_t MakePath(Store& store, std::int64_t parent, std::u16string_view path,
                       std::u16string_view keyClass) {
     std::int64_t key = kNoKey;
-    const bool made = InTransaction(store, Change::Adds, [&] {
+    const bool made = InTransaction(store, [&] {
         key = parent;
         std::u16string_view rest = path;
         for (std::u16string_view part = NextPart(rest); key != kNoKey && !part.empty();) {
@@ -234,7 +234,7 @@ LONG CreatePath(Store& store, const OpenKey& key, std::u16string_view path, std:
 
 bool SetValue(Store& store, std::int64_t key, std::u16string_view name, DWORD type, std::string_view bytes) {
     const std::u16string folded = Fold(name);
-    const bool set = InTransaction(store, Change::Adds, [&] {
+    const bool set = InTransaction(store, [&] {
         Statement write(store.connection,
                         "INSERT INTO vals (key, folded, name, type, data) VALUES (?1, ?2, ?3, ?4, ?5) "
                         "ON CONFLICT (key, folded) DO UPDATE SET type = excluded.type, data = excluded.data");
@@ -246,7 +246,7 @@ bool SetValue(Store& store, std::int64_t key, std::u16string_view name, DWORD ty
 
 bool DeleteValue(Store& store, std::int64_t key, std::u16string_view name) {
     const std::u16string folded = Fold(name);
-    const bool deleted = InTransaction(store, Change::Frees, [&] {
+    const bool deleted = InTransaction(store, [&] {
         Statement remove(store.connection, "DELETE FROM vals WHERE key = ?1 AND folded = ?2");
         if (!remove.Bind(key).BindText(folded).Run())
             return false;

@@ -9,8 +9,6 @@ namespace storage {
 
 namespace {
 
-constexpr int kChunkBytes = 64 * 1024; // by which a store's file grows
-
 struct Finalize {
     void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 };
@@ -71,8 +69,6 @@ int Connection::Open(const std::string& name, int flags) {
         return cause;
     }
     sqlite3_extended_result_codes(handle, 1);
-    int chunk = kChunkBytes;
-    sqlite3_file_control(handle, nullptr, SQLITE_FCNTL_CHUNK_SIZE, &chunk);
     return SQLITE_OK;
 }
 
@@ -91,9 +87,14 @@ int Connection::Execute(const char* sql) {
 }
 
 int Connection::Reserve(std::int64_t bytes) {
+    // Chunks only now: they would also be what the file is cut to, with a hole where nothing was reserved.
+    int chunk = 64 * 1024;
+    int none = 0;
     sqlite3_int64 wanted = bytes;
-    return sqlite3_file_control(handle, nullptr, SQLITE_FCNTL_SIZE_HINT, &wanted) == SQLITE_OK ? SQLITE_OK
-                                                                                               : SQLITE_FULL;
+    sqlite3_file_control(handle, nullptr, SQLITE_FCNTL_CHUNK_SIZE, &chunk);
+    const int result = sqlite3_file_control(handle, nullptr, SQLITE_FCNTL_SIZE_HINT, &wanted);
+    sqlite3_file_control(handle, nullptr, SQLITE_FCNTL_CHUNK_SIZE, &none);
+    return result == SQLITE_OK ? SQLITE_OK : SQLITE_FULL;
 }
 
 void Connection::ExpectUnchanged(const std::string& path) {

@@ -29,7 +29,7 @@ public:
     // What to do when another process has the lock: `wait` is called with the number of calls before, and
     // returns 0 to give up.
     void SetWait(int (*wait)(void*, int), void* context) { sqlite3_busy_handler(handle, wait, context); }
-    // Has room on the disk for a file of so many bytes, rounded up to whole chunks. A result of SQLite.
+    // Sees to it that the disk has room for a file of so many bytes. A result of SQLite.
     int Reserve(std::int64_t bytes);
     // For a file that was opened without locks: from now on rows are refused with SQLITE_BUSY once anybody
     // has written to it.

@@ -7,6 +7,7 @@
 #include <ctime>
 #include <fcntl.h>
 #include <memory>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "platform/device.h"
@@ -20,7 +21,6 @@ namespace {
 
 constexpr std::uint64_t kLargestBlock = 64;
 constexpr std::uint64_t kIdentifiersEnd = 0xFFFFFFFF; // the greatest of all is never given out
-constexpr std::int64_t kPagesAhead = 16;              // for which room is reserved at a time
 constexpr std::chrono::milliseconds kLockCheckInterval{250};
 
 std::unique_ptr<Store>& Slot() {
@@ -110,21 +110,21 @@ bool Store::ReserveGrowth() {
     Statement pages(connection, "PRAGMA page_count");
     if (!pages.Row())
         return false;
-    if (pages.Number(0) <= reservedPages)
+    const std::int64_t count = pages.Number(0);
+    if (count <= reservedPages)
         return true;
-    if (pageBytes == 0) {
-        Statement size(connection, "PRAGMA page_size");
-        if (!size.Row())
-            return false;
-        pageBytes = size.Number(0);
-    }
-    const std::int64_t wanted = (pages.Number(0) / kPagesAhead + 1) * kPagesAhead;
-    const int result = connection.Reserve(wanted * pageBytes);
+    Statement size(connection, "PRAGMA page_size");
+    struct stat file {};
+    if (!size.Row())
+        return false;
+    const std::int64_t bytes = count * size.Number(0);
+    const bool fits = stat(path.c_str(), &file) == 0 && bytes <= file.st_size;
+    const int result = fits ? SQLITE_OK : mayGrow ? connection.Reserve(bytes) : SQLITE_FULL;
     if (result != SQLITE_OK) {
         SetLastError(ErrorOf(result));
         return false;
     }
-    reservedPages = wanted;
+    reservedPages = count; // and not what was reserved beyond: SQLite cuts that off when the log is through
     return true;
 }
 
@@ -147,7 +147,6 @@ bool Store::Sync() {
 
 void Store::EmptyLog() {
     connection.Execute("PRAGMA wal_checkpoint(TRUNCATE)");
-    reservedPages = 0; // the file has been cut to what is in it
 }
 
 bool Store::IsWorthReopening() const {
@@ -176,6 +175,7 @@ WriteTransaction::~WriteTransaction() {
         store.connection.Execute("ROLLBACK"); // fails when SQLite did so by itself
         SetLastError(cause);
         store.nextIdentifier = store.endIdentifier = 0;
+        store.reservedPages = 0;
         End();
     }
 }
@@ -204,12 +204,14 @@ bool RoomMaker::Make() {
     if (GetLastError() != ERROR_DISK_FULL || store.readOnlyError != ERROR_SUCCESS || gaveRoomBack)
         return false;
     if (logEmptied) {
-        if (!frees || !store.locks.HasRoom())
+        if (!store.locks.HasRoom())
             return false;
         store.locks.GiveRoomBack();
-        // What is freed is otherwise overwritten with zeros, which takes as much of the log.
-        store.connection.Execute("PRAGMA secure_delete = OFF");
         gaveRoomBack = true;
+        // The room is the log's. What is deleted is otherwise overwritten with zeros, which takes as much of
+        // it.
+        store.mayGrow = false;
+        store.connection.Execute("PRAGMA secure_delete = OFF");
     }
     store.EmptyLog();
     logEmptied = true;
@@ -220,6 +222,7 @@ bool RoomMaker::Make() {
 RoomMaker::~RoomMaker() {
     if (gaveRoomBack) {
         const DWORD cause = GetLastError();
+        store.mayGrow = true;
         store.connection.Execute("PRAGMA secure_delete = ON");
         store.EmptyLog();
         store.locks.SetRoomAside();

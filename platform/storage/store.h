@@ -56,6 +56,7 @@ public:
 
 private:
     friend class WriteTransaction;
+    friend class RoomMaker;
 
     void ForgetCached();
     bool ReserveGrowth();
@@ -64,8 +65,8 @@ private:
     std::uint64_t nextIdentifier = 0;
     std::uint64_t endIdentifier = 0;
     std::uint64_t blockSize = 1;
-    std::int64_t pageBytes = 0;
     std::int64_t reservedPages = 0; // of the file, for which there is room on the disk
+    bool mayGrow = true;            // the file; its log always may
     bool unsynced = false;
     bool folderSynced = false;
     std::chrono::steady_clock::time_point locksSeen;
@@ -99,11 +100,11 @@ private:
     std::uint64_t count = 0;
 };
 
-// Makes room for a step that failed on a full disk.
+// Makes room for a step that failed on a full disk: by emptying the log, then by lending the log the room
+// that is set aside, as long as the file itself need not grow.
 class RoomMaker {
 public:
-    // Only a step that `frees` something gets the room that is set aside.
-    RoomMaker(Store& store, bool frees) : store(store), frees(frees) {}
+    explicit RoomMaker(Store& store) : store(store) {}
     RoomMaker(const RoomMaker&) = delete;
     RoomMaker& operator=(const RoomMaker&) = delete;
     ~RoomMaker();
@@ -113,18 +114,15 @@ public:
 
 private:
     Store& store;
-    bool frees;
     bool logEmptied = false;
     bool gaveRoomBack = false;
 };
 
-enum class Change { Adds, Frees };
-
-// Runs a step in a transaction of its own, and once more when the disk was full and room could be made. The
-// step returns false with the last error set; so does this.
+// Runs a step in a transaction of its own, and again when the disk was full and room could be made. The step
+// returns false with the last error set; so does this.
 template <typename Step>
-bool InTransaction(Store& store, Change change, Step step) {
-    RoomMaker room(store, change == Change::Frees);
+bool InTransaction(Store& store, Step step) {
+    RoomMaker room(store);
     do {
         WriteTransaction transaction(store);
         if (transaction.Begun() && step() && transaction.Commit())
