@@ -1,8 +1,11 @@
 // Devices that are damaged, foreign, full, or cannot be written.
+#include <cerrno>
 #include <filesystem>
 #include <sched.h>
 #include <sqlite3.h>
 #include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "tests/platform/otherprocess.h"
@@ -256,6 +259,168 @@ TEST(Faults, ADeviceThatCannotBeWrittenCanBeRead) {
     std::filesystem::remove(log);
     WriteHostFile(device.folder + "/objectstore.db", "");
     EXPECT_TRUE(passesReadOnly(isWriteProtected));
+}
+
+TEST(Faults, AStoreThatIsReadWithoutLocksIsRefusedOnceAnybodyWrites) {
+    TestDevice device;
+    const std::string path = device.folder + "/objectstore.db";
+    const HANDLE handle = OpenById(CeCreateDatabase(u"Read", 1, 0, nullptr));
+    for (int record = 0; record < 200; ++record)
+        Values().Blob(1, std::string(1000, 'r')).Write(handle);
+    CloseHandle(handle);
+    device.Restart();
+    namespace fs = std::filesystem;
+    fs::permissions(device.folder, fs::perms(0755));
+    fs::permissions(path, fs::perms(0644));
+    HANDLE reader = 0;
+    const auto walks = [&] {
+        while (CeSeekDatabase(reader, CEDB_SEEK_CURRENT, 1, nullptr) != 0) {
+        }
+        return GetLastError();
+    };
+    OtherProcess other({[&] { return geteuid() != 0 || setuid(65534) == 0; },
+                        [&] { return (reader = OpenById(FindDatabase(u"Read"))) != INVALID_HANDLE_VALUE; },
+                        [&] { return walks() == ERROR_NO_MORE_ITEMS; },
+                        [&] {
+                            return walks() == ERROR_SHARING_VIOLATION && CloseHandle(reader) &&
+                                   CeFindFirstDatabase(0) == INVALID_HANDLE_VALUE;
+                        }});
+    ASSERT_TRUE(other.Run(0));
+    EXPECT_TRUE(other.Run(1));
+    EXPECT_TRUE(other.Run(2));
+    CeCreateDatabase(u"Written meanwhile", 1, 0, nullptr);
+    fs::permissions(path + "-shm", fs::perms(0600));
+    EXPECT_TRUE(other.Run(3)) << "neither a cut walk nor an old list";
+}
+
+void Unusable(DWORD error) {
+    EXPECT_FALSE(OpenDeviceStore());
+    EXPECT_EQ(GetLastError(), error);
+    ExpectUnusable(error);
+}
+
+TEST(Faults, AStoreThatCannotBeUsedIsToldBeforeItIs) {
+    TestDevice device;
+    const std::string path = device.folder + "/objectstore.db";
+    namespace fs = std::filesystem;
+    ASSERT_TRUE(OpenDeviceStore()) << "made when it is missing";
+    const HANDLE handle = OpenById(CeCreateDatabase(u"Large", 1, 0, nullptr));
+    Values().Blob(1, std::string(100'000, 'l')).Write(handle);
+    CloseHandle(handle);
+    device.Restart();
+    const std::string whole = HostFile(path);
+    for (const std::size_t length : {std::size_t{50}, whole.size() / 2, whole.size() - 4096}) {
+        WriteHostFile(path, whole.substr(0, length));
+        Unusable(ERROR_FILE_CORRUPT);
+        device.Restart();
+    }
+    fs::remove(path);
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    Unusable(ERROR_FILE_CORRUPT);
+    fs::remove(path);
+    fs::create_directory(path);
+    Unusable(ERROR_FILE_CORRUPT);
+    fs::remove(path);
+    fs::create_symlink(path, path);
+    Unusable(ERROR_ACCESS_DENIED);
+    fs::remove(path);
+    WriteHostFile(path, whole);
+    rlimit usual{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
+    const rlimit few{3, usual.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &few);
+    Unusable(ERROR_NOT_ENOUGH_MEMORY);
+    setrlimit(RLIMIT_NOFILE, &usual);
+    EXPECT_TRUE(OpenDeviceStore());
+    device.Restart();
+    fs::permissions(path, fs::perms(0));
+    EXPECT_TRUE(AsOrdinaryUser([] { return !OpenDeviceStore() && GetLastError() == ERROR_WRITE_PROTECT; }));
+}
+
+// Reading from the store's file through SQLite, which the host refuses or cuts short from some read on.
+int readsLeft = -1;
+ssize_t brokenRead = -1;
+
+ssize_t BrokenPread(int file, void* to, std::size_t bytes, off_t offset) {
+    if (readsLeft == 0) {
+        errno = EIO;
+        return brokenRead;
+    }
+    readsLeft -= readsLeft > 0 ? 1 : 0;
+    return pread(file, to, bytes, offset);
+}
+
+void BreakReads(bool broken) {
+    sqlite3_vfs* system = sqlite3_vfs_find(nullptr);
+    const auto call = reinterpret_cast<sqlite3_syscall_ptr>(BrokenPread);
+    for (const char* name : {"pread", "pread64"})
+        system->xSetSystemCall(system, name, broken ? call : nullptr);
+    readsLeft = -1;
+}
+
+bool SaysThatReadingFailed() {
+    return GetLastError() == ERROR_GEN_FAILURE || GetLastError() == ERROR_FILE_CORRUPT;
+}
+
+// Walks with a read that fails wherever the store has to read. How often it did; each time the walk went on
+// from where it was once it could.
+DWORD WalkOverFailures(HANDLE handle, DWORD records) {
+    DWORD failures = 0;
+    DWORD type = CEDB_SEEK_BEGINNING;
+    for (DWORD seen = 0; seen < records; ++seen) {
+        const DWORD steps = seen == 0 ? 0 : 1;
+        readsLeft = 0;
+        if (CeSeekDatabase(handle, type, steps, nullptr) == 0) {
+            EXPECT_TRUE(SaysThatReadingFailed());
+            ++failures;
+            readsLeft = -1;
+            EXPECT_NE(CeSeekDatabase(handle, type, steps, nullptr), 0U);
+        }
+        EXPECT_EQ(ReadBack(handle)[0].val.lVal, static_cast<LONG>(seen));
+        type = CEDB_SEEK_CURRENT;
+    }
+    readsLeft = -1;
+    EXPECT_EQ(FailureOf(CeSeekDatabase(handle, CEDB_SEEK_CURRENT, 1, nullptr)), ERROR_NO_MORE_ITEMS);
+    return failures;
+}
+
+// How many reads an enumeration takes; it fails as long as it gets fewer.
+int EnumerateOverFailures(TestDevice& device, CEOID database) {
+    for (int reads = 0;; ++reads) {
+        device.Restart();
+        readsLeft = reads;
+        const HANDLE found = CeFindFirstDatabase(0);
+        CEOIDINFO info{};
+        if (found != INVALID_HANDLE_VALUE && CeFindNextDatabase(found) == database &&
+            CeOidGetInfo(database, &info) && CloseHandle(found)) {
+            readsLeft = -1;
+            return reads;
+        }
+        EXPECT_TRUE(SaysThatReadingFailed()) << reads;
+    }
+}
+
+TEST(Faults, AFailingReadIsNeverTheEnd) {
+    TestDevice device;
+    constexpr DWORD kRecords = 300;
+    const SORTORDERSPEC spec = {Prop(1, CEVT_I4), 0};
+    const CEOID database = CeCreateDatabase(u"Walked", 1, 1, &spec);
+    HANDLE handle = OpenById(database);
+    for (DWORD number = 0; number < kRecords; ++number)
+        Values().Number(1, static_cast<LONG>(number)).Blob(2, std::string(900, 'w')).Write(handle);
+    CloseHandle(handle);
+    BreakReads(true);
+    brokenRead = -1;
+    for (const CEPROPID sort : {CEPROPID{0}, spec.propid}) {
+        device.Restart();
+        handle = OpenById(database, sort);
+        EXPECT_GT(WalkOverFailures(handle, kRecords), 3U);
+        CloseHandle(handle);
+    }
+    EXPECT_GT(EnumerateOverFailures(device, database), 1);
+    brokenRead = 0; // a file that ends too early
+    EXPECT_GT(EnumerateOverFailures(device, database), 1);
+    BreakReads(false);
 }
 
 TEST(Faults, ADeviceThatCannotBeMadeIsTold) {
