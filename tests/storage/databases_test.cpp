@@ -1,3 +1,4 @@
+#include "platform/storage/watch.h"
 #include "tests/storage/storesupport.h"
 
 namespace {
@@ -124,6 +125,39 @@ TEST(Databases, TellSizeCountAndTimeOfTheLatestChange) {
     ASSERT_TRUE(GetStoreInformation(&information));
     EXPECT_GT(information.dwFreeSize, 0U);
     EXPECT_GE(information.dwStoreSize, information.dwFreeSize);
+}
+
+TEST(Databases, AreBroughtToTheDiskWhenACommandEnds) {
+    TestDevice device;
+    const auto isUnsynced = [] { return storage::TheStore()->IsUnsynced(); };
+    const CEOID database = CeCreateDatabase(u"Durable", 1, 0, nullptr);
+    EXPECT_FALSE(isUnsynced());
+    const HANDLE first = OpenById(database);
+    const HANDLE second = OpenById(database);
+    Values().Number(1, 1).Write(first);
+    CloseHandle(first);
+    EXPECT_TRUE(isUnsynced()) << "not with each record, nor while another handle is open";
+    CloseHandle(second);
+    EXPECT_FALSE(isUnsynced());
+    const HANDLE watching = OpenById(database, 0, reinterpret_cast<HWND>(&device));
+    Values().Number(1, 1).Write(watching);
+    EXPECT_TRUE(isUnsynced());
+    PollStoreChanges();
+    EXPECT_FALSE(isUnsynced());
+    CloseHandle(watching);
+}
+
+TEST(Databases, AStatementMayRunWithinItself) {
+    TestDevice device;
+    CeCreateDatabase(u"One", 1, 0, nullptr);
+    CeCreateDatabase(u"Two", 1, 0, nullptr);
+    storage::Connection& connection = storage::TheStore()->connection;
+    const char* const sql = "SELECT oid FROM databases ORDER BY oid";
+    int pairs = 0;
+    for (storage::Statement outer(connection, sql); outer.Row();)
+        for (storage::Statement inner(connection, std::string(sql).c_str()); inner.Row(); ++pairs)
+            EXPECT_GE(outer.Number(0), 1);
+    EXPECT_EQ(pairs, 4);
 }
 
 } // namespace

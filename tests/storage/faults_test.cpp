@@ -331,7 +331,9 @@ TEST(Faults, AStoreThatCannotBeUsedIsToldBeforeItIs) {
     setrlimit(RLIMIT_NOFILE, &few);
     Unusable(ERROR_NOT_ENOUGH_MEMORY);
     setrlimit(RLIMIT_NOFILE, &usual);
+    fs::permissions(path, fs::perms(0666));
     EXPECT_TRUE(OpenDeviceStore());
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0600)) << "earlier versions let everybody read it";
     device.Restart();
     fs::permissions(path, fs::perms(0));
     EXPECT_TRUE(AsOrdinaryUser([] { return !OpenDeviceStore() && GetLastError() == ERROR_WRITE_PROTECT; }));

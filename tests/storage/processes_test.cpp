@@ -1,5 +1,8 @@
 // Two processes on one device.
+#include <filesystem>
+#include <optional>
 #include <set>
+#include <sys/stat.h>
 
 #include "platform/storage/watch.h"
 #include "tests/platform/otherprocess.h"
@@ -156,6 +159,84 @@ TEST(Processes, OnlyForeignCreationsAndDeletionsAreReported) {
     CloseHandle(plain);
     EXPECT_FALSE(StoreWatchWanted());
     SetNotifySink(nullptr);
+}
+
+// What is written to standard error while this lives can be read from `reading`.
+struct CapturedErrors {
+    CapturedErrors() {
+        int ends[2];
+        EXPECT_EQ(pipe(ends), 0);
+        reading = ends[0];
+        usual = dup(STDERR_FILENO);
+        dup2(ends[1], STDERR_FILENO);
+        close(ends[1]);
+    }
+    CapturedErrors(const CapturedErrors&) = delete;
+    CapturedErrors& operator=(const CapturedErrors&) = delete;
+    ~CapturedErrors() {
+        dup2(usual, STDERR_FILENO);
+        close(usual);
+        close(reading);
+    }
+    int reading = -1;
+    int usual = -1;
+};
+
+TEST(Processes, WaitingSaysForWhom) {
+    TestDevice device;
+    const CapturedErrors captured;
+    std::string told;
+    std::optional<storage::WriteTransaction> writing;
+    OtherProcess other({[&] { return writing.emplace(*storage::TheStore()).Begun(); },
+                        [&] { // goes on writing until the waiting one complains
+                            char letter = 0;
+                            while (letter != '\n' && read(captured.reading, &letter, 1) == 1)
+                                told += letter;
+                            return writing->Commit() && told == "pocket-strandview: waiting for process " +
+                                                                    std::to_string(getpid()) +
+                                                                    ", which is changing the device\n";
+                        }});
+    ASSERT_TRUE(other.Run(0));
+    other.Start(1);
+    EXPECT_NE(CeCreateDatabase(u"In its turn", 1, 0, nullptr), 0U);
+    EXPECT_TRUE(other.Await());
+}
+
+TEST(Processes, MeetAtTheLockFileOfTheStoreItself) {
+    TestDevice device;
+    TestDevice linked;
+    const std::string store = device.folder + "/objectstore.db";
+    std::filesystem::create_symlink(store, linked.folder + "/objectstore.db");
+    HANDLE theirs = INVALID_HANDLE_VALUE;
+    const auto oneRecord = [&] { return CeSeekDatabase(theirs, CEDB_SEEK_END, 0, nullptr) != 0; };
+    OtherProcess other({[&] { // by the link, which leads nowhere yet
+                            return CeCreateDatabase(u"Shared", 1, 0, nullptr) != 0 &&
+                                   (theirs = OpenById(FindDatabase(u"Shared"))) != INVALID_HANDLE_VALUE;
+                        },
+                        oneRecord,
+                        [&] {
+                            // Caches may be trusted a while; then the other lock file is noticed.
+                            while (!oneRecord()) {
+                            }
+                            return Values().Number(1, 2).Write(theirs) != 0;
+                        }});
+    ASSERT_TRUE(other.Run(0));
+    EXPECT_TRUE(UseDevice(device.folder));
+    const CEOID database = FindDatabase(u"Shared");
+    EXPECT_EQ(FailureOf(CeDeleteDatabase(database)), ERROR_SHARING_VIOLATION);
+    EXPECT_FALSE(other.Run(1));
+    std::filesystem::remove(store + "-lock");
+    HANDLE handle = OpenById(database);
+    EXPECT_NE(Values().Number(1, 1).Write(handle), 0U);
+    ASSERT_TRUE(other.Run(2));
+    EXPECT_EQ(Seek(handle, CEDB_SEEK_BEGINNING, 1).second, 1U);
+    CloseHandle(handle);
+    EXPECT_EQ(FailureOf(CeDeleteDatabase(database)), ERROR_SHARING_VIOLATION) << "held in the new file, too";
+    for (const char* ending : {"", "-wal", "-shm", "-lock"}) {
+        struct stat status {};
+        ASSERT_EQ(stat((store + ending).c_str(), &status), 0) << ending;
+        EXPECT_EQ(status.st_mode & 0777, 0600U) << ending;
+    }
 }
 
 TEST(Processes, AKilledWriterLeavesWholeRecordsAndNoLock) {
