@@ -1,55 +1,44 @@
 #include "platform/files.h"
 
-#include <cerrno>
 #include <fcntl.h>
-#include <string>
 #include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
+#include "platform/base/devicefiles.h"
 #include "platform/base/handles.h"
+#include "platform/base/hosterror.h"
 #include "platform/base/paths.h"
-#include "platform/errors.h"
+#include "platform/base/replacement.h"
 
 namespace {
 
+constexpr mode_t kNewFileMode = 0666; // less what the user's mask takes away
+
 class HostFile : public KernelObject {
 public:
-    explicit HostFile(int descriptor) : descriptor(descriptor) {}
-    ~HostFile() override { close(descriptor); } // drops the lock too
-    const int descriptor;
-};
+    HostFile(Descriptor opened, DWORD access) : named(std::move(opened)), access(access) {}
 
-DWORD ErrorOf(int hostError) {
-    switch (hostError) {
-    case ENOENT:
-        return ERROR_FILE_NOT_FOUND;
-    case ENOTDIR:
-    case ENAMETOOLONG:
-    case ELOOP:
-        return ERROR_PATH_NOT_FOUND;
-    case EEXIST:
-        return ERROR_FILE_EXISTS;
-    case EWOULDBLOCK:
-        return ERROR_SHARING_VIOLATION;
-    case ENOSPC:
-    case EDQUOT:
-    case EFBIG:
-        return ERROR_DISK_FULL;
-    case ENOMEM:
-    case EMFILE:
-    case ENFILE:
-        return ERROR_NOT_ENOUGH_MEMORY;
-    case EINVAL:
-        return ERROR_INVALID_PARAMETER;
-    default:
-        return ERROR_ACCESS_DENIED;
+    int Number() const { return replacement ? replacement->Number() : named.Number(); }
+    bool Close() override {
+        const int error = replacement ? replacement->PutInPlace(!complete) : named.Close();
+        if (error != 0)
+            SetLastError(ErrorOfHost(error));
+        return error == 0;
     }
-}
+
+    Descriptor named;   // what stands under the name, held by its lock
+    const DWORD access; // as asked for; a replacement's descriptor has both kinds
+    std::unique_ptr<Replacement> replacement;
+    bool complete = false; // flushed, and not written since
+};
 
 BOOL Fail(DWORD error) {
     SetLastError(error);
     return FALSE;
+}
+
+HANDLE FailToOpen(DWORD error) {
+    SetLastError(error);
+    return INVALID_HANDLE_VALUE;
 }
 
 // A missing file and a missing folder on the way to it are the same to the host.
@@ -59,21 +48,20 @@ DWORD OpenError(int hostError, const std::string& path) {
     if (hostError == ENOENT && slash != std::string::npos && slash != 0 &&
         stat(path.substr(0, slash).c_str(), &status) != 0)
         return ERROR_PATH_NOT_FOUND;
-    return ErrorOf(hostError);
+    return ErrorOfHost(hostError);
 }
 
 int OpenFlags(DWORD access, DWORD disposition) {
     // Not blocking: a pipe without a peer must not hold the program up, it is turned down afterwards.
     int flags = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
     flags |= !(access & GENERIC_WRITE) ? O_RDONLY : access & GENERIC_READ ? O_RDWR : O_WRONLY;
-    flags |= disposition == CREATE_ALWAYS ? O_CREAT : disposition == CREATE_NEW ? O_CREAT | O_EXCL : 0;
+    flags |= disposition == CREATE_ALWAYS ? O_CREAT : 0;
     return flags;
 }
 
-// Takes an opened file for its opener, then empties it if that was asked for. Returns the host's error;
-// `gone` tells that the file was deleted meanwhile, so that its name has to be opened again.
-int TakeFile(int descriptor, bool shared, bool truncate, bool& gone) {
-    struct stat status;
+// Takes an opened file for its opener. Returns the host's error; `gone` tells that the path leads to another
+// file meanwhile, or to none, so that it has to be opened again.
+int TakeFile(int descriptor, const std::string& path, bool shared, struct stat& status, bool& gone) {
     if (fstat(descriptor, &status) != 0)
         return errno;
     if (S_ISCHR(status.st_mode))
@@ -83,29 +71,42 @@ int TakeFile(int descriptor, bool shared, bool truncate, bool& gone) {
     // A file system without locks leaves its files unprotected rather than unreachable.
     if (flock(descriptor, (shared ? LOCK_SH : LOCK_EX) | LOCK_NB) != 0 && errno == EWOULDBLOCK)
         return EWOULDBLOCK;
-    if (fstat(descriptor, &status) != 0)
-        return errno;
-    gone = status.st_nlink == 0;
-    return !gone && truncate && status.st_size != 0 && ftruncate(descriptor, 0) != 0 ? errno : 0;
+    struct stat present;
+    gone = stat(path.c_str(), &present) != 0 || present.st_dev != status.st_dev ||
+           present.st_ino != status.st_ino;
+    return fstat(descriptor, &status) != 0 ? errno : 0;
+}
+
+// Begins a file's contents anew, beside those it has where the host allows it. Returns the host's error.
+int BeginAnew(HostFile& file, const std::string& path, const struct stat& status) {
+    if (!S_ISREG(status.st_mode) || status.st_size == 0)
+        return 0;
+    auto replacement = std::make_unique<Replacement>();
+    const std::string real = RealFilePath(path);
+    const int error = real.empty() ? EACCES : replacement->Begin(real, status);
+    if (error == EACCES || error == EPERM || error == EROFS)
+        return ftruncate(file.named.Number(), 0) == 0 ? 0 : errno; // in its place, for want of another
+    if (error == 0)
+        file.replacement = std::move(replacement);
+    return error;
 }
 
 HANDLE OpenHostFile(const std::string& path, DWORD access, DWORD share, DWORD disposition) {
     const bool shared = !(access & GENERIC_WRITE) && (share & FILE_SHARE_READ);
     for (;;) {
-        const int descriptor = open(path.c_str(), OpenFlags(access, disposition), 0666);
-        if (descriptor < 0) {
-            SetLastError(OpenError(errno, path));
-            return INVALID_HANDLE_VALUE;
-        }
+        auto file = std::make_unique<HostFile>(
+            Descriptor(open(path.c_str(), OpenFlags(access, disposition), kNewFileMode)), access);
+        if (!file->named.Valid())
+            return FailToOpen(OpenError(errno, path));
+        struct stat status;
         bool gone = false;
-        const int error = TakeFile(descriptor, shared, disposition == CREATE_ALWAYS, gone);
-        if (error == 0 && !gone)
-            return AddKernelObject(std::make_unique<HostFile>(descriptor));
-        close(descriptor);
-        if (error != 0) {
-            SetLastError(ErrorOf(error));
-            return INVALID_HANDLE_VALUE;
-        }
+        int error = TakeFile(file->named.Number(), path, shared, status, gone);
+        if (error == 0 && !gone && disposition == CREATE_ALWAYS)
+            error = BeginAnew(*file, path, status);
+        if (error != 0)
+            return FailToOpen(ErrorOfHost(error));
+        if (!gone)
+            return AddKernelObject(std::move(file));
     }
 }
 
@@ -123,7 +124,7 @@ BOOL Transfer(DWORD count, DWORD* done, Step step) {
     while (*done < count) {
         const ssize_t moved = step(*done, count - *done);
         if (moved < 0 && errno != EINTR)
-            return Fail(ErrorOf(errno));
+            return Fail(ErrorOfHost(errno));
         if (moved == 0)
             break;
         *done += moved > 0 ? static_cast<DWORD>(moved) : 0;
@@ -131,39 +132,69 @@ BOOL Transfer(DWORD count, DWORD* done, Step step) {
     return TRUE;
 }
 
+BOOL DeleteHostFile(const std::string& path) {
+    struct stat status;
+    if (lstat(path.c_str(), &status) != 0)
+        return Fail(OpenError(errno, path));
+    if (S_ISDIR(status.st_mode))
+        return Fail(ERROR_ACCESS_DENIED);
+    // Held until the name is gone, so that nobody opens the file in between. One that may not be read cannot
+    // be held, but its name may still be taken away.
+    const Descriptor held(S_ISREG(status.st_mode) ? open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)
+                                                  : -1);
+    if (held.Valid() && flock(held.Number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+        return Fail(ERROR_SHARING_VIOLATION);
+    return unlink(path.c_str()) == 0 || Fail(ErrorOfHost(errno));
+}
+
 } // namespace
 
 HANDLE CreateFileW(const WCHAR* path, DWORD access, DWORD share, void*, DWORD disposition, DWORD, HANDLE) {
-    std::string host;
-    if (!(access & (GENERIC_READ | GENERIC_WRITE)) || disposition < CREATE_NEW ||
-        disposition > OPEN_EXISTING) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return INVALID_HANDLE_VALUE;
-    }
-    if (!HostPath(path, host)) {
-        SetLastError(ERROR_PATH_NOT_FOUND);
-        return INVALID_HANDLE_VALUE;
-    }
-    return OpenHostFile(host, access, share, disposition);
+    if (!(access & (GENERIC_READ | GENERIC_WRITE)) ||
+        (disposition != CREATE_ALWAYS && disposition != OPEN_EXISTING))
+        return FailToOpen(ERROR_INVALID_PARAMETER);
+    return UnlessOutOfMemory(INVALID_HANDLE_VALUE, [&] {
+        std::string host;
+        if (!HostPath(path, host))
+            return FailToOpen(ERROR_PATH_NOT_FOUND);
+        // Before it is opened: closing a file of the store again would drop the locks that the store has on
+        // it.
+        if (BelongsToDevice(host))
+            return FailToOpen(ERROR_ACCESS_DENIED);
+        return OpenHostFile(host, access, share, disposition);
+    });
 }
 
 BOOL ReadFile(HANDLE file, void* buffer, DWORD count, DWORD* read, void*) {
     *read = 0;
     const HostFile* source = FindFile(file);
+    if (source && !(source->access & GENERIC_READ))
+        return Fail(ERROR_ACCESS_DENIED);
     return source && Transfer(count, read, [&](DWORD offset, DWORD wanted) {
-               return ::read(source->descriptor, static_cast<BYTE*>(buffer) + offset, wanted);
+               return ::read(source->Number(), static_cast<BYTE*>(buffer) + offset, wanted);
            });
 }
 
 BOOL WriteFile(HANDLE file, const void* buffer, DWORD count, DWORD* written, void*) {
     *written = 0;
-    const HostFile* target = FindFile(file);
+    HostFile* target = FindFile(file);
+    if (target)
+        target->complete = false;
     return target &&
            Transfer(count, written,
                     [&](DWORD offset, DWORD wanted) {
-                        return ::write(target->descriptor, static_cast<const BYTE*>(buffer) + offset, wanted);
+                        return ::write(target->Number(), static_cast<const BYTE*>(buffer) + offset, wanted);
                     }) &&
            (*written == count || Fail(ERROR_DISK_FULL));
+}
+
+BOOL FlushFileBuffers(HANDLE file) {
+    HostFile* target = FindFile(file);
+    if (!target)
+        return FALSE;
+    // What the host keeps nowhere, such as a terminal, has nothing to sync.
+    target->complete = fsync(target->Number()) == 0 || errno == EINVAL;
+    return target->complete || Fail(ErrorOfHost(errno));
 }
 
 DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD method) {
@@ -177,11 +208,11 @@ DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD metho
     struct stat status;
     std::int64_t origin = 0;
     if (method == FILE_CURRENT)
-        origin = lseek(target->descriptor, 0, SEEK_CUR);
+        origin = lseek(target->Number(), 0, SEEK_CUR);
     else if (method == FILE_END)
-        origin = fstat(target->descriptor, &status) == 0 ? status.st_size : -1;
+        origin = fstat(target->Number(), &status) == 0 ? status.st_size : -1;
     if (method > FILE_END || origin < 0 || __builtin_add_overflow(place, origin, &place) || place < 0 ||
-        (!distanceHigh && place > 0xFFFFFFFF) || lseek(target->descriptor, place, SEEK_SET) < 0) {
+        (!distanceHigh && place > 0xFFFFFFFF) || lseek(target->Number(), place, SEEK_SET) < 0) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return INVALID_SET_FILE_POINTER;
     }
@@ -196,8 +227,8 @@ DWORD GetFileSize(HANDLE file, DWORD* high) {
     struct stat status;
     if (!target)
         return INVALID_FILE_SIZE;
-    if (fstat(target->descriptor, &status) != 0) {
-        SetLastError(ErrorOf(errno));
+    if (fstat(target->Number(), &status) != 0) {
+        SetLastError(ErrorOfHost(errno));
         return INVALID_FILE_SIZE;
     }
     if (high)
@@ -207,23 +238,12 @@ DWORD GetFileSize(HANDLE file, DWORD* high) {
 }
 
 BOOL DeleteFileW(const WCHAR* path) {
-    std::string host;
-    struct stat status;
-    if (!HostPath(path, host))
-        return Fail(ERROR_PATH_NOT_FOUND);
-    if (lstat(host.c_str(), &status) != 0)
-        return Fail(OpenError(errno, host));
-    if (S_ISDIR(status.st_mode))
-        return Fail(ERROR_ACCESS_DENIED);
-    // Held until the name is gone, so that nobody opens the file in between. One that may not be read cannot
-    // be held, but its name may still be taken away.
-    const int descriptor =
-        S_ISREG(status.st_mode) ? open(host.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK) : -1;
-    const bool open = descriptor >= 0 && flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-    const BOOL deleted = open                        ? Fail(ERROR_SHARING_VIOLATION)
-                         : unlink(host.c_str()) == 0 ? TRUE
-                                                     : Fail(ErrorOf(errno));
-    if (descriptor >= 0)
-        close(descriptor);
-    return deleted;
+    return UnlessOutOfMemory(
+        BOOL{FALSE},
+        [&] {
+            std::string host;
+            if (!HostPath(path, host))
+                return Fail(ERROR_PATH_NOT_FOUND);
+            return BelongsToDevice(host) ? Fail(ERROR_ACCESS_DENIED) : DeleteHostFile(host);
+        });
 }

@@ -2,7 +2,7 @@
 
 #include <unordered_map>
 
-#include "platform/errors.h"
+#include "platform/base/hosterror.h"
 #include "platform/handles.h"
 
 namespace {
@@ -39,13 +39,14 @@ KernelObject* FindKernelObject(HANDLE handle) {
 bool CloseKernelObject(HANDLE handle) {
     // Taken out first: what the object does at its end may look into the table.
     const auto node = Table().objects.extract(handle);
-    return !node.empty();
+    if (node.empty()) {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return false;
+    }
+    return node.mapped()->Close();
 }
 
 BOOL CloseHandle(HANDLE handle) {
-    if (!CloseKernelObject(handle)) {
-        SetLastError(ERROR_INVALID_HANDLE);
-        return FALSE;
-    }
-    return TRUE;
+    return UnlessOutOfMemory(
+        false, [=] { return CloseKernelObject(handle); });
 }

@@ -9,13 +9,16 @@
 class KernelObject {
 public:
     virtual ~KernelObject() = default;
+    // What closing the handle does before that. False with the last error set when it failed; the handle is
+    // closed all the same.
+    virtual bool Close() { return true; }
 };
 
 // Never 0, INVALID_HANDLE_VALUE or a main key of the registry.
 HANDLE AddKernelObject(std::unique_ptr<KernelObject> object);
 // Null when the handle is not open.
 KernelObject* FindKernelObject(HANDLE handle);
-// False when the handle is not open; sets no last error.
+// False with the last error set when the handle is not open, or when its object's Close failed.
 bool CloseKernelObject(HANDLE handle);
 
 // Null when the handle is not open or stands for another kind of object; sets no last error.

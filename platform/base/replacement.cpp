@@ -1,0 +1,115 @@
+#include "platform/base/replacement.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <random>
+
+namespace {
+
+constexpr const char* kTemporaryName = ".strandview.";
+
+std::string FolderOf(const std::string& path) {
+    return path.substr(0, path.rfind('/') + 1);
+}
+
+// What says that a file system knows no files without a name.
+bool NeedsName(int hostError) {
+    return hostError == EOPNOTSUPP || hostError == EISDIR || hostError == EINVAL;
+}
+
+// Only what differs is set: a file system without owners or modes has nothing that differs.
+int TakeOver(int file, const struct stat& old) {
+    struct stat made;
+    if (fstat(file, &made) != 0 ||
+        ((made.st_uid != old.st_uid || made.st_gid != old.st_gid) &&
+         fchown(file, old.st_uid, old.st_gid) != 0) ||
+        (made.st_mode != old.st_mode && fchmod(file, old.st_mode & ALLPERMS) != 0))
+        return errno;
+    return 0;
+}
+
+int Exchange(const std::string& one, const std::string& other) {
+    return renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(), RENAME_EXCHANGE) == 0 ? 0 : errno;
+}
+
+int Rename(const std::string& from, const std::string& to) {
+    return rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
+}
+
+// Whatever comes of it, a power cut leaves either file whole under the name, so that it is no failure.
+void SyncFolder(const std::string& folder) {
+    const Descriptor open(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (open.Valid())
+        fsync(open.Number());
+}
+
+} // namespace
+
+Replacement::~Replacement() {
+    if (!temporary.empty())
+        unlink(temporary.c_str());
+}
+
+int Replacement::Begin(const std::string& path, const struct stat& old) {
+    target = path;
+    constexpr mode_t kOwnersOnly = 0600; // until it has the older one's mode
+    file = Descriptor(open(FolderOf(path).c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, kOwnersOnly));
+    if (!file.Valid() && NeedsName(errno)) {
+        std::string name = FolderOf(path) + kTemporaryName + "XXXXXX";
+        file = Descriptor(mkostemp(name.data(), O_CLOEXEC));
+        temporary = file.Valid() ? name : std::string();
+    }
+    return file.Valid() ? TakeOver(file.Number(), old) : errno;
+}
+
+// A file without a name vanishes when its process is killed, so that it gets one at the last moment only.
+int Replacement::Name() {
+    std::random_device random;
+    const std::string nameless = "/proc/self/fd/" + std::to_string(file.Number());
+    while (temporary.empty()) {
+        const std::string name = FolderOf(target) + kTemporaryName + std::to_string(random());
+        if (linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
+            temporary = name;
+        else if (errno != EEXIST)
+            return errno;
+    }
+    return 0;
+}
+
+int Replacement::ExchangeAndKeep(const std::string& kept) {
+    const int error = Rename(temporary, kept);
+    if (error != 0 && Exchange(temporary, target) != 0)
+        temporary.clear(); // it names the older file now, which must not go
+    return error;
+}
+
+int Replacement::TakeName(bool keepOld) {
+    if (!keepOld)
+        return Rename(temporary, target);
+    const std::string kept = target + '~';
+    if (Exchange(temporary, target) == 0)
+        return ExchangeAndKeep(kept);
+    // Not every file system exchanges names. And somebody may have taken the older one away.
+    int error = Rename(target, kept);
+    if (error != 0 && error != ENOENT)
+        return error;
+    error = Rename(temporary, target);
+    if (error != 0)
+        Rename(kept, target);
+    return error;
+}
+
+int Replacement::PutInPlace(bool keepOld) {
+    int error = temporary.empty() ? Name() : 0;
+    // Closed first: some file systems only then say that they could not write.
+    if (error == 0)
+        error = file.Close();
+    if (error == 0)
+        error = TakeName(keepOld);
+    if (error == 0) {
+        temporary.clear();
+        SyncFolder(FolderOf(target));
+    }
+    return error;
+}

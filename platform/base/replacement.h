@@ -1,0 +1,33 @@
+// A file that is written while the one that it will replace still stands under its name.
+#pragma once
+
+#include <string>
+#include <sys/stat.h>
+
+#include "platform/base/descriptor.h"
+
+class Replacement {
+public:
+    Replacement() = default;
+    Replacement(const Replacement&) = delete;
+    Replacement& operator=(const Replacement&) = delete;
+    ~Replacement(); // one that was not put in place leaves nothing behind
+
+    // Begins an empty file in the folder of `path`, a real path, with the owner and the mode of the one that
+    // is there. Returns 0 or the host's error.
+    int Begin(const std::string& path, const struct stat& old);
+    // Closes the file and gives it its path; with `keepOld` the older one is kept as `path~`. Returns 0, or
+    // the host's error: the older one then stands as before.
+    int PutInPlace(bool keepOld);
+
+    int Number() const { return file.Number(); }
+
+private:
+    int Name();
+    int TakeName(bool keepOld);
+    int ExchangeAndKeep(const std::string& kept);
+
+    Descriptor file;
+    std::string target;
+    std::string temporary; // its name until it is in place; empty while it has none
+};
