@@ -5,11 +5,21 @@
 #include <string>
 
 // Chooses the device; an empty name stands for the usual one: $STRANDVIEW_DEVICE, else
-// pocket-strandview/device in $XDG_DATA_HOME, else in ~/.local/share. The folder and its root/ are made when
-// they are missing. To be called before the store, the registry or a device file is used. False when the
-// folder cannot be made and is not there, with last error ERROR_ACCESS_DENIED, ERROR_DISK_FULL or
-// ERROR_PATH_NOT_FOUND.
-bool UseDevice(const std::string& folder);
+// pocket-strandview/device in $XDG_DATA_HOME, else in ~/.local/share. To be called before the store, the
+// registry or a device file is used.
+//
+// With `make` the folder and its root/ are made when they are missing; without it, a device must be there. A
+// device is its owner's alone: nobody else gets into what is made, and a device of this user that lets others
+// in is closed to them.
+//
+// False when the device cannot be used, with last error ERROR_PATH_NOT_FOUND (no such folder),
+// ERROR_FILE_NOT_FOUND (no store in it), ERROR_ACCESS_DENIED, ERROR_DISK_FULL, or ERROR_INVALID_PARAMETER
+// when the usual one is asked for and $HOME, on which it depends, names no folder from the root on.
+bool UseDevice(const std::string& folder, bool make = true);
+
+// Opens the store of the chosen device now, making it when it is missing, where everything else does so at
+// its first use. False with the last error set when it cannot be used.
+bool OpenDeviceStore();
 
 // The chosen device, without a slash at the end. When none was chosen yet the usual one is.
 const std::string& DeviceFolder();

@@ -2,32 +2,43 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <sys/stat.h>
+#include <unistd.h>
 
-#include "platform/errors.h"
+#include "platform/base/hosterror.h"
 
 namespace {
 
+constexpr mode_t kOwnersFolder = 0700;
+
 std::string chosen;
 
-std::string UsualDevice() {
+// `known` tells whether the environment says where it is.
+std::string UsualDevice(bool& known) {
     if (const char* device = std::getenv("STRANDVIEW_DEVICE"); device && *device)
         return device;
     // A relative data folder is to be ignored, as for every program that follows the desktop's folder rules.
     if (const char* data = std::getenv("XDG_DATA_HOME"); data && *data == '/')
         return std::string(data) + "/pocket-strandview/device";
     const char* home = std::getenv("HOME");
-    return std::string(home && *home ? home : "") + "/.local/share/pocket-strandview/device";
+    known = home && *home == '/';
+    return std::string(home ? home : "") + "/.local/share/pocket-strandview/device";
 }
 
+bool IsFolder(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// With the folders above it.
 bool MakeFolder(const std::string& path) {
     for (std::size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
         // Parts above may exist and yet refuse: only the last one tells.
-        const bool made = mkdir(path.substr(0, slash).c_str(), 0777) == 0;
+        const bool made = mkdir(path.substr(0, slash).c_str(), kOwnersFolder) == 0;
         if (slash == std::string::npos) {
             const int cause = errno;
-            struct stat status {};
-            if (made || (stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)))
+            if (made || IsFolder(path))
                 return true;
             errno = cause;
             return false;
@@ -35,21 +46,65 @@ bool MakeFolder(const std::string& path) {
     }
 }
 
+bool HasStore() {
+    struct stat status {};
+    return stat(DeviceStorePath().c_str(), &status) == 0;
+}
+
+// Whether the folder serves as a device and nothing else, as far as can be seen.
+bool IsDevicesOwn(const std::string& folder) {
+    std::error_code error;
+    return HasStore() || std::filesystem::is_empty(folder, error);
+}
+
+// A folder that many users share, such as the one for temporary files, stays as it is.
+void CloseToOthers(const std::string& folder) {
+    struct stat status {};
+    if (stat(folder.c_str(), &status) == 0 && status.st_uid == geteuid() && !(status.st_mode & S_ISVTX) &&
+        (status.st_mode & (S_IRWXG | S_IRWXO)))
+        chmod(folder.c_str(), status.st_mode & kOwnersFolder);
+}
+
+bool Fail(int hostError) {
+    SetLastError(hostError == EEXIST || hostError == ENOENT ? ERROR_PATH_NOT_FOUND : ErrorOfHost(hostError));
+    return false;
+}
+
+// False with the last error set.
+bool FindDevice(bool make) {
+    if (make)
+        return MakeFolder(chosen) || Fail(errno);
+    if (!IsFolder(chosen))
+        return Fail(errno == 0 ? ENOTDIR : errno);
+    if (!HasStore()) {
+        SetLastError(errno == ENOENT ? ERROR_FILE_NOT_FOUND : ErrorOfHost(errno));
+        return false;
+    }
+    return true;
+}
+
 } // namespace
 
-bool UseDevice(const std::string& folder) {
-    chosen = folder.empty() ? UsualDevice() : folder;
+bool UseDevice(const std::string& folder, bool make) {
+    const bool usual = folder.empty();
+    bool known = true;
+    chosen = usual ? UsualDevice(known) : folder;
     while (chosen.size() > 1 && chosen.back() == '/')
         chosen.pop_back();
-    if (MakeFolder(chosen)) {
-        // A device that cannot be written may do without files of its own; its store can still be read.
-        MakeFolder(DeviceRootFolder());
-        return true;
+    if (!known) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return false;
     }
-    SetLastError(errno == ENOSPC                       ? ERROR_DISK_FULL
-                 : errno == ENOENT || errno == ENOTDIR ? ERROR_PATH_NOT_FOUND
-                                                       : ERROR_ACCESS_DENIED);
-    return false;
+    errno = 0;
+    if (!FindDevice(make))
+        return false;
+    if (IsDevicesOwn(chosen)) {
+        CloseToOthers(chosen);
+        CloseToOthers(DeviceRootFolder());
+    }
+    // A device that cannot be written may do without files of its own; its store can still be read.
+    MakeFolder(DeviceRootFolder());
+    return true;
 }
 
 const std::string& DeviceFolder() {
