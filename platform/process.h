@@ -8,6 +8,6 @@
 int WinMain(HINSTANCE instance, HINSTANCE previous, WCHAR* commandLine, int show);
 
 // Starts the program of that name, which lies beside this one, with `commandLine` as its one argument, and
-// does not wait for it. It inherits no open file. FALSE when it cannot be started, or when there is no
-// display.
+// does not wait for it. Of what this process has open it inherits standard error only. FALSE when it cannot
+// be started: ERROR_FILE_NOT_FOUND, ERROR_NOT_ENOUGH_MEMORY.
 BOOL CreateProcessW(const WCHAR* application, const WCHAR* commandLine);

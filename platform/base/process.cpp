@@ -9,7 +9,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "platform/base/display.h"
 #include "platform/base/utf8.h"
 #include "platform/errors.h"
 
@@ -25,9 +24,12 @@ std::string ProgramFolder() {
 // In a child of a child: nothing but calls that are safe there, whatever other threads were doing.
 [[noreturn]] void Become(const char* program, char* const* arguments) {
     setsid();
-    const int nowhere = open("/dev/null", O_RDONLY);
-    if (nowhere >= 0)
+    // Whoever reads this program's output must not wait for the other one's end.
+    const int nowhere = open("/dev/null", O_RDWR);
+    if (nowhere >= 0) {
         dup2(nowhere, STDIN_FILENO);
+        dup2(nowhere, STDOUT_FILENO);
+    }
     close_range(STDERR_FILENO + 1, ~0U, 0);
     // Ignored signals would stay ignored.
     std::signal(SIGPIPE, SIG_DFL);
@@ -41,7 +43,7 @@ std::string ProgramFolder() {
 BOOL CreateProcessW(const WCHAR* application, const WCHAR* commandLine) {
     std::string program = ProgramFolder() + ToUtf8(application);
     std::string argument = ToUtf8(commandLine);
-    if (NoDisplay() || access(program.c_str(), X_OK) != 0) {
+    if (access(program.c_str(), X_OK) != 0) {
         SetLastError(ERROR_FILE_NOT_FOUND);
         return FALSE;
     }

@@ -7,6 +7,7 @@ struct Options {
     std::string device; // host path; empty: the usual one
     bool help = false;
     bool version = false;
+    bool makesDevice = true;    // opens the window, or restores: what else there is needs a device
     std::u16string commandLine; // for the program
 };
 

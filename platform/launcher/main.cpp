@@ -1,7 +1,8 @@
-// The host's entry: takes the options that are the launcher's own, chooses the device and the display, and
-// hands everything else to the program as its one command line.
+// The host's entry: takes the options that are the launcher's own, opens the device, and hands everything
+// else to the program as its one command line.
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 #include "platform/base/display.h"
@@ -21,7 +22,7 @@ void PrintHelp() {
     std::puts("Usage: pocket-strandview [--device DIR] [switches]\n"
               "\n"
               "Without switches, opens the window on the device's databases. With switches, does one\n"
-              "job without a window and ends with exit code 255:\n"
+              "job and ends:\n"
               "  -B ARCHIVE  back up all databases into ARCHIVE\n"
               "  -R ARCHIVE  restore the databases of ARCHIVE\n"
               "  -A SCRIPT   run the Autobackup script SCRIPT\n"
@@ -32,20 +33,52 @@ void PrintHelp() {
               "A path that begins with \\ is the device's, \\Storage Card\\ is this computer's file system,\n"
               "any other is relative to the working folder. What begins with / is a switch.\n"
               "\n"
-              "  --device DIR  use the device in the folder DIR; it is made when missing. Otherwise\n"
-              "                $STRANDVIEW_DEVICE, else pocket-strandview/device in $XDG_DATA_HOME\n"
-              "                (~/.local/share)\n"
+              "  --device DIR  use the device in the folder DIR; the window and -R make it when it is\n"
+              "                missing. Otherwise $STRANDVIEW_DEVICE, else pocket-strandview/device in\n"
+              "                $XDG_DATA_HOME (~/.local/share)\n"
               "  --version     print the version and end\n"
-              "  --help        print this and end");
+              "  --help        print this and end\n"
+              "\n"
+              "On a display, a job shows its progress unless -P is given, and what it asks and tells in\n"
+              "boxes that wait for an answer. Without a display, or where QT_QPA_PLATFORM names one that\n"
+              "shows nothing, it opens none of them and writes to standard error.\n"
+              "\n"
+              "Exit codes: 255 after every job, whatever became of it; 0 after the window; 1 no display\n"
+              "for the window; 2 wrong arguments; 3 the device cannot be used.");
 }
 
-int ReportDevice(const std::string& folder) {
+const char* Reason(DWORD error) {
+    switch (error) {
+    case ERROR_PATH_NOT_FOUND:
+        return "there is no such folder";
+    case ERROR_FILE_NOT_FOUND:
+        return "it holds no device; the window or a restore makes one";
+    case ERROR_ACCESS_DENIED:
+    case ERROR_WRITE_PROTECT:
+        return "access is denied";
+    case ERROR_NOT_ENOUGH_MEMORY:
+        return "there is no memory, or too many files are open";
+    case ERROR_DISK_FULL:
+        return "the disk is full";
+    case ERROR_FILE_CORRUPT:
+        return "its store is damaged, or is none";
+    case ERROR_REVISION_MISMATCH:
+        return "its store was made by another version";
+    case ERROR_SHARING_VIOLATION:
+        return "another program holds it";
+    case ERROR_INVALID_PARAMETER:
+        return "$HOME, where it would lie, names no folder; name a device with --device";
+    default:
+        return "it cannot be read";
+    }
+}
+
+int ReportDevice(const std::string& named) {
     const DWORD error = GetLastError();
-    std::fprintf(stderr, "pocket-strandview: cannot use %s as a device: %s\n",
-                 folder.empty() ? "the usual folder" : folder.c_str(),
-                 error == ERROR_DISK_FULL        ? "the disk is full"
-                 : error == ERROR_PATH_NOT_FOUND ? "there is no such place"
-                                                 : "access is denied");
+    const char* variable = std::getenv("STRANDVIEW_DEVICE");
+    std::fprintf(stderr, "pocket-strandview: cannot use %s as a device%s: %s (error %u)\n",
+                 DeviceFolder().c_str(),
+                 named.empty() && variable && *variable ? " ($STRANDVIEW_DEVICE)" : "", Reason(error), error);
     return kBadDevice;
 }
 
@@ -68,8 +101,7 @@ int main(int argc, char** argv) {
         std::puts("Pocket Strandview " PROGRAM_VERSION);
         return 0;
     }
-    ChooseDisplay();
-    if (NoDisplay() && options.commandLine.empty()) {
+    if (options.commandLine.empty() && NoDisplay()) {
         std::fputs(
             "pocket-strandview: there is no display to open the window on. Start it from a desktop session,\n"
             "or set DISPLAY or WAYLAND_DISPLAY (\"ssh -X\" brings a display along, \"xvfb-run\" makes one).\n"
@@ -77,7 +109,7 @@ int main(int argc, char** argv) {
             stderr);
         return kNoDisplay;
     }
-    if (!UseDevice(options.device))
+    if (!UseDevice(options.device, options.makesDevice) || !OpenDeviceStore())
         return ReportDevice(options.device);
     // The module needs a value of its own only; its resources are linked into this very file.
     static char module;

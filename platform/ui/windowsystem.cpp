@@ -1,5 +1,6 @@
 // The start of the host's window system, and the look of everything.
 #include <QApplication>
+#include <QLoggingCategory>
 #include <QPalette>
 #include <QStyleFactory>
 
@@ -37,11 +38,51 @@ QPalette LightPalette() {
     return palette;
 }
 
+// A variable of the environment while Qt starts. Whatever the program starts later must not find it.
+class StartVariable {
+public:
+    StartVariable(const char* name, const QByteArray& value)
+        : name(name), wasSet(qEnvironmentVariableIsSet(name)), before(qgetenv(name)) {
+        qputenv(name, value);
+    }
+    StartVariable(const StartVariable&) = delete;
+    StartVariable& operator=(const StartVariable&) = delete;
+    ~StartVariable() {
+        if (wasSet)
+            qputenv(name, before);
+        else
+            qunsetenv(name);
+    }
+
+private:
+    const char* name;
+    bool wasSet;
+    QByteArray before;
+};
+
+// Qt tries them in this order. The last one always starts, where Qt would otherwise end the process.
+QByteArray Platforms() {
+    QByteArrayList names;
+    if (const QByteArray chosen = qgetenv("QT_QPA_PLATFORM"); !chosen.isEmpty()) {
+        names << chosen;
+    } else {
+        if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+            names << "wayland";
+        if (!qEnvironmentVariableIsEmpty("DISPLAY"))
+            names << "xcb";
+    }
+    names << "offscreen";
+    return names.join(';');
+}
+
 void StartHost() {
     if (QCoreApplication::instance())
         return;
+    const StartVariable platforms("QT_QPA_PLATFORM", Platforms());
     // Pixels are the display's own: the program picks its pictures by their density itself.
-    qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
+    const StartVariable scaling("QT_ENABLE_HIGHDPI_SCALING", "0");
+    // That the next platform is tried is no news. Why a display could not be used is said by the platform.
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.plugin=false"));
     static int argumentCount = 1;
     static char name[] = "pocket-strandview";
     static char* arguments[] = {name, nullptr};

@@ -4,15 +4,17 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <initializer_list>
+#include <sys/stat.h>
 #include <vector>
 
-#include "platform/base/display.h"
 #include "platform/base/instance.h"
 #include "platform/base/utf8.h"
 #include "platform/launcher/arguments.h"
 #include "platform/process.h"
+#include "platform/ui/windowobject.h"
 #include "tests/platform/hostsupport.h"
 #include "tests/platform/otherprocess.h"
 #include "tests/support/testdevice.h"
@@ -32,13 +34,43 @@ TEST(Launcher, HandsOnOneCommandLine) {
     EXPECT_EQ(Parse({"-B", "my backups/all.bkp", "--device", "some dir", "-D", "\xC3\xA9", ""}, options), "");
     EXPECT_EQ(options.commandLine, u"-B \"my backups/all.bkp\" -D \u00e9 \"\"");
     EXPECT_EQ(options.device, "some dir");
-    Options typed; // a quote cannot be written within quotes
-    EXPECT_EQ(Parse({"-R \"a b.bkp\" -P", "--device=x", "/d"}, typed), "");
-    EXPECT_EQ(typed.commandLine, u"-R \"a b.bkp\" -P /d");
-    EXPECT_EQ(typed.device, "x");
+    // What the program would split, cut or take for something else.
+    const std::string longest(259, 'x');
+    Options taken;
+    EXPECT_EQ(Parse({"a\"b", longest.c_str(), "--device=x", "/d"}, taken), "");
+    EXPECT_EQ(taken.commandLine, u"a\"b " + std::u16string(259, u'x') + u" /d");
+    EXPECT_EQ(taken.device, "x");
+    for (const std::string& word :
+         {std::string("my \"x\" file"), std::string("\"x"), longest + 'x', std::string("\xFF.bkp")}) {
+        Options kept;
+        EXPECT_NE(Parse({"-B", word.c_str()}, kept).find(word), std::string::npos);
+    }
     Options refused;
     EXPECT_NE(Parse({"-B", "x", "--devise", "y"}, refused).find("--devise"), std::string::npos);
     EXPECT_NE(Parse({"--device"}, refused), "");
+}
+
+TEST(Launcher, OnlyTheWindowAndARestoreMakeADevice) {
+    const struct {
+        std::vector<const char*> typed;
+        bool makes;
+    } known[] = {
+        {{}, true},
+        {{"-R", "x"}, true},
+        {{"-D", "/restore", "x", "-S"}, true},
+        {{"-B", "x", "-r", "y"}, true},
+        {{"-R", "x", "-b", "y"}, false},
+        {{"-A", "-R"}, false},
+        {{"-b x", "-R", "y"}, false},
+        {{"words"}, false},
+    };
+    for (const auto& [typed, makes] : known) {
+        Options options;
+        std::vector<const char*> arguments{"program"};
+        arguments.insert(arguments.end(), typed.begin(), typed.end());
+        EXPECT_EQ(ParseArguments(static_cast<int>(arguments.size()), arguments.data(), options), "");
+        EXPECT_EQ(options.makesDevice, makes) << testing::PrintToString(options.commandLine);
+    }
 }
 
 struct Outcome {
@@ -58,29 +90,91 @@ Outcome Start(const QStringList& arguments, const QProcessEnvironment& environme
     return outcome;
 }
 
-TEST(Launcher, SaysHowToGetADisplayAndLeavesNoDevice) {
-    const QTemporaryDir folder;
+QProcessEnvironment WithoutDisplay() {
     auto environment = QProcessEnvironment::systemEnvironment();
     environment.remove("QT_QPA_PLATFORM");
     environment.remove("WAYLAND_DISPLAY");
+    environment.remove("STRANDVIEW_DEVICE");
     environment.insert("DISPLAY", ":64999"); // nobody answers there
+    return environment;
+}
+
+TEST(Launcher, SaysHowToGetADisplayAndLeavesNoDevice) {
+    const QTemporaryDir folder;
+    auto environment = WithoutDisplay();
     const QString device = folder.filePath("device");
-    const Outcome window = Start({"--device", device}, environment);
-    EXPECT_EQ(window.code, 1);
-    EXPECT_TRUE(window.error.contains("no display")) << window.error.toStdString();
     EXPECT_EQ(Start({"--version"}, environment).out, "Pocket Strandview " PROGRAM_VERSION "\n");
     EXPECT_TRUE(Start({"--help"}, environment).out.contains("--device DIR"));
     const Outcome wrong = Start({"--wrong"}, environment);
     EXPECT_EQ(wrong.code, 2);
     EXPECT_TRUE(wrong.error.contains("--wrong") && wrong.out.isEmpty());
+    // The last ones show nothing; the one that does not exist gives way to one that exists.
+    for (const char* platform : {"", "xcb", "nonsense", "offscreen", "minimal"}) {
+        environment.insert("QT_QPA_PLATFORM", platform);
+        const Outcome window = Start({"--device", device}, environment);
+        EXPECT_EQ(window.code, 1) << platform;
+        EXPECT_TRUE(window.error.contains("no display")) << window.error.toStdString();
+    }
     EXPECT_FALSE(QDir(device).exists());
-
-    const Outcome job = Start({"--device", device, "words"}, environment);
+    const Outcome job = Start({"--device", device, "-R", "none.bkp"}, environment);
     EXPECT_EQ(job.code, 255);
-    EXPECT_TRUE(job.error.contains("Invalid command line parameters.")) << job.error.toStdString();
-    const Outcome nowhere = Start({"--device", "/dev/null/x", "words"}, environment);
-    EXPECT_EQ(nowhere.code, 3);
-    EXPECT_TRUE(nowhere.error.contains("/dev/null/x"));
+    EXPECT_TRUE(job.error.contains("Unable to read from file")) << job.error.toStdString();
+    EXPECT_TRUE(QDir(device + "/root").exists());
+}
+
+TEST(Launcher, LeavesTheOldArchiveAloneWhenTheDeviceCannotBeUsed) {
+    const QTemporaryDir folder;
+    const std::string archive = folder.filePath("old.bkp").toStdString();
+    const QString missing = folder.filePath("missing"), empty = folder.filePath("empty"),
+                  damaged = folder.filePath("damaged");
+    WriteHostFile(archive, "the last good one");
+    QDir().mkdir(empty);
+    QDir().mkdir(damaged);
+    WriteHostFile(damaged.toStdString() + "/objectstore.db", std::string(5000, 'x'));
+    auto environment = WithoutDisplay();
+    for (const QString& device : {missing, empty, damaged, QStringLiteral("/dev/null/x")}) {
+        for (const bool byName : {true, false}) {
+            QStringList arguments{"-B", QString::fromStdString(archive), "-D", "-P"};
+            arguments = (byName ? QStringList{"--device", device} : QStringList()) + arguments;
+            environment.insert("STRANDVIEW_DEVICE", byName ? QString("/none") : device);
+            const Outcome backup = Start(arguments, environment);
+            EXPECT_EQ(backup.code, 3);
+            EXPECT_TRUE(backup.error.contains(device.toUtf8()) && backup.error.count('\n') == 1)
+                << backup.error.toStdString();
+            EXPECT_NE(backup.error.contains("$STRANDVIEW_DEVICE"), byName);
+        }
+    }
+    EXPECT_FALSE(QDir(missing).exists());
+    EXPECT_TRUE(QDir(empty).isEmpty());
+    EXPECT_EQ(HostFile(archive), "the last good one");
+
+    environment.remove("STRANDVIEW_DEVICE");
+    environment.remove("XDG_DATA_HOME");
+    for (const char* home : {"", "relative"}) {
+        environment.insert("HOME", home);
+        const Outcome homeless = Start({"-R", "x"}, environment);
+        EXPECT_EQ(homeless.code, 3);
+        EXPECT_TRUE(homeless.error.contains("$HOME"));
+    }
+}
+
+TEST(Device, IsItsOwnersAlone) {
+    const auto mode = [](const std::string& path) { return std::filesystem::status(path).permissions(); };
+    using std::filesystem::perms;
+    TestDevice device;
+    EXPECT_TRUE(UseDevice(device.folder + "/made/device"));
+    EXPECT_EQ(mode(DeviceFolder()), perms::owner_all);
+    EXPECT_EQ(mode(DeviceRootFolder()), perms::owner_all);
+
+    const std::string open = device.folder + "/open";
+    ASSERT_EQ(mkdir(open.c_str(), 0777) + mkdir((open + "/root").c_str(), 0777) + chmod(open.c_str(), 0755),
+              0);
+    EXPECT_TRUE(UseDevice(open));
+    EXPECT_NE(mode(open), perms::owner_all) << "no device yet: it may serve something else";
+    WriteHostFile(open + "/objectstore.db", "");
+    EXPECT_TRUE(UseDevice(open, false));
+    EXPECT_EQ(mode(open), perms::owner_all);
+    EXPECT_EQ(mode(open + "/root"), perms::owner_all);
 }
 
 TEST(Instance, AWindowIsFoundByItsDeviceAndClassWhileItsProcessLives) {
@@ -126,20 +220,20 @@ TEST(Process, StartsAProgramBesideThisOneAndForgetsIt) {
     QFile script(here.filePath(name));
     WriteHostFile(
         script.fileName().toStdString(),
-        QString("#!/bin/sh\ncd %1\necho \"$#:$1\" > new\nls /proc/self/fd | wc -l >> new\nmv new report\n")
+        QString("#!/bin/sh\ncd %1\nout=$(readlink /proc/$$/fd/1)\necho \"$#:$1\" > new\necho $out >> new\n"
+                "echo ${QT_ENABLE_HIGHDPI_SCALING-unset} >> new\nls /proc/self/fd | wc -l >> "
+                "new\nmv new report\n")
             .arg(folder.path())
             .toStdString());
     script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 
     const int inherited = dup(1);
     const std::u16string program = name.toStdU16String();
-    SetNoDisplay(true);
-    EXPECT_FALSE(CreateProcessW(program.c_str(), u"nobody would see it"));
-    SetNoDisplay(false);
+    EnsureWindowSystem(); // for which it has variables set
     EXPECT_TRUE(CreateProcessW(program.c_str(), u"tarnwickscope.htm#a b"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(report); }, 10000));
     // The fourth is the listing itself.
-    EXPECT_EQ(HostFile(report.toStdString()), "1:tarnwickscope.htm#a b\n4\n");
+    EXPECT_EQ(HostFile(report.toStdString()), "1:tarnwickscope.htm#a b\n/dev/null\nunset\n4\n");
     EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1); // no child is left to bury
     close(inherited);
     script.remove();

@@ -1,0 +1,8 @@
+#include "platform/base/display.h"
+
+namespace {
+
+// Tests work with windows that nobody sees.
+[[maybe_unused]] const bool shown = (SetNoDisplay(false), true);
+
+} // namespace
