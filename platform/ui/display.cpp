@@ -19,10 +19,14 @@ bool NoDisplay() {
     if (Settled())
         return *Settled();
     EnsureWindowSystem();
-    static const QStringList showNothing{"offscreen", "minimal", "minimalegl"};
-    return showNothing.contains(QGuiApplication::platformName());
+    return ShowsNothing(QGuiApplication::platformName());
 }
 
 void SetNoDisplay(bool noDisplay) {
     Settled() = noDisplay;
+}
+
+bool ShowsNothing(const QString& platform) {
+    static const QStringList names{"offscreen", "minimal", "minimalegl"};
+    return names.contains(platform);
 }

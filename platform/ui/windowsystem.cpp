@@ -4,6 +4,7 @@
 #include <QPalette>
 #include <QStyleFactory>
 
+#include "platform/base/display.h"
 #include "platform/storage/watch.h"
 #include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/cursors.h"
@@ -64,7 +65,9 @@ private:
 QByteArray Platforms() {
     QByteArrayList names;
     if (const QByteArray chosen = qgetenv("QT_QPA_PLATFORM"); !chosen.isEmpty()) {
-        names << chosen;
+        // One kind of showing nothing is as good as another, and not all of them start everywhere.
+        if (!ShowsNothing(chosen))
+            names << chosen;
     } else {
         if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
             names << "wayland";

@@ -109,7 +109,7 @@ TEST(Launcher, SaysHowToGetADisplayAndLeavesNoDevice) {
     EXPECT_EQ(wrong.code, 2);
     EXPECT_TRUE(wrong.error.contains("--wrong") && wrong.out.isEmpty());
     // The last ones show nothing; the one that does not exist gives way to one that exists.
-    for (const char* platform : {"", "xcb", "nonsense", "offscreen", "minimal"}) {
+    for (const char* platform : {"", "xcb", "nonsense", "offscreen", "minimal", "minimalegl"}) {
         environment.insert("QT_QPA_PLATFORM", platform);
         const Outcome window = Start({"--device", device}, environment);
         EXPECT_EQ(window.code, 1) << platform;
