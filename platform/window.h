@@ -190,7 +190,9 @@ BOOL IsWindowVisible(HWND window);
 HWND SetFocus(HWND window); // returns the window that had it
 HWND GetFocus();
 // Finds a top-level window of that class, of this process or of another one running on the same device; what
-// another process owns can only be handed to SetForegroundWindow and ShowWindow.
+// another process owns can only be handed to SetForegroundWindow and ShowWindow. When a class is asked for
+// and nobody has a window of it, this process claims the class: from then on the others find the window that
+// it is about to make.
 HWND FindWindowW(const WCHAR* className, const WCHAR* windowName);
 BOOL SetForegroundWindow(HWND window);
 HWND GetParent(HWND window); // of a top-level window its owner

@@ -1,14 +1,14 @@
 #include "platform/base/instance.h"
 
-#include <cerrno>
 #include <cstddef>
 #include <cstring>
+#include <sched.h>
 #include <string>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
-#include <unistd.h>
 
+#include "platform/base/descriptor.h"
 #include "platform/base/utf8.h"
 #include "platform/device.h"
 
@@ -16,6 +16,7 @@ namespace {
 
 constexpr char kRequest = 'F';
 constexpr int kBacklog = 16;
+constexpr int kAttempts = 100;
 
 struct SocketName {
     sockaddr_un address{};
@@ -48,21 +49,18 @@ bool SameUser(int descriptor) {
     return getsockopt(descriptor, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0 && peer.uid == getuid();
 }
 
+enum class Answer { None, FromStranger, Reached };
+
 // Does not wait: a window too busy to take calls has its queue full of them, and is there.
-bool Call(const WCHAR* className, bool request) {
-    const SocketName name = NameOf(className);
-    const int descriptor = name.length ? socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0) : -1;
-    if (descriptor < 0)
-        return false;
-    bool reached = false;
-    if (connect(descriptor, name.Generic(), name.length) == 0) {
-        reached = SameUser(descriptor) &&
-                  (!request || send(descriptor, &kRequest, sizeof kRequest, MSG_NOSIGNAL) == sizeof kRequest);
-    } else {
-        reached = errno == EAGAIN;
-    }
-    close(descriptor);
-    return reached;
+Answer Call(const SocketName& name, bool request) {
+    const Descriptor caller(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    if (connect(caller.Number(), name.Generic(), name.length) != 0)
+        return errno == EAGAIN ? Answer::Reached : Answer::None;
+    if (!SameUser(caller.Number()))
+        return Answer::FromStranger;
+    const bool sent =
+        !request || send(caller.Number(), &kRequest, sizeof kRequest, MSG_NOSIGNAL) == sizeof kRequest;
+    return sent ? Answer::Reached : Answer::None;
 }
 
 // One that only looked whether there is a window has hung up without a word.
@@ -77,16 +75,23 @@ bool HearRequest(int caller) {
 
 } // namespace
 
-int ListenForForegroundRequests(const WCHAR* className) {
+WindowClaim ClaimWindow(const WCHAR* className) {
     const SocketName name = NameOf(className);
     const int listener = name.length ? socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0) : -1;
-    if (listener < 0)
-        return -1;
-    if (bind(listener, name.Generic(), name.length) != 0 || listen(listener, kBacklog) != 0) {
-        close(listener);
-        return -1;
+    Answer answer = Answer::None;
+    // Nobody answers when the other one ended just now, or does not listen yet: it is tried again.
+    for (int i = 0; listener >= 0 && answer == Answer::None && i < kAttempts; ++i) {
+        if (bind(listener, name.Generic(), name.length) == 0) {
+            if (listen(listener, kBacklog) == 0)
+                return {listener, false};
+            break;
+        }
+        answer = Call(name, false);
+        sched_yield();
     }
-    return listener;
+    if (listener >= 0)
+        close(listener);
+    return {-1, answer == Answer::Reached};
 }
 
 bool AcceptForegroundRequests(int listener) {
@@ -101,10 +106,7 @@ bool AcceptForegroundRequests(int listener) {
     return requested;
 }
 
-bool OtherInstanceHasWindow(const WCHAR* className) {
-    return Call(className, false);
-}
-
 bool RequestForeground(const WCHAR* className) {
-    return Call(className, true);
+    const SocketName name = NameOf(className);
+    return name.length && Call(name, true) == Answer::Reached;
 }

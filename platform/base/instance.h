@@ -5,14 +5,19 @@
 
 #include "platform/types.h"
 
-// Announces this process's window of that class on the current device. Returns a descriptor that becomes
-// readable when another process wants the window in front; close() ends the announcement. -1 when another
-// process has announced one, or when the host cannot do it.
-int ListenForForegroundRequests(const WCHAR* className);
-// Takes what has arrived at that descriptor; never waits long. True when the window shall come to the front.
+struct WindowClaim {
+    int listener = -1;  // readable when another process wants the window in front; close() ends the claim
+    bool taken = false; // another process of this user has it
+};
+
+// Claims for this process to have the window of that class on the current device, which may then be made. Of
+// several processes that do so one at a time gets it. Neither a listener nor taken where the host cannot
+// tell: then each process has its window.
+WindowClaim ClaimWindow(const WCHAR* className);
+// Takes what has arrived at that listener, be it from before the window was there; never waits long. True
+// when the window shall come to the front.
 bool AcceptForegroundRequests(int listener);
 
-// Whether a process, this one not excepted, has announced a window of that class on the current device.
-bool OtherInstanceHasWindow(const WCHAR* className);
-// Asks for that window to come to the front. False when nobody is there to ask.
+// Asks the process that claimed that window, this one not excepted, to bring it to the front. False when
+// nobody is there to ask.
 bool RequestForeground(const WCHAR* className);

@@ -23,6 +23,12 @@ std::map<HWND, Announcement>& Announcements() {
     return *announcements;
 }
 
+// What FindWindowW claimed, until the window is made. By the class's folded name.
+std::map<QString, int>& Claims() {
+    static auto* claims = new std::map<QString, int>;
+    return *claims;
+}
+
 // Stands for the window of another process; never in the registry, so that nothing else works on it.
 struct ForeignWindow {
     WindowObject handle;
@@ -44,10 +50,16 @@ HWND FindWindowW(const WCHAR* className, const WCHAR* windowName) {
         if (classFits && (!windowName || window->text == HostText(windowName)))
             return window;
     }
-    if (!className || windowName || !OtherInstanceHasWindow(className))
+    const QString folded = wantedClass.toCaseFolded();
+    if (!className || windowName || Claims().contains(folded))
         return nullptr;
-    Foreign().className = className;
-    return &Foreign().handle;
+    Foreign().className = folded.toStdU16String();
+    const WindowClaim claim = ClaimWindow(Foreign().className.c_str());
+    if (claim.taken)
+        return &Foreign().handle;
+    if (claim.listener >= 0)
+        Claims()[folded] = claim.listener;
+    return nullptr;
 }
 
 bool ForegroundElsewhere(HWND window) {
@@ -55,8 +67,9 @@ bool ForegroundElsewhere(HWND window) {
 }
 
 void AnnounceWindow(HWND window) {
-    const std::u16string name = window->windowClass->name.toStdU16String();
-    const int listener = ListenForForegroundRequests(name.c_str());
+    const QString folded = window->windowClass->name.toCaseFolded();
+    const auto claim = Claims().extract(folded);
+    const int listener = claim ? claim.mapped() : ClaimWindow(folded.toStdU16String().c_str()).listener;
     if (listener < 0)
         return;
     Announcement& announcement = Announcements()[window];

@@ -4,9 +4,11 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
+#include <algorithm>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <initializer_list>
+#include <memory>
 #include <sys/stat.h>
 #include <vector>
 
@@ -15,13 +17,14 @@
 #include "platform/launcher/arguments.h"
 #include "platform/process.h"
 #include "platform/ui/windowobject.h"
+#include "platform/window.h"
 #include "tests/platform/hostsupport.h"
 #include "tests/platform/otherprocess.h"
 #include "tests/support/testdevice.h"
 
 namespace {
 
-constexpr const WCHAR* kClass = u"TestClass";
+constexpr const WCHAR* kClass = u"testclass";
 
 std::string Parse(std::initializer_list<const char*> typed, Options& options) {
     std::vector<const char*> arguments{"program"};
@@ -177,39 +180,54 @@ TEST(Device, IsItsOwnersAlone) {
     EXPECT_EQ(mode(open + "/root"), perms::owner_all);
 }
 
-TEST(Instance, AWindowIsFoundByItsDeviceAndClassWhileItsProcessLives) {
+TEST(Instance, OneProcessOfADeviceHasTheWindowFromTheMomentItLooksForIt) {
     const TestDevice device;
-    EXPECT_FALSE(OtherInstanceHasWindow(kClass));
     EXPECT_FALSE(RequestForeground(kClass));
     {
-        OtherProcess other({[] { return ListenForForegroundRequests(kClass) >= 0; }});
+        OtherProcess other({[] { return !FindWindowW(kClass, nullptr) && !FindWindowW(kClass, nullptr); }});
         ASSERT_TRUE(other.Run(0));
-        EXPECT_TRUE(OtherInstanceHasWindow(kClass));
-        EXPECT_FALSE(OtherInstanceHasWindow(u"OtherClass"));
-        EXPECT_EQ(ListenForForegroundRequests(kClass), -1);
+        EXPECT_TRUE(ClaimWindow(kClass).taken);
+        const HWND found = FindWindowW(u"TESTCLASS", nullptr);
+        EXPECT_TRUE(found);
         for (int i = 0; i < 100; ++i)
-            ASSERT_TRUE(RequestForeground(kClass)); // though it is too busy to listen
-        {
-            const TestDevice another;
-            EXPECT_FALSE(OtherInstanceHasWindow(kClass));
-        }
-        EXPECT_TRUE(UseDevice(device.folder) && OtherInstanceHasWindow(kClass));
+            ASSERT_TRUE(SetForegroundWindow(found)); // though it is too busy to listen
+        const TestDevice another;
+        const WindowClaim claim = ClaimWindow(kClass);
+        EXPECT_TRUE(claim.listener >= 0 && !claim.taken);
+        close(claim.listener);
+        EXPECT_TRUE(UseDevice(device.folder));
     }
-    EXPECT_FALSE(OtherInstanceHasWindow(kClass));
+    const WindowClaim claim = ClaimWindow(kClass); // the other process is gone
+    EXPECT_GE(claim.listener, 0);
+    close(claim.listener);
+}
+
+TEST(Instance, OfProcessesThatStartTogetherOneGetsTheWindow) {
+    const TestDevice device;
+    const auto claims = [] { return !ClaimWindow(kClass).taken; };
+    std::vector<std::unique_ptr<OtherProcess>> others;
+    for (int i = 0; i < 8; ++i)
+        others.push_back(std::make_unique<OtherProcess>(std::vector<OtherProcess::Errand>{claims}));
+    for (const auto& other : others)
+        other->Start(0);
+    EXPECT_EQ(std::count_if(others.begin(), others.end(), [](const auto& other) { return other->Await(); }),
+              1);
+    for (const auto& other : others)
+        other->Kill(); // each holds the pipes of those before it, which therefore see no end
 }
 
 TEST(Instance, OnlyARequestBringsTheWindowToTheFront) {
     const TestDevice device;
-    const int listener = ListenForForegroundRequests(kClass);
+    const int listener = ClaimWindow(kClass).listener;
     ASSERT_GE(listener, 0);
     EXPECT_FALSE(AcceptForegroundRequests(listener));
-    EXPECT_TRUE(OtherInstanceHasWindow(kClass));
+    EXPECT_TRUE(ClaimWindow(kClass).taken);
     EXPECT_FALSE(AcceptForegroundRequests(listener));
-    EXPECT_TRUE(OtherInstanceHasWindow(kClass) && RequestForeground(kClass));
+    EXPECT_TRUE(ClaimWindow(kClass).taken && RequestForeground(kClass));
     EXPECT_TRUE(AcceptForegroundRequests(listener));
     EXPECT_FALSE(AcceptForegroundRequests(listener));
     close(listener);
-    EXPECT_FALSE(OtherInstanceHasWindow(kClass));
+    EXPECT_FALSE(RequestForeground(kClass));
 }
 
 TEST(Process, StartsAProgramBesideThisOneAndForgetsIt) {
