@@ -8,8 +8,8 @@ constexpr UINT LMEM_FIXED = 0x0000;
 constexpr UINT LMEM_MOVEABLE = 0x0002;
 constexpr UINT LMEM_ZEROINIT = 0x0040;
 
-// A block of `bytes` bytes, 0 included, aligned to 16. Null when the arena has no room, with last error
-// ERROR_NOT_ENOUGH_MEMORY.
+// A block of `bytes` bytes, 0 included, aligned to 16. A large one costs the host no memory before it is
+// written. Null when the arena or the host has no room, with last error ERROR_NOT_ENOUGH_MEMORY.
 void* LocalAlloc(UINT flags, std::size_t bytes);
 // Makes a block larger or smaller and keeps its contents; LMEM_ZEROINIT clears what is added. The block may
 // move, with or without LMEM_MOVEABLE. Null on failure, the block then being as it was:

@@ -9,11 +9,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <new>
 #include <sys/mman.h>
 #include <vector>
 
-#include "platform/errors.h"
+#include "platform/base/hosterror.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #define HEAP_POISONS 1
@@ -63,12 +62,14 @@ struct Page {
     std::unique_ptr<Slab> slab;
 };
 
+// A free page holds zeros only.
 struct Arena {
-    BYTE* base = nullptr;
+    BYTE* base = nullptr;       // null: the host has no room for it
     std::size_t committed = 0;  // pages that can be touched
     std::size_t lowestFree = 1; // no page below it is free; page 0 is never used, so that address 0 is none
     std::vector<Page> pages;
-    std::vector<DWORD> open[kClasses]; // pages of slots with a vacant one
+    std::vector<DWORD> open[kClasses]; // pages of slots with a vacant one; has room for all of the class
+    std::size_t slabs[kClasses] = {};  // pages of slots
 };
 
 // Where a block lies.
@@ -96,10 +97,8 @@ Arena& TheArena() {
         Arena made;
         void* span =
             mmap(nullptr, kAddressSpan, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-        if (span == MAP_FAILED) {
-            std::fputs("no address space for the local heap\n", stderr);
-            std::abort();
-        }
+        if (span == MAP_FAILED)
+            return made;
         made.base = static_cast<BYTE*>(span);
         made.committed = 1;
         made.pages.resize(kPages);
@@ -162,25 +161,34 @@ void GivePagesBack(Arena& arena, std::size_t first, std::size_t count) {
     arena.lowestFree = std::min(arena.lowestFree, first);
     Poison(arena.base + first * kPageBytes, count * kPageBytes);
     // The host gets the memory back: a backup of one huge record must not stay huge.
-    madvise(arena.base + first * kPageBytes, count * kPageBytes, MADV_DONTNEED);
+    BYTE* const pages = arena.base + first * kPageBytes;
+    if (madvise(pages, count * kPageBytes, MADV_DONTNEED) != 0) {
+        Unpoison(pages, count * kPageBytes);
+        std::memset(pages, 0, count * kPageBytes);
+        Poison(pages, count * kPageBytes);
+    }
 }
 
 bool OpenSlab(Arena& arena, std::size_t sizeClass) {
+    // All that may find no memory comes first, so that it leaves everything as it was.
+    auto slab = std::make_unique<Slab>();
+    slab->sizeClass = sizeClass;
+    slab->slotBytes = static_cast<DWORD>(SlotBytes(sizeClass));
+    const std::size_t slots = kPageBytes / slab->slotBytes;
+    slab->requested.assign(slots, kNoBlock);
+    slab->vacant.resize(slots);
+    for (std::size_t slot = 0; slot < slots; ++slot)
+        slab->vacant[slot] = static_cast<WORD>(slots - 1 - slot);
+    std::vector<DWORD>& open = arena.open[sizeClass];
+    if (open.capacity() <= arena.slabs[sizeClass])
+        open.reserve(2 * arena.slabs[sizeClass] + 1);
     const std::size_t first = TakePages(arena, 1);
     if (first == 0)
         return false;
-    Page& page = arena.pages[first];
-    page.use = PageUse::Slots;
-    page.slab = std::make_unique<Slab>();
-    Slab& slab = *page.slab;
-    slab.sizeClass = sizeClass;
-    slab.slotBytes = static_cast<DWORD>(SlotBytes(sizeClass));
-    const std::size_t slots = kPageBytes / slab.slotBytes;
-    slab.requested.assign(slots, kNoBlock);
-    slab.vacant.resize(slots);
-    for (std::size_t slot = 0; slot < slots; ++slot)
-        slab.vacant[slot] = static_cast<WORD>(slots - 1 - slot);
-    arena.open[sizeClass].push_back(static_cast<DWORD>(first));
+    arena.pages[first].use = PageUse::Slots;
+    arena.pages[first].slab = std::move(slab);
+    ++arena.slabs[sizeClass];
+    open.push_back(static_cast<DWORD>(first));
     return true;
 }
 
@@ -221,6 +229,7 @@ void FreeSlot(Arena& arena, Page& page, DWORD slot) {
     // One empty page a class is kept, for blocks that come and go.
     if (slab.live == 0 && open.size() > 1) {
         open.erase(std::find(open.begin(), open.end(), static_cast<DWORD>(number)));
+        --arena.slabs[slab.sizeClass];
         page.slab.reset();
         GivePagesBack(arena, number, 1);
     }
@@ -228,7 +237,7 @@ void FreeSlot(Arena& arena, Page& page, DWORD slot) {
 
 Block FindBlock(Arena& arena, std::size_t address) {
     const std::size_t number = address / kPageBytes;
-    if (number == 0 || number >= kPages)
+    if (number == 0 || number >= arena.pages.size())
         return {};
     Page& page = arena.pages[number];
     if (page.use == PageUse::Slots) {
@@ -246,7 +255,8 @@ Block FindBlock(Arena& arena, std::size_t address) {
 
 // The block that begins at a pointer; without a page when none does.
 Block BlockAt(Arena& arena, const void* pointer) {
-    const std::size_t address = static_cast<std::size_t>(static_cast<const BYTE*>(pointer) - arena.base);
+    const std::size_t address =
+        reinterpret_cast<std::uintptr_t>(pointer) - reinterpret_cast<std::uintptr_t>(arena.base);
     const Block block = address < kArenaBytes ? FindBlock(arena, address) : Block{};
     return block.page && block.offset == 0 ? block : Block{};
 }
@@ -260,17 +270,19 @@ std::size_t Capacity(const Block& block) {
 } // namespace
 
 void* LocalAlloc(UINT flags, std::size_t bytes) {
-    BYTE* made = nullptr;
-    if (bytes < kArenaBytes) {
+    BYTE* const made = UnlessOutOfMemory(static_cast<BYTE*>(nullptr), [=] {
         Arena& arena = TheArena();
-        made = bytes + kRedZone <= kLargestSlot ? TakeSlot(arena, bytes) : TakeRun(arena, bytes);
-    }
+        return bytes >= kArenaBytes || !arena.base ? nullptr
+               : bytes + kRedZone <= kLargestSlot  ? TakeSlot(arena, bytes)
+                                                   : TakeRun(arena, bytes);
+    });
     if (!made) {
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return nullptr;
     }
     Unpoison(made, bytes);
-    if ((flags & LMEM_ZEROINIT) != 0)
+    // A run is of zeros anyway, which cost no memory until somebody writes.
+    if ((flags & LMEM_ZEROINIT) != 0 && bytes + kRedZone <= kLargestSlot)
         std::memset(made, 0, bytes);
     return made;
 }
