@@ -7,8 +7,8 @@
 #include <ctime>
 #include <thread>
 
+#include "platform/base/hosterror.h"
 #include "platform/base/localepatterns.h"
-#include "platform/errors.h"
 #include "platform/text.h"
 
 namespace {
@@ -172,18 +172,21 @@ LONG CompareFileTime(const FILETIME* left, const FILETIME* right) {
 int GetDateFormatW(DWORD, DWORD, const SYSTEMTIME* date, const WCHAR*, WCHAR* text, int capacity) {
     if (!Clear(text, capacity) || !ValidDate(*date))
         return Invalid();
-    const QLocale locale = QLocale::system();
-    return Deliver(locale.toString(QDate(date->wYear, date->wMonth, date->wDay), QLocale::ShortFormat), text,
-                   capacity);
+    return UnlessOutOfMemory(0, [=] {
+        const QDate day(date->wYear, date->wMonth, date->wDay);
+        return Deliver(QLocale::system().toString(day, QLocale::ShortFormat), text, capacity);
+    });
 }
 
 int GetTimeFormatW(DWORD, DWORD flags, const SYSTEMTIME* time, const WCHAR*, WCHAR* text, int capacity) {
     if (!Clear(text, capacity) || !ValidTime(*time))
         return Invalid();
-    const QLocale locale = QLocale::system();
-    const QString pattern = TimePattern(locale, !(flags & TIME_NOSECONDS));
-    return Deliver(locale.toString(QTime(time->wHour, time->wMinute, time->wSecond), pattern), text,
-                   capacity);
+    return UnlessOutOfMemory(0, [=] {
+        const QLocale locale = QLocale::system();
+        const QString pattern = TimePattern(locale, !(flags & TIME_NOSECONDS));
+        return Deliver(locale.toString(QTime(time->wHour, time->wMinute, time->wSecond), pattern), text,
+                       capacity);
+    });
 }
 
 DWORD GetTickCount() {

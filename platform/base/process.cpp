@@ -9,8 +9,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "platform/base/hosterror.h"
 #include "platform/base/utf8.h"
-#include "platform/errors.h"
 
 namespace {
 
@@ -38,9 +38,7 @@ std::string ProgramFolder() {
     _exit(127);
 }
 
-} // namespace
-
-BOOL CreateProcessW(const WCHAR* application, const WCHAR* commandLine) {
+BOOL StartProcess(const WCHAR* application, const WCHAR* commandLine) {
     std::string program = ProgramFolder() + ToUtf8(application);
     std::string argument = ToUtf8(commandLine);
     if (access(program.c_str(), X_OK) != 0) {
@@ -66,4 +64,11 @@ BOOL CreateProcessW(const WCHAR* application, const WCHAR* commandLine) {
         return FALSE;
     }
     return TRUE;
+}
+
+} // namespace
+
+BOOL CreateProcessW(const WCHAR* application, const WCHAR* commandLine) {
+    return UnlessOutOfMemory(
+        BOOL{FALSE}, [=] { return StartProcess(application, commandLine); });
 }
