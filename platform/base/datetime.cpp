@@ -7,6 +7,7 @@
 #include <ctime>
 #include <thread>
 
+#include "platform/base/clock.h"
 #include "platform/base/hosterror.h"
 #include "platform/base/localepatterns.h"
 #include "platform/text.h"
@@ -74,11 +75,6 @@ bool ValidTime(const SYSTEMTIME& time) {
     return time.wHour < 24 && time.wMinute < 60 && time.wSecond < 60 && time.wMilliseconds < 1000;
 }
 
-Ticks NowUtc() {
-    const auto now = std::chrono::system_clock::now().time_since_epoch();
-    return kHostEpoch + std::chrono::duration_cast<std::chrono::nanoseconds>(now).count() / 100;
-}
-
 int Deliver(const QString& text, WCHAR* out, int capacity) {
     if (text.size() >= capacity) {
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
@@ -110,9 +106,15 @@ QString TimePattern(const QLocale& locale, bool withSeconds) {
     return withSeconds ? pattern.insert(pattern.lastIndexOf(QLatin1Char('m')) + 1, seconds) : pattern;
 }
 
+FILETIME Now() {
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return FileTimeOf(kHostEpoch + std::chrono::duration_cast<std::chrono::nanoseconds>(now).count() / 100);
+}
+
 void GetLocalTime(SYSTEMTIME* time) {
-    const Ticks now = NowUtc();
-    const FILETIME local = FileTimeOf(now + ZoneOffset(now));
+    const FILETIME now = Now();
+    FILETIME local{};
+    FileTimeToLocalFileTime(&now, &local);
     FileTimeToSystemTime(&local, time);
 }
 

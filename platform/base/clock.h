@@ -1,0 +1,6 @@
+// The present moment.
+#pragma once
+
+#include "platform/types.h"
+
+FILETIME Now(); // UTC
