@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
@@ -253,16 +252,6 @@ void CloseStore() {
 
 Store* StoreIfOpen() {
     return Slot().get();
-}
-
-FILETIME Now() {
-    constexpr std::uint64_t kSecondsFrom1601To1970 = 11'644'473'600;
-    timespec now{};
-    clock_gettime(CLOCK_REALTIME, &now);
-    const std::uint64_t ticks =
-        (static_cast<std::uint64_t>(now.tv_sec) + kSecondsFrom1601To1970) * 10'000'000 +
-        static_cast<std::uint64_t>(now.tv_nsec) / 100;
-    return {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
 }
 
 } // namespace storage

@@ -3,6 +3,7 @@
 
 #include <chrono>
 
+#include "platform/base/clock.h"
 #include "platform/errors.h"
 #include "platform/storage/catalogue.h"
 #include "platform/storage/lockfile.h"
@@ -138,8 +139,5 @@ Store* TheStore();
 void CloseStore();
 // Null when it is not open now; never opens it, refreshes nothing.
 Store* StoreIfOpen();
-
-// The present time.
-FILETIME Now();
 
 } // namespace storage
