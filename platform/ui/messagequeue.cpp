@@ -2,9 +2,9 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <chrono>
 #include <deque>
 
+#include "platform/datetime.h"
 #include "platform/ui/inputtranslation.h"
 #include "platform/ui/windowcore.h"
 
@@ -40,11 +40,6 @@ struct Queue {
 Queue& TheQueue() {
     static auto* queue = new Queue;
     return *queue;
-}
-
-DWORD Now() {
-    const auto elapsed = std::chrono::steady_clock::now().time_since_epoch();
-    return static_cast<DWORD>(std::chrono::duration_cast<std::chrono::milliseconds>(elapsed).count());
 }
 
 bool Matches(const MSG& message, HWND window, UINT first, UINT last) {
@@ -83,7 +78,7 @@ bool PumpedLately() {
 void QueueInput(const MSG& message, std::unique_ptr<HostInput> input) {
     Queue& queue = TheQueue();
     Entry entry{message, std::move(input)};
-    entry.message.time = Now();
+    entry.message.time = GetTickCount();
     entry.message.input = ++queue.lastInput ? queue.lastInput : ++queue.lastInput;
     queue.entries.push_back(std::move(entry));
 }
@@ -152,7 +147,7 @@ int DispatchDepth() {
 BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (window && !LiveWindow(window))
         return FALSE;
-    TheQueue().entries.push_back({MSG{window, message, wParam, lParam, Now(), 0}, nullptr});
+    TheQueue().entries.push_back({MSG{window, message, wParam, lParam, GetTickCount(), 0}, nullptr});
     return TRUE;
 }
 
