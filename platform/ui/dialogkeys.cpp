@@ -4,6 +4,7 @@
 
 #include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/dialogcore.h"
+#include "platform/ui/inputtranslation.h"
 
 namespace {
 
@@ -145,10 +146,6 @@ bool Mnemonic(HWND dialog, HWND focus, char16_t letter) {
     return false;
 }
 
-bool IsLetterKey(WPARAM key) {
-    return (key >= 'A' && key <= 'Z') || (key >= '0' && key <= '9');
-}
-
 bool HandleKey(HWND dialog, const MSG& message) {
     const HWND control = ChildHolding(dialog, message.hwnd);
     const LRESULT code = CodeOf(message.hwnd);
@@ -173,7 +170,7 @@ bool HandleKey(HWND dialog, const MSG& message) {
         return true;
     }
     const bool plainLetter =
-        IsLetterKey(message.wParam) && !controlHeld && !(code & (DLGC_WANTCHARS | DLGC_WANTALLKEYS));
+        IsLetterOrDigit(message.wParam) && !controlHeld && !(code & (DLGC_WANTCHARS | DLGC_WANTALLKEYS));
     return plainLetter && Mnemonic(dialog, control, static_cast<char16_t>(message.wParam));
 }
 
@@ -221,7 +218,7 @@ BOOL IsDialogMessageW(HWND dialog, MSG* message) {
         return FALSE;
     if (message->message == WM_KEYDOWN && HandleKey(dialog, *message))
         return TRUE;
-    if (message->message == WM_SYSKEYDOWN && IsLetterKey(message->wParam) &&
+    if (message->message == WM_SYSKEYDOWN && IsLetterOrDigit(message->wParam) &&
         Mnemonic(dialog, ChildHolding(dialog, message->hwnd), static_cast<char16_t>(message->wParam)))
         return TRUE;
     TranslateMessage(message);

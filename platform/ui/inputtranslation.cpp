@@ -284,6 +284,5 @@ bool HandleMenuKey(HWND window, UINT message, WPARAM wParam) {
     keys.altAlone = false;
     if (wParam == static_cast<WPARAM>(VirtualKeyOf(Qt::Key_F10)))
         return EnterMenuMode(bar);
-    const bool letter = (wParam >= 'A' && wParam <= 'Z') || (wParam >= '0' && wParam <= '9');
-    return letter && MenuBarMnemonic(bar, static_cast<char16_t>(wParam));
+    return IsLetterOrDigit(wParam) && MenuBarMnemonic(bar, static_cast<char16_t>(wParam));
 }

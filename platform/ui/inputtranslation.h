@@ -19,5 +19,6 @@ bool IsInputMessage(UINT message);
 bool HandleMenuKey(HWND window, UINT message, WPARAM wParam);
 
 // ---- keys ----
-UINT VirtualKeyOf(int hostKey); // 0 for keys without one
-int HostKeyOf(UINT virtualKey); // 0 for unknown ones
+bool IsLetterOrDigit(WPARAM key); // these have the same number on the host as here
+UINT VirtualKeyOf(int hostKey);   // 0 for keys without one
+int HostKeyOf(UINT virtualKey);   // 0 for unknown ones

@@ -27,14 +27,14 @@ constexpr std::array kKeys = {
 
 constexpr int kFunctionKeys = 12;
 
-bool IsLetterOrDigit(int code) {
-    return (code >= '0' && code <= '9') || (code >= 'A' && code <= 'Z');
-}
-
 } // namespace
 
+bool IsLetterOrDigit(WPARAM key) {
+    return (key >= '0' && key <= '9') || (key >= 'A' && key <= 'Z');
+}
+
 UINT VirtualKeyOf(int hostKey) {
-    if (IsLetterOrDigit(hostKey))
+    if (IsLetterOrDigit(static_cast<WPARAM>(hostKey)))
         return static_cast<UINT>(hostKey);
     if (hostKey >= Qt::Key_F1 && hostKey < Qt::Key_F1 + kFunctionKeys)
         return VK_F1 + static_cast<UINT>(hostKey - Qt::Key_F1);
@@ -45,7 +45,7 @@ UINT VirtualKeyOf(int hostKey) {
 }
 
 int HostKeyOf(UINT virtualKey) {
-    if (IsLetterOrDigit(static_cast<int>(virtualKey)))
+    if (IsLetterOrDigit(virtualKey))
         return static_cast<int>(virtualKey);
     if (virtualKey >= VK_F1 && virtualKey < VK_F1 + kFunctionKeys)
         return Qt::Key_F1 + static_cast<int>(virtualKey - VK_F1);
