@@ -75,7 +75,7 @@ std::string RealFilePath(const std::string& host) {
             return folder.empty() ? folder : folder + (folder == "/" ? "" : "/") + NameOf(path);
         }
         const std::string link(next, static_cast<std::size_t>(length));
-        path = link.front() == '/' ? link : FolderOf(path) + '/' + link;
+        path = link.front() == '/' ? link : FolderOf(path).append("/").append(link);
     }
     return {};
 }
