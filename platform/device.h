@@ -17,10 +17,6 @@
 // when the usual one is asked for and $HOME, on which it depends, names no folder from the root on.
 bool UseDevice(const std::string& folder, bool make = true);
 
-// Opens the store of the chosen device now, making it when it is missing, where everything else does so at
-// its first use. False with the last error set when it cannot be used.
-bool OpenDeviceStore();
-
 // The chosen device, without a slash at the end. When none was chosen yet the usual one is.
 const std::string& DeviceFolder();
 std::string DeviceStorePath();
