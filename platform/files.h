@@ -28,10 +28,10 @@ constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x00000080;
 // A file that CREATE_ALWAYS begins anew is written beside the one there is, which stands under the name until
 // CloseHandle, whatever becomes of the process. CloseHandle puts the new one in its place, with the older
 // one's mode and owner. When FlushFileBuffers said before, with no writing after it, that the new one is
-// complete, nothing else is left. Otherwise the older one is kept as `name~`, in the place of an earlier one
-// of that name. When CloseHandle fails, the older one still stands under its name. Links are followed. Three
-// kinds are written in their own place: a new file, an empty one, and one in a folder where the user may not
-// make any.
+// complete, nothing else is left. Otherwise the older one is kept as `name~`, and stays there, whatever else
+// fails meanwhile, until a complete one stands under the name. When CloseHandle fails, the older one still
+// stands under its name. Links are followed. Three kinds are written in their own place: a new file, an
+// empty one, and one in a folder where the user may not make any.
 HANDLE CreateFileW(const WCHAR* path, DWORD access, DWORD share, void* security, DWORD disposition,
                    DWORD attributes, HANDLE model);
 // Reads up to `count` bytes; fewer, or none, only at the end of the file. FALSE on failure.

@@ -19,15 +19,18 @@ public:
 
     int Number() const { return replacement ? replacement->Number() : named.Number(); }
     bool Close() override {
-        const int error = replacement ? replacement->PutInPlace(!complete) : named.Close();
+        const int error = replacement ? replacement->PutInPlace(complete) : named.Close();
         if (error != 0)
             SetLastError(ErrorOfHost(error));
+        else if (complete && !begunAnew.empty())
+            ForgetKept(begunAnew);
         return error == 0;
     }
 
     Descriptor named;   // what stands under the name, held by its lock
     const DWORD access; // as asked for; a replacement's descriptor has both kinds
     std::unique_ptr<Replacement> replacement;
+    std::string begunAnew; // the real path of a file whose contents are new; else empty
     bool complete = false; // flushed, and not written since
 };
 
@@ -79,11 +82,11 @@ int TakeFile(int descriptor, const std::string& path, bool shared, struct stat& 
 
 // Begins a file's contents anew, beside those it has where the host allows it. Returns the host's error.
 int BeginAnew(HostFile& file, const std::string& path, const struct stat& status) {
+    file.begunAnew = RealFilePath(path);
     if (!S_ISREG(status.st_mode) || status.st_size == 0)
         return 0;
     auto replacement = std::make_unique<Replacement>();
-    const std::string real = RealFilePath(path);
-    const int error = real.empty() ? EACCES : replacement->Begin(real, status);
+    const int error = file.begunAnew.empty() ? EACCES : replacement->Begin(file.begunAnew, status);
     if (error == EACCES || error == EPERM || error == EROFS)
         return ftruncate(file.named.Number(), 0) == 0 ? 0 : errno; // in its place, for want of another
     if (error == 0)

@@ -29,6 +29,11 @@ int TakeOver(int file, const struct stat& old) {
     return 0;
 }
 
+bool IsFile(const std::string& path) {
+    struct stat status;
+    return lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
 int Exchange(const std::string& one, const std::string& other) {
     return renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(), RENAME_EXCHANGE) == 0 ? 0 : errno;
 }
@@ -45,6 +50,12 @@ void SyncFolder(const std::string& folder) {
 }
 
 } // namespace
+
+void ForgetKept(const std::string& path) {
+    const std::string kept = path + '~';
+    if (IsFile(kept))
+        unlink(kept.c_str());
+}
 
 Replacement::~Replacement() {
     if (!temporary.empty())
@@ -84,10 +95,11 @@ int Replacement::ExchangeAndKeep(const std::string& kept) {
     return error;
 }
 
-int Replacement::TakeName(bool keepOld) {
-    if (!keepOld)
-        return Rename(temporary, target);
+int Replacement::TakeName(bool complete) {
     const std::string kept = target + '~';
+    // One that is kept already is the last complete one, and what stands under the name is not.
+    if (complete || IsFile(kept))
+        return Rename(temporary, target);
     if (Exchange(temporary, target) == 0)
         return ExchangeAndKeep(kept);
     // Not every file system exchanges names. And somebody may have taken the older one away.
@@ -100,13 +112,13 @@ int Replacement::TakeName(bool keepOld) {
     return error;
 }
 
-int Replacement::PutInPlace(bool keepOld) {
+int Replacement::PutInPlace(bool complete) {
     int error = temporary.empty() ? Name() : 0;
     // Closed first: some file systems only then say that they could not write.
     if (error == 0)
         error = file.Close();
     if (error == 0)
-        error = TakeName(keepOld);
+        error = TakeName(complete);
     if (error == 0) {
         temporary.clear();
         SyncFolder(FolderOf(target));

@@ -6,6 +6,9 @@
 
 #include "platform/base/descriptor.h"
 
+// A complete file stands under that path: takes away the older one that was kept while there was none.
+void ForgetKept(const std::string& path);
+
 class Replacement {
 public:
     Replacement() = default;
@@ -16,15 +19,15 @@ public:
     // Begins an empty file in the folder of `path`, a real path, with the owner and the mode of the one that
     // is there. Returns 0 or the host's error.
     int Begin(const std::string& path, const struct stat& old);
-    // Closes the file and gives it its path; with `keepOld` the older one is kept as `path~`. Returns 0, or
-    // the host's error: the older one then stands as before.
-    int PutInPlace(bool keepOld);
+    // Closes the file and gives it its path. Unless it is complete, the older one is kept as `path~`, where
+    // the last complete one stays. Returns 0, or the host's error: the older one then stands as before.
+    int PutInPlace(bool complete);
 
     int Number() const { return file.Number(); }
 
 private:
     int Name();
-    int TakeName(bool keepOld);
+    int TakeName(bool complete);
     int ExchangeAndKeep(const std::string& kept);
 
     Descriptor file;

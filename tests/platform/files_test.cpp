@@ -137,15 +137,21 @@ TEST_F(Files, AnOlderFileStandsUntilTheNewOneIsClosed) {
     EXPECT_TRUE(lstat(link.c_str(), &status) == 0 && S_ISLNK(status.st_mode));
     EXPECT_TRUE(stat(old.c_str(), &status) == 0 && (status.st_mode & ALLPERMS) == 0640);
 
-    // What was written last never reached the disk for sure: the older one is kept, the latest of them only.
+    // What was written last never reached the disk for sure: the last complete one is kept until the next.
     for (const char* content : {"first", "second"}) {
         const HANDLE cut = BeginAnew(kOld, content);
         DWORD count = 0;
         EXPECT_TRUE(FlushFileBuffers(cut) && WriteFile(cut, "+", 1, &count, nullptr) && CloseHandle(cut));
+        EXPECT_EQ(HostFile(old), content + std::string("+"));
+        EXPECT_EQ(HostFile(old + '~'), "new content");
     }
-    EXPECT_EQ(HostFile(old), "second+");
-    EXPECT_EQ(HostFile(old + '~'), "first+");
     EXPECT_EQ(FolderNames(), "Old.bkp Old.bkp~ ");
+    for (const bool deleted : {false, true}) {
+        EXPECT_TRUE(!deleted || (CloseHandle(BeginAnew(kOld, "cut")) && DeleteFileW(kOld)));
+        const HANDLE complete = BeginAnew(kOld, "complete");
+        EXPECT_TRUE(FlushFileBuffers(complete) && CloseHandle(complete));
+        EXPECT_EQ(FolderNames(), "Old.bkp ");
+    }
 
     const HANDLE fresh = BeginAnew(u"\\fresh", "seen");
     EXPECT_EQ(HostFile(root + "/fresh"), "seen");
