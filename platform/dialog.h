@@ -10,7 +10,8 @@ struct DLGTEMPLATE; // a template resource's bytes, as LockResource gives them
 // returning TRUE gives the focus to the first tab stop.
 
 // Runs the dialog until EndDialog, with the owner disabled; returns EndDialog's result, -1 when it cannot be
-// made. Without a display it ends at once as IDCANCEL, with a line on standard error.
+// made, 0 when it or its owner was destroyed before. A quit message that comes meanwhile waits until it has
+// ended. Where nobody can be asked it ends at once as IDCANCEL, with a line on standard error.
 LONG_PTR DialogBoxIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialogTemplate, HWND owner,
                                  DLGPROC procedure, LPARAM param);
 // Modeless; null when it cannot be made. Destroyed by DestroyWindow.

@@ -178,7 +178,8 @@ BOOL IsWindow(HWND window);
 LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT CallWindowProcW(WNDPROC procedure, HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 BOOL ShowWindow(HWND window, int command);
-BOOL UpdateWindow(HWND window); // paints now what is invalid
+// Paints now what is invalid, and hands it to the display, so that it is seen whatever the next step takes.
+BOOL UpdateWindow(HWND window);
 BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint);
 BOOL GetClientRect(HWND window, RECT* rect);
 BOOL ClientToScreen(HWND window, POINT* point);
@@ -227,7 +228,6 @@ int TranslateAcceleratorW(HWND window, HACCEL table, MSG* message);
 
 // ---- message boxes, cursors, icons ----
 constexpr UINT MB_OK = 0x00;
-constexpr UINT MB_OKCANCEL = 0x01;
 constexpr UINT MB_ABORTRETRYIGNORE = 0x02;
 constexpr UINT MB_YESNOCANCEL = 0x03;
 constexpr UINT MB_YESNO = 0x04;
@@ -243,8 +243,10 @@ constexpr int IDRETRY = 4;
 constexpr int IDIGNORE = 5;
 constexpr int IDYES = 6;
 constexpr int IDNO = 7;
-// Runs until answered, dispatching messages meanwhile; the owner is disabled. Without a display the text goes
-// to standard error as one line, and the answer is the one that changes least: OK, No, Cancel or Abort.
+// Runs until answered, dispatching messages meanwhile; the owner is disabled. Without an owner the box stands
+// before the active window. Returns 0 when nobody could be asked: there is no display, or no memory for the
+// box (the text, and for a question the answer that 0 stands for, go to standard error as one line), or the
+// box was destroyed with its owner. 0 never means Yes.
 int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT style);
 
 inline const WCHAR* const IDC_WAIT = MAKEINTRESOURCEW(32514);

@@ -5,7 +5,6 @@
 #include <QFontMetrics>
 #include <map>
 
-#include "platform/base/display.h"
 #include "platform/base/utf8.h"
 #include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/dialogcore.h"
@@ -124,10 +123,6 @@ LRESULT DialogClassProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lP
         if (data)
             ScrollByWheel(window, SignedHiWord(static_cast<LPARAM>(wParam)));
         return 0;
-    case WM_DESTROY:
-        if (data)
-            data->ended = true;
-        return 0;
     case WM_INITDIALOG:
         return 0;
     }
@@ -140,11 +135,6 @@ void TellOfDialog(const DLGTEMPLATE* dialogTemplate, HWND dialog, bool modal) {
 }
 
 } // namespace
-
-ModalHooks& TestHooks() {
-    static auto* hooks = new ModalHooks;
-    return *hooks;
-}
 
 void RegisterDialogClass() {
     RegisterBuiltInClass(kDialogClass, DialogClassProcedure, nullptr);
@@ -163,14 +153,13 @@ LONG_PTR RunDialog(HWND dialog, HWND owner) {
     // The owner can take the focus again before the dialog lets go of it.
     if (ownerWasEnabled)
         EnableWindow(ownerTop, TRUE);
-    const LONG_PTR result = data->ended ? data->result : IDCANCEL;
     DestroyWindow(dialog);
-    return result;
+    return data->result;
 }
 
 LONG_PTR DialogBoxIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialogTemplate, HWND owner,
                                  DLGPROC procedure, LPARAM param) {
-    if (NoDisplay()) {
+    if (NobodyLooks()) {
         const std::string title =
             dialogTemplate ? ToUtf8(ParseDialogTemplate(dialogTemplate).caption) : std::string();
         std::fprintf(stderr, "%s: a dialog was cancelled, since there is no display\n", title.c_str());
@@ -196,8 +185,7 @@ BOOL EndDialog(HWND dialog, LONG_PTR result) {
     if (!object || !object->dialog || object->dialog->ended)
         return FALSE;
     object->dialog->result = result;
-    object->dialog->ended = true;
-    PostMessageW(nullptr, WM_NULL, 0, 0); // the dialog's loop may be waiting for something to happen
+    EndDialogLoop(*object->dialog);
     return TRUE;
 }
 

@@ -4,7 +4,7 @@
 #include "platform/ui/windowcore.h"
 
 // Shows a finished dialog and runs it until EndDialog, with the owner's top-level window disabled; destroys
-// it and returns EndDialog's result, IDCANCEL when the program quits meanwhile.
+// it and returns EndDialog's result, 0 when it was destroyed before.
 LONG_PTR RunDialog(HWND dialog, HWND owner);
 // Keeps the places that the template gave to the controls.
 void RememberLayout(HWND dialog);

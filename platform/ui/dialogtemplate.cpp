@@ -4,7 +4,6 @@
 
 namespace {
 
-constexpr WORD kExtendedMark = 0xFFFF;
 constexpr WORD kNumberMark = 0xFFFF; // before a class or resource that is given by its number
 constexpr DWORD kHasFont = 0x40;     // dialog style
 
@@ -63,22 +62,16 @@ std::u16string ClassName(Reader& reader) {
     return name;
 }
 
-TemplateItem ReadItem(Reader& reader, bool extended) {
+TemplateItem ReadItem(Reader& reader) {
     TemplateItem item;
     reader.Align();
-    if (extended) {
-        reader.Double(); // help id
-        item.exStyle = reader.Double();
-        item.style = reader.Double();
-    } else {
-        item.style = reader.Double();
-        item.exStyle = reader.Double();
-    }
+    item.style = reader.Double();
+    item.exStyle = reader.Double();
     item.x = reader.Short();
     item.y = reader.Short();
     item.width = reader.Short();
     item.height = reader.Short();
-    item.id = extended ? reader.Double() : reader.Word();
+    item.id = reader.Word();
     item.className = ClassName(reader);
     WORD number;
     item.text = reader.TextOrNumber(number);
@@ -92,17 +85,8 @@ TemplateItem ReadItem(Reader& reader, bool extended) {
 ParsedTemplate ParseDialogTemplate(const DLGTEMPLATE* dialogTemplate) {
     ParsedTemplate parsed;
     Reader reader(dialogTemplate);
-    Reader probe(dialogTemplate);
-    const WORD version = probe.Word();
-    const bool extended = version == 1 && probe.Word() == kExtendedMark;
-    if (extended) {
-        reader.Skip(8); // version, mark, help id
-        parsed.exStyle = reader.Double();
-        parsed.style = reader.Double();
-    } else {
-        parsed.style = reader.Double();
-        parsed.exStyle = reader.Double();
-    }
+    parsed.style = reader.Double();
+    parsed.exStyle = reader.Double();
     const int count = reader.Word();
     reader.Skip(4); // the place on the screen is the shell's to choose
     parsed.width = reader.Short();
@@ -113,11 +97,9 @@ ParsedTemplate ParseDialogTemplate(const DLGTEMPLATE* dialogTemplate) {
     parsed.caption = reader.TextOrNumber(number);
     if (parsed.style & kHasFont) {
         parsed.pointSize = reader.Word();
-        if (extended)
-            reader.Skip(4); // weight, slant, character set
         reader.TextOrNumber(number);
     }
     for (int i = 0; i < count; ++i)
-        parsed.items.push_back(ReadItem(reader, extended));
+        parsed.items.push_back(ReadItem(reader));
     return parsed;
 }

@@ -24,5 +24,6 @@ struct ParsedTemplate {
     std::vector<TemplateItem> items;
 };
 
-// Both forms of template. Templates are compiled with the program, whose own they are.
+// The plain form of template; the extended one is not used. Templates are compiled with the program, whose
+// own they are.
 ParsedTemplate ParseDialogTemplate(const DLGTEMPLATE* dialogTemplate);

@@ -75,9 +75,7 @@ bool ChangeActive(HWND window) {
     UpdateTitleBar();
     if (!window)
         return true;
-    std::erase(TopLevelWindows(), window);
-    TopLevelWindows().push_back(window);
-    window->topLevel->frame->raise();
+    RaiseFamily(window);
     HideCoveredFrames();
     if (state.hostActive)
         SendMessageW(window, WM_ACTIVATE, WA_ACTIVE, reinterpret_cast<LPARAM>(before));
@@ -124,6 +122,9 @@ HWND SetFocus(HWND window) {
         return before;
     const HWND top = TopLevelOf(window);
     RememberFocus(window);
+    // What stands behind a window of its own gets the focus when that one goes.
+    if (FrontOfFamily(top) != top)
+        return before;
     if (!(top->style & WS_VISIBLE) || ChangeActive(top)) {
         if (CanHaveFocus(window))
             TakeFocus(window);
@@ -132,7 +133,10 @@ HWND SetFocus(HWND window) {
 }
 
 void ActivateTopLevel(HWND window) {
-    if (!LiveWindow(window) || !window->topLevel || !ChangeActive(window))
+    if (!LiveWindow(window) || !window->topLevel)
+        return;
+    window = FrontOfFamily(window);
+    if (!ChangeActive(window))
         return;
     const HWND focus = GetFocus();
     if (focus && IsInside(focus, window) && focus != window)
@@ -196,8 +200,9 @@ BOOL SetForegroundWindow(HWND window) {
     if (!top)
         return FALSE;
     RaiseScreen();
-    // A window that waits for a dialog of its own lets that one have the front.
-    if (!(top->style & WS_DISABLED))
-        ActivateTopLevel(top);
+    const HWND front = FrontOfFamily(top);
+    // A disabled one waits for a dialog that it does not own: that one keeps the front.
+    if (!(front->style & WS_DISABLED))
+        ActivateTopLevel(front);
     return TRUE;
 }

@@ -6,10 +6,9 @@
 #include <QStyle>
 #include <QTextDocument>
 #include <QTextOption>
+#include <cstdio>
 
-#include "platform/base/display.h"
-#include "platform/base/utf8.h"
-#include "platform/controls.h"
+#include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/dialogcore.h"
 #include "platform/ui/screen.h"
 #include "platform/ui/testhooks.h"
@@ -36,13 +35,12 @@ constexpr BoxButton kOk{IDOK, u"OK"};
 constexpr BoxButton kCancel{IDCANCEL, u"Cancel"};
 constexpr BoxButton kYes{IDYES, u"&Yes"};
 constexpr BoxButton kNo{IDNO, u"&No"};
+constexpr BoxButton kAbort{IDABORT, u"&Abort"};
 
 std::vector<BoxButton> ButtonsOf(UINT style) {
     switch (style & kButtonsMask) {
-    case MB_OKCANCEL:
-        return {kOk, kCancel};
     case MB_ABORTRETRYIGNORE:
-        return {{IDABORT, u"&Abort"}, {IDRETRY, u"&Retry"}, {IDIGNORE, u"&Ignore"}};
+        return {kAbort, {IDRETRY, u"&Retry"}, {IDIGNORE, u"&Ignore"}};
     case MB_YESNOCANCEL:
         return {kYes, kNo, kCancel};
     case MB_YESNO:
@@ -51,23 +49,17 @@ std::vector<BoxButton> ButtonsOf(UINT style) {
     return {kOk};
 }
 
-// What Escape means, and the answer where nobody can be asked.
-int SafeAnswer(UINT style) {
+// What Escape means, and what is taken for the answer where nobody can be asked.
+BoxButton SafeButton(UINT style) {
     switch (style & kButtonsMask) {
-    case MB_OKCANCEL:
     case MB_YESNOCANCEL:
-        return IDCANCEL;
+        return kCancel;
     case MB_ABORTRETRYIGNORE:
-        return IDABORT;
+        return kAbort;
     case MB_YESNO:
-        return IDNO;
+        return kNo;
     }
-    return IDOK;
-}
-
-// Without a display, OK is what keeps an unattended run going.
-int UnattendedAnswer(UINT style) {
-    return (style & kButtonsMask) == MB_OKCANCEL ? IDOK : SafeAnswer(style);
+    return kOk;
 }
 
 QIcon IconOf(UINT style) {
@@ -161,7 +153,7 @@ LONG_PTR BoxProcedure(HWND box, UINT message, WPARAM wParam, LPARAM) {
     if (message != WM_COMMAND)
         return FALSE;
     const int id = LOWORD(wParam);
-    EndDialog(box, id == IDCANCEL ? SafeAnswer(static_cast<UINT>(box->userData)) : id);
+    EndDialog(box, id == IDCANCEL ? SafeButton(static_cast<UINT>(box->userData)).id : id);
     return TRUE;
 }
 
@@ -212,28 +204,30 @@ HWND MakeBox(HWND owner, const QString& text, const WCHAR* caption, UINT style) 
     return box;
 }
 
-int AnswerWithoutDisplay(const WCHAR* text, const WCHAR* caption, UINT style) {
-    std::u16string line = std::u16string(caption ? caption : u"") + u": " + (text ? text : u"");
-    std::replace(line.begin(), line.end(), u'\n', u' ');
-    std::erase(line, u'\r');
-    std::fprintf(stderr, "%s\n", ToUtf8(line).c_str());
-    return UnattendedAnswer(style);
+// For a question the line ends with the answer that the program takes silence for.
+void PrintBox(const QString& text, const WCHAR* caption, UINT style) {
+    QString line = HostText(caption) + QStringLiteral(": ") + text;
+    line.remove(u'\r').replace(u'\n', u' ');
+    if (const BoxButton button = SafeButton(style); button.id != IDOK)
+        line += QStringLiteral(" (nobody to ask: ") + WithoutMnemonic(HostText(button.text)) + u')';
+    std::fprintf(stderr, "%s\n", line.toUtf8().constData());
 }
 
 } // namespace
 
 int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT style) {
-    if (NoDisplay())
-        return AnswerWithoutDisplay(text, caption, style);
-    const HWND box = MakeBox(owner, HostText(text), caption, style);
-    if (!box)
-        return SafeAnswer(style);
+    const HWND stoodBefore = owner ? owner : ActiveTopLevel();
+    const HWND box = NobodyLooks() ? nullptr : MakeBox(stoodBefore, HostText(text), caption, style);
+    if (!box) {
+        PrintBox(HostText(text), caption, style);
+        return 0;
+    }
     OpenBoxes().push_back(box);
     if (TestHooks().messageBox)
         TestHooks().messageBox({text ? text : u"", caption ? caption : u"", style, box});
     const LONG_PTR answer = RunDialog(box, owner);
     std::erase(OpenBoxes(), box);
-    return answer == IDCANCEL ? SafeAnswer(style) : static_cast<int>(answer);
+    return answer == IDCANCEL ? SafeButton(style).id : static_cast<int>(answer);
 }
 
 void AnswerMessageBox(int button) {

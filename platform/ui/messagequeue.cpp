@@ -232,18 +232,3 @@ ReplayScope::~ReplayScope() {
 HWND ReplayingWindow() {
     return TheQueue().replaying;
 }
-
-void RunModal(const bool& done) {
-    MSG message;
-    while (!done) {
-        if (!GetMessageW(&message, nullptr, 0, 0)) {
-            PostQuitMessage(static_cast<int>(message.wParam));
-            return;
-        }
-        const HWND top = TopLevelOf(message.hwnd);
-        if (top && top->dialog && IsDialogMessageW(top, &message))
-            continue;
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
-    }
-}

@@ -4,7 +4,6 @@
 #include <QRegularExpression>
 #include <cstdio>
 
-#include "platform/base/display.h"
 #include "platform/base/paths.h"
 #include "platform/text.h"
 #include "platform/ui/pickerwidget.h"
@@ -21,7 +20,7 @@ PickerWidget* WidgetOfPicker(HWND window) {
 }
 
 LRESULT PickerProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message != WM_CLOSE)
+    if (message != WM_CLOSE && message != WM_DESTROY)
         return DefaultControlProcedure(window, message, wParam, lParam);
     if (PickerWidget* const widget = WidgetOfPicker(window))
         widget->Cancel();
@@ -78,7 +77,7 @@ BOOL RunPicker(OPENFILENAMEW* info, bool save) {
     if (!info || !info->lpstrFile)
         return FALSE;
     const WCHAR* const title = save ? u"Save As" : u"Open";
-    if (NoDisplay()) {
+    if (NobodyLooks()) {
         std::fprintf(stderr, "%s: a file cannot be chosen without a display\n", save ? "Save As" : "Open");
         return FALSE;
     }
@@ -104,8 +103,6 @@ BOOL RunPicker(OPENFILENAMEW* info, bool save) {
     if (TestHooks().picker)
         TestHooks().picker({save, request.proposedName.toStdU16String(), widget});
     RunModal(done);
-    if (PickerWidget* const left = WidgetOfPicker(picker))
-        left->Cancel(); // the program is being quit: nothing was chosen
     if (ownerWasEnabled)
         EnableWindow(owner, TRUE);
     DestroyWindow(picker);

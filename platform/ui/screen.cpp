@@ -2,9 +2,13 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDeadlineTimer>
 #include <QPainter>
 #include <QScreen>
 #include <QStyle>
+#include <QTimer>
+#include <QWindow>
+#include <utility>
 
 #include "platform/ui/cursors.h"
 #include "platform/ui/titlebar.h"
@@ -17,6 +21,10 @@ constexpr QSize kFirstSize(480, 640);
 constexpr QSize kLeastSize(240, 300);
 constexpr int kTitleBarHeight = 28;
 constexpr int kShadow = 12;
+
+// Milliseconds.
+constexpr int kExposePatience = 1000;
+constexpr int kExposeStep = 20;
 
 constexpr int kOrientationChanged = 0x3002; // WM_SETTINGCHANGE, wParam
 
@@ -94,6 +102,19 @@ private:
     HWND window;
 };
 
+// The host takes no picture before it has said that the window can be seen. Waited for once: a display that
+// is covered or on another desktop may never be.
+void AwaitFirstExposure() {
+    static bool awaited = false;
+    if (std::exchange(awaited, true))
+        return;
+    QTimer wakeUp; // waiting ends without any event, too
+    wakeUp.start(kExposeStep);
+    QDeadlineTimer patience(kExposePatience);
+    while (!display->windowHandle()->isExposed() && !patience.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::WaitForMoreEvents);
+}
+
 } // namespace
 
 int Scaled(int pixels) {
@@ -130,14 +151,11 @@ QWidget* NewFrame(HWND window) {
 }
 
 void ShowOnScreen(HWND window) {
-    std::vector<HWND>& windows = TopLevelWindows();
-    std::erase(windows, window);
-    windows.push_back(window);
+    RaiseFamily(window);
     LayOutTopLevel(window);
     if (!LiveWindow(window))
         return;
     window->widget->show();
-    window->topLevel->frame->raise();
     HideCoveredFrames();
     UpdateTitleBar();
     if (!display->isVisible()) {
@@ -146,16 +164,12 @@ void ShowOnScreen(HWND window) {
     }
 }
 
-void HideCoveredFrames() {
-    bool covered = false;
-    const std::vector<HWND>& windows = TopLevelWindows();
-    for (auto window = windows.rbegin(); window != windows.rend(); ++window) {
-        const bool shows = (*window)->style & WS_VISIBLE && !(*window)->destroying;
-        QWidget* frame = (*window)->topLevel->frame;
-        if (frame)
-            frame->setVisible(shows && !covered);
-        covered = covered || (shows && (*window)->topLevel->fullScreen);
-    }
+void PaintScreenNow() {
+    if (!display->isVisible())
+        return;
+    AwaitFirstExposure();
+    QEvent paintNow(QEvent::UpdateRequest);
+    QCoreApplication::sendEvent(display, &paintNow);
 }
 
 void RaiseScreen() {

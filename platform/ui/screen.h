@@ -15,11 +15,11 @@ int Scaled(int pixels);
 
 // A frame for a top-level window; a card's frame dims what lies below it and takes its taps.
 QWidget* NewFrame(HWND window);
-// Shows the frame, above the others, and the display itself when it is the first. The display then stays
-// until the process ends: one window often follows another.
+// Shows the frame, above all but the windows that it owns, and the display itself when it is the first. The
+// display then stays until the process ends: one window often follows another.
 void ShowOnScreen(HWND window);
-// What a full-screen window covers need not be painted, nor be found by assistive programs.
-void HideCoveredFrames();
+// What is invalid is painted and on its way to the host's display when this returns.
+void PaintScreenNow();
 // In front of the host's other windows.
 void RaiseScreen();
 void SetScreenIcon(HICON icon);

@@ -3,7 +3,6 @@
 #include <QProxyStyle>
 #include <QStyleOption>
 
-#include "platform/base/display.h"
 #include "platform/ui/gdiobjects.h"
 #include "platform/ui/menus.h"
 #include "platform/ui/screen.h"
@@ -80,7 +79,7 @@ QMenu* MakePopup(HMENU menu, HWND owner, int position) {
 
 BOOL TrackPopupMenuEx(HMENU menu, UINT flags, int x, int y, HWND owner, const void*) {
     const WindowObject* const window = LiveWindow(owner);
-    if (!window || !window->widget || !LiveMenu(menu) || NoDisplay())
+    if (!window || !window->widget || !LiveMenu(menu) || NobodyLooks())
         return FALSE;
     POINT corner = {x, y};
     ScreenToClient(owner, &corner);
@@ -91,6 +90,8 @@ BOOL TrackPopupMenuEx(HMENU menu, UINT flags, int x, int y, HWND owner, const vo
         done = true;
         PostMessageW(nullptr, WM_NULL, 0, 0);
     });
+    QObject::connect(window->widget, &QObject::destroyed, popup,
+                     &QWidget::close); // nobody is left to choose for
     if (flags & TPM_RIGHTALIGN) {
         const int leftEdge = ScreenArea()->mapToGlobal(QPoint(0, 0)).x();
         place.setX(std::max(leftEdge, place.x() - popup->sizeHint().width()));
@@ -100,9 +101,7 @@ BOOL TrackPopupMenuEx(HMENU menu, UINT flags, int x, int y, HWND owner, const vo
         TestHooks().menu(popup);
     if (popup->isVisible())
         RunModal(done);
-    // Hidden first, as the program may be quitting; deleted once no event of it is on the stack.
     popup->disconnect();
-    popup->hide();
-    popup->deleteLater();
+    popup->deleteLater(); // an event of it may be on the stack
     return TRUE;
 }

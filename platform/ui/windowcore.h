@@ -21,9 +21,19 @@ bool IsInside(HWND window, HWND ancestor);
 void BuryWidget(QWidget* widget);
 void DeleteBuriedWidgets(int dispatchDepth);
 
+// ---- stacking ----
+// Puts the window above all others but those that it owns, which come along above it.
+void RaiseFamily(HWND window);
+// The shown window that stands in front of this one because it is owned by it, through any number of owners;
+// the window itself when there is none. Only the front one can be used: it covers the others.
+HWND FrontOfFamily(HWND window);
+// What a full-screen window covers need not be painted, nor be found by assistive programs.
+void HideCoveredFrames();
+
 // ---- focus and activation ----
 HWND ActiveTopLevel();
 // Brings the window to the front, tells both windows, and gives the focus back to the child that had it.
+// Where a window that it owns stands before it, that one becomes active.
 void ActivateTopLevel(HWND window);
 // After a window was hidden, disabled or destroyed: whoever comes next becomes active.
 void PassActivationOn(HWND from);
@@ -61,6 +71,10 @@ void AnnounceWindow(HWND window);
 void WithdrawWindow(HWND window);
 // Polls for what other processes did to open databases, as long as a window wants to know.
 void WatchStore();
+
+// ---- modal loops ----
+// The dialog's modal loop, if one runs, returns after the message that is being dispatched.
+void EndDialogLoop(DialogData& data);
 
 // ---- built-in classes of the core ----
 inline const WCHAR* const kDialogClass = u"Dialog";

@@ -104,6 +104,8 @@ void DestroyTree(HWND window) {
         DestroyTree(window->children.back());
     if (!LiveWindow(window))
         return;
+    if (window->dialog)
+        EndDialogLoop(*window->dialog);
     WithdrawWindow(window);
     KillTimersOf(window);
     DropMessagesOf(window);

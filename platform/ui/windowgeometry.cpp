@@ -1,17 +1,10 @@
 // Where windows stand, whether they show, and what is to be painted.
-#include <QCoreApplication>
-#include <QElapsedTimer>
-#include <QEvent>
-
 #include "platform/ui/dialogcore.h"
 #include "platform/ui/menus.h"
 #include "platform/ui/screen.h"
 #include "platform/ui/windowcore.h"
 
 namespace {
-
-// A display shows no more than a hundred pictures a second; what is asked for in between waits for the next.
-constexpr qint64 kShortestPaintInterval = 10;
 
 LPARAM PackSize(const QSize& size) {
     return static_cast<LPARAM>(MAKELONG(static_cast<WORD>(size.width()), static_cast<WORD>(size.height())));
@@ -112,17 +105,9 @@ BOOL ShowWindow(HWND window, int command) {
 }
 
 BOOL UpdateWindow(HWND window) {
-    static QElapsedTimer sinceLast;
     if (!LiveWidget(window))
         return FALSE;
-    if (sinceLast.isValid() && sinceLast.elapsed() < kShortestPaintInterval)
-        return TRUE;
-    QWidget* display = ScreenArea()->window();
-    if (display->isVisible()) {
-        QEvent paintNow(QEvent::UpdateRequest);
-        QCoreApplication::sendEvent(display, &paintNow);
-        sinceLast.start();
-    }
+    PaintScreenNow();
     return TRUE;
 }
 

@@ -122,11 +122,13 @@ LRESULT DefaultControlProcedure(HWND window, UINT message, WPARAM wParam, LPARAM
 LRESULT NotifyParent(HWND control, NMHDR* header, UINT code);
 void CommandToParent(HWND control, UINT notification);
 
-// Runs the message loop until `done` is true, or a quit message arrives (which is posted again for the outer
-// loop). The base of every modal thing. `done` is looked at after each message, so whatever sets it while
-// none is being dispatched posts a WM_NULL.
+// Runs the message loop until `done` is true: the base of every modal thing. A quit message is put aside
+// meanwhile and posted again for the loops around this one: what is asked is seen and answered first. `done`
+// is looked at after each message, so whatever sets it while none is being dispatched posts a WM_NULL.
 constexpr UINT WM_NULL = 0;
 void RunModal(const bool& done);
+// There is no display, or none that anyone can see: whatever would wait for the user ends at once instead.
+bool NobodyLooks();
 
 // The widget under which top-level windows stand, and its size.
 QWidget* ScreenArea();

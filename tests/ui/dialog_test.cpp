@@ -1,6 +1,11 @@
 // Dialogs from templates, what runs them, and message boxes.
+#include <set>
+
 #include "platform/base/display.h"
+#include "platform/menu.h"
+#include "platform/pickers.h"
 #include "platform/shell.h"
+#include "resources/resource.h"
 #include "tests/ui/templatebuilder.h"
 #include "tests/ui/windowfixture.h"
 
@@ -36,14 +41,15 @@ protected:
     void SetUp() override {
         WindowTest::SetUp();
         TestHooks() = {}; // the tests answer by themselves, from beside the loops
+        TestHooks().messageBox = [](const MessageBoxSeen&) {};
         edit = Add(u"EDIT", u"", 0, 1);
         Focus(edit);
         endAtInit = 0;
         quitAtCommand = destroyAtCommand = false;
     }
 
-    static TemplateBuilder OkCancel(bool extended) {
-        TemplateBuilder builder(extended, u"Question");
+    static TemplateBuilder OkCancel() {
+        TemplateBuilder builder(u"Question");
         builder.Add(u"STATIC", u"&Name:", SS_LEFT, 65535)
             .Add(u"EDIT", u"text", WS_TABSTOP, 20, 40, 25, 100, 12);
         builder.Add(u"BUTTON", u"OK", BS_DEFPUSHBUTTON | WS_TABSTOP, IDOK, 7, 60);
@@ -69,31 +75,28 @@ protected:
     HWND edit = nullptr;
 };
 
-TEST_F(Dialogs, BothFormsOfTemplateMakeTheSameControls) {
+TEST_F(Dialogs, TheTemplateMakesTheControls) {
     const LONG units = GetDialogBaseUnits();
-    for (const bool extended : {false, true}) {
-        const TemplateBuilder builder = OkCancel(extended);
-        const LONG_PTR result = Run(builder, [&](HWND dialog) {
-            EXPECT_EQ(DialogState<void>(dialog), reinterpret_cast<void*>(42));
-            EXPECT_EQ(TextOf(dialog), u"Question");
-            EXPECT_EQ(TextOf(dialog, 65535), u"&Name:");
-            const HWND text = GetDlgItem(dialog, 20);
-            EXPECT_EQ(TextOf(text), u"text");
-            EXPECT_EQ(initFocus, text); // the first tab stop
-            EXPECT_EQ(GetFocus(), text);
-            EXPECT_EQ(SendMessageW(text, EM_GETSEL, 0, 0), static_cast<LRESULT>(MAKELONG(0, 4)));
-            const QRect place = text->widget->geometry();
-            EXPECT_NEAR(place.x(), 40 * LOWORD(units) / 4.0, 1);
-            EXPECT_NEAR(place.y(), 25 * HIWORD(units) / 8.0, 1);
-            EXPECT_NEAR(place.width(), 100 * LOWORD(units) / 4.0, 1);
-            stylus.Tap(dialog, IDOK);
-        });
-        EXPECT_EQ(result, IDOK + 100);
-    }
+    const LONG_PTR result = Run(OkCancel(), [&](HWND dialog) {
+        EXPECT_EQ(DialogState<void>(dialog), reinterpret_cast<void*>(42));
+        EXPECT_EQ(TextOf(dialog), u"Question");
+        EXPECT_EQ(TextOf(dialog, 65535), u"&Name:");
+        const HWND text = GetDlgItem(dialog, 20);
+        EXPECT_EQ(TextOf(text), u"text");
+        EXPECT_EQ(initFocus, text); // the first tab stop
+        EXPECT_EQ(GetFocus(), text);
+        EXPECT_EQ(SendMessageW(text, EM_GETSEL, 0, 0), static_cast<LRESULT>(MAKELONG(0, 4)));
+        const QRect place = text->widget->geometry();
+        EXPECT_NEAR(place.x(), 40 * LOWORD(units) / 4.0, 1);
+        EXPECT_NEAR(place.y(), 25 * HIWORD(units) / 8.0, 1);
+        EXPECT_NEAR(place.width(), 100 * LOWORD(units) / 4.0, 1);
+        stylus.Tap(dialog, IDOK);
+    });
+    EXPECT_EQ(result, IDOK + 100);
 }
 
 TEST_F(Dialogs, TheOwnerWaitsAndGetsTheFocusBack) {
-    const LONG_PTR result = Run(OkCancel(false), [&](HWND dialog) {
+    const LONG_PTR result = Run(OkCancel(), [&](HWND dialog) {
         EXPECT_FALSE(IsWindowEnabled(main));
         EXPECT_EQ(GetParent(dialog), main);
         PostMessageW(main, WM_COMMAND, 77, 0);
@@ -107,26 +110,78 @@ TEST_F(Dialogs, TheOwnerWaitsAndGetsTheFocusBack) {
 }
 
 TEST_F(Dialogs, EndInEveryWay) {
-    const TemplateBuilder builder = OkCancel(false);
+    const TemplateBuilder builder = OkCancel();
     endAtInit = 9;
     EXPECT_EQ(DialogBoxIndirectParamW(nullptr, builder.Get(), main, DialogProcedure, 0), 9);
     endAtInit = 0;
     const auto tapOk = [this](HWND dialog) { stylus.Tap(dialog, IDOK); };
     destroyAtCommand = true;
     EXPECT_EQ(Run(builder, tapOk), 0);
-    destroyAtCommand = false;
-    quitAtCommand = true;
-    EXPECT_EQ(Run(builder, tapOk), IDCANCEL);
-    MSG message;
-    EXPECT_FALSE(GetMessageW(&message, nullptr, 0, 0)); // the outer loop ends, too
-    EXPECT_EQ(message.wParam, WPARAM{3});
     EXPECT_EQ(DialogBoxIndirectParamW(nullptr, nullptr, main, DialogProcedure, 0), -1);
     EXPECT_EQ(ActiveTopLevel(), main);
     EXPECT_TRUE(IsWindowEnabled(main));
+    const auto destroyOwner = [this](HWND) { DestroyWindow(main); };
+    EXPECT_EQ(Run(builder, destroyOwner), 0);
+    main = Top(u"Again");
+    EXPECT_EQ(RunBox(u"Shall it?", MB_YESNO, destroyOwner), 0);
+}
+
+// Quits are for the loops around a modal one: what is asked meanwhile is seen and answered all the same.
+TEST_F(Dialogs, AQuitWaitsForTheAnswer) {
+    PostQuitMessage(2);
+    quitAtCommand = true;
+    Run(OkCancel(), [this](HWND dialog) {
+        stylus.Tap(dialog, IDOK);
+        EXPECT_TRUE(IsWindow(dialog));
+        quitAtCommand = false;
+        EXPECT_EQ(RunBox(u"Still?", MB_YESNO, [this](HWND box) { stylus.Tap(box, IDYES); }), IDYES);
+        stylus.Tap(dialog, IDOK);
+    });
+    MSG message;
+    std::set<WPARAM> exitCodes;
+    while (exitCodes.size() < 2)
+        if (!GetMessageW(&message, nullptr, 0, 0))
+            exitCodes.insert(message.wParam);
+    EXPECT_EQ(exitCodes, (std::set<WPARAM>{2, 3}));
+}
+
+// A progress display leaves its owner enabled; a second start of the program asks for the owner all the same.
+TEST_F(Dialogs, AnOwnedOneStaysAboveItsOwner) {
+    const TemplateBuilder builder = OkCancel();
+    const HWND progress = CreateDialogIndirectParamW(nullptr, builder.Get(), main, DialogProcedure, 0);
+    ShowWindow(progress, SW_SHOW);
+    const HWND notice = Top(u"Notice", progress);
+    const auto stack = [&] { return std::vector<HWND>{main, progress, notice}; };
+    for (const HWND asked : {main, progress}) {
+        EXPECT_TRUE(SetForegroundWindow(asked));
+        ShowWindow(asked, SW_SHOWNORMAL);
+        SetFocus(edit);
+        stylus.Settle();
+        EXPECT_EQ(TopLevelWindows(), stack());
+        EXPECT_EQ(ActiveTopLevel(), notice);
+        EXPECT_TRUE(IsInside(GetFocus(), notice));
+    }
+    // Nothing can be typed or tapped beneath.
+    stylus.Type(u"x");
+    EXPECT_EQ(TextOf(edit), u"");
+    EXPECT_FALSE(edit->widget->isVisible());
+    // A box that belongs to nobody stands above them, too.
+    int answer = 0;
+    stylus.Beside([&] { answer = MessageBoxW(nullptr, u"Sure?", u"Caption", MB_YESNO); },
+                  [&] {
+                      SetForegroundWindow(main);
+                      stylus.Key(Qt::Key_Y);
+                  });
+    EXPECT_EQ(answer, IDYES);
+    ShowWindow(notice, SW_HIDE);
+    EXPECT_EQ(ActiveTopLevel(), progress);
+    DestroyWindow(progress);
+    EXPECT_FALSE(IsWindow(notice));
+    EXPECT_EQ(GetFocus(), edit);
 }
 
 TEST_F(Dialogs, FullScreenOnesStandBelowTheirBarAndHaveADoneButton) {
-    const LONG_PTR result = Run(OkCancel(false), [&](HWND dialog) {
+    const LONG_PTR result = Run(OkCancel(), [&](HWND dialog) {
         RECT client;
         GetClientRect(dialog, &client);
         EXPECT_LT(client.right, 480);
@@ -154,7 +209,7 @@ TEST_F(Dialogs, FullScreenOnesStandBelowTheirBarAndHaveADoneButton) {
 // A rotation or a small screen while it is open: what is wide grows, buttons keep their places, and what does
 // not fit comes into sight with the focus.
 TEST_F(Dialogs, FullScreenOnesFollowTheScreen) {
-    TemplateBuilder builder = OkCancel(false);
+    TemplateBuilder builder = OkCancel();
     builder.Add(u"EDIT", u"", WS_TABSTOP | ES_MULTILINE, 21, 7, 74, 214, 60);
     builder.Add(u"BUTTON", u"Below", BS_PUSHBUTTON | WS_TABSTOP, 22, 171, 140, 50);
     Run(builder, [&](HWND dialog) {
@@ -196,8 +251,6 @@ TEST_F(Dialogs, BoxesAnswerByTapKeyAndMnemonic) {
     const Case cases[] = {
         {MB_OK, Qt::Key_Return, IDOK},
         {MB_OK, Qt::Key_Escape, IDOK},
-        {MB_OKCANCEL, Qt::Key_Return, IDOK},
-        {MB_OKCANCEL | MB_DEFBUTTON2, Qt::Key_Return, IDCANCEL},
         {MB_YESNO, Qt::Key_Return, IDYES},
         {MB_YESNO | MB_DEFBUTTON2, Qt::Key_Return, IDNO},
         {MB_YESNO, Qt::Key_Escape, IDNO},
@@ -250,19 +303,29 @@ TEST_F(Dialogs, BoxesFitTheScreenWhateverTheirText) {
     }
 }
 
-TEST_F(Dialogs, WithoutADisplayNothingWaits) {
+TEST_F(Dialogs, WhereNobodyLooksNothingWaits) {
+    TestHooks() = {};
     SetNoDisplay(true);
     testing::internal::CaptureStderr();
-    EXPECT_EQ(MessageBoxW(nullptr, u"Two\nlines", u"Caption", MB_OK), IDOK);
-    for (const auto& [style, answer] :
-         {std::pair{MB_YESNO, IDNO}, {MB_YESNOCANCEL, IDCANCEL}, {MB_ABORTRETRYIGNORE, IDABORT}})
-        EXPECT_EQ(MessageBoxW(nullptr, u"Sure?", u"Caption", style), answer);
-    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, OkCancel(true).Get(), main, DialogProcedure, 0), IDCANCEL);
+    for (const UINT style : {MB_OK, MB_YESNO, MB_YESNOCANCEL, MB_ABORTRETRYIGNORE})
+        EXPECT_EQ(MessageBoxW(nullptr, u"Two\r\nlines", u"Caption", style), 0);
+    EXPECT_EQ(DialogBoxIndirectParamW(nullptr, OkCancel().Get(), main, DialogProcedure, 0), IDCANCEL);
+    const HMENU menu = LoadMenuW(nullptr, MAKEINTRESOURCEW(IDR_LIST_MENU));
+    EXPECT_FALSE(TrackPopupMenuEx(GetSubMenu(menu, 0), 0, 0, 0, main, nullptr));
+    DestroyMenu(menu);
+    WCHAR path[MAX_PATH] = u".bkp";
+    OPENFILENAMEW info{};
+    info.lpstrFile = path;
+    info.nMaxFile = MAX_PATH;
+    EXPECT_FALSE(GetSaveFileNameW(&info));
     const std::string printed = testing::internal::GetCapturedStderr();
     SetNoDisplay(false);
-    EXPECT_TRUE(printed.starts_with("Caption: Two lines\nCaption: Sure?\n")) << printed;
-    EXPECT_NE(printed.find("Question: "), std::string::npos) << printed;
-    EXPECT_EQ(std::count(printed.begin(), printed.end(), '\n'), 5);
+    EXPECT_EQ(printed, "Caption: Two lines\n"
+                       "Caption: Two lines (nobody to ask: No)\n"
+                       "Caption: Two lines (nobody to ask: Cancel)\n"
+                       "Caption: Two lines (nobody to ask: Abort)\n"
+                       "Question: a dialog was cancelled, since there is no display\n"
+                       "Save As: a file cannot be chosen without a display\n");
 }
 
 } // namespace

@@ -21,7 +21,7 @@ LONG_PTR Procedure(HWND, UINT message, WPARAM wParam, LPARAM) {
 class DialogKeys : public testing::Test {
 protected:
     void SetUp() override {
-        TemplateBuilder builder(false, u"Keys");
+        TemplateBuilder builder(u"Keys");
         builder.Add(u"STATIC", u"&Name:", SS_LEFT, kLabel)
             .Add(u"EDIT", u"abc", WS_TABSTOP, kName)
             .Add(u"EDIT", u"hidden", WS_TABSTOP, kHidden)

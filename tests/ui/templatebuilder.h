@@ -1,4 +1,4 @@
-// Dialog templates put together word by word, in both of their forms.
+// Dialog templates put together word by word.
 #pragma once
 
 #include <string>
@@ -8,26 +8,14 @@
 
 class TemplateBuilder {
 public:
-    TemplateBuilder(bool extended, const std::u16string& caption, WORD pointSize = 9) : extended(extended) {
-        if (extended) {
-            Word(1);
-            Word(0xFFFF);
-            Double(0);
-            Double(0);
-            Double(kStyle);
-        } else {
-            Double(kStyle);
-            Double(0);
-        }
+    explicit TemplateBuilder(const std::u16string& caption, WORD pointSize = 9) {
+        Double(kStyle);
+        Double(0);
         countAt = words.size();
         for (const WORD word : {0, 0, 0, 228, 160, 0, 0}) // count, place, size, menu, class
             Word(word);
         Text(caption);
         Word(pointSize);
-        if (extended) {
-            Word(400);
-            Word(0);
-        }
         Text(u"System");
     }
 
@@ -35,18 +23,10 @@ public:
                          WORD x = 7, WORD y = 7, WORD width = 60, WORD height = 12) {
         if (words.size() % 2)
             Word(0);
-        if (extended) {
-            Double(0);
-            Double(0);
-            Double(style | WS_CHILD | WS_VISIBLE);
-        } else {
-            Double(style | WS_CHILD | WS_VISIBLE);
-            Double(0);
-        }
+        Double(style | WS_CHILD | WS_VISIBLE);
+        Double(0);
         for (const WORD word : {x, y, width, height, id})
             Word(word);
-        if (extended)
-            Word(0);
         if (className == u"BUTTON") { // as the resource compiler writes it
             Word(0xFFFF);
             Word(0x80);
@@ -75,7 +55,6 @@ private:
         Word(0);
     }
 
-    bool extended;
     std::size_t countAt = 0;
     std::vector<WORD> words;
 };

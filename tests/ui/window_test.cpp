@@ -1,4 +1,5 @@
 // Windows: their lives, their relatives, focus and activation, the display and its title bar.
+#include <QScreen>
 #include <algorithm>
 
 #include "platform/shell.h"
@@ -182,6 +183,23 @@ TEST_F(Windows, TheDisplayTellsOfItsSizeAndThenOfItsOrientation) {
     EXPECT_EQ(seen, (std::vector<Seen>{{main, WM_SIZE, 0}, {main, WM_SETTINGCHANGE, 0x3002}}));
     EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 640);
     EXPECT_EQ(GetSystemMetrics(SM_CYSCREEN), 480);
+}
+
+// Two texts in quick succession, and no message retrieved after them: each is seen at once.
+TEST_F(Windows, WhatIsSetIsOnTheDisplayWhenItHasBeenUpdated) {
+    const HWND line = Add(u"STATIC", u"", SS_LEFT, 1, {0, 0, 400, 40});
+    QWidget* const display = ScreenArea()->window();
+    const auto shown = [display] {
+        return QGuiApplication::primaryScreen()->grabWindow(display->winId()).toImage();
+    };
+    std::vector<QImage> pictures{shown()};
+    for (const WCHAR* text : {u"Record 1", u"Record 2"}) {
+        SetWindowTextW(line, text);
+        EXPECT_TRUE(UpdateWindow(main));
+        pictures.push_back(shown());
+    }
+    EXPECT_NE(pictures[0], pictures[1]);
+    EXPECT_NE(pictures[1], pictures[2]);
 }
 
 TEST_F(Windows, TheTitleBarSpeaksForTheActiveOne) {

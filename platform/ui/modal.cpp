@@ -1,0 +1,42 @@
+// What all that waits for the user has in common: dialogs, message boxes, pickers, tracked menus.
+#include <vector>
+
+#include "platform/base/display.h"
+#include "platform/ui/testhooks.h"
+#include "platform/ui/windowcore.h"
+
+void RunModal(const bool& done) {
+    std::vector<int> quits; // in their order: each is meant for one of the loops around this one
+    MSG message;
+    while (!done) {
+        if (!GetMessageW(&message, nullptr, 0, 0)) {
+            quits.push_back(static_cast<int>(message.wParam));
+            continue;
+        }
+        const HWND top = TopLevelOf(message.hwnd);
+        if (top && top->dialog && IsDialogMessageW(top, &message))
+            continue;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+    for (const int exitCode : quits)
+        PostQuitMessage(exitCode);
+}
+
+void EndDialogLoop(DialogData& data) {
+    data.ended = true;
+    PostMessageW(nullptr, WM_NULL, 0, 0); // the loop may be waiting for something to happen
+}
+
+bool NobodyLooks() {
+    const ModalHooks& test = TestHooks();
+    if (test.messageBox || test.dialog || test.picker || test.menu)
+        return false;
+    EnsureWindowSystem(); // only then is it known which display there is
+    return NoDisplay();
+}
+
+ModalHooks& TestHooks() {
+    static auto* hooks = new ModalHooks;
+    return *hooks;
+}
