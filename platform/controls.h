@@ -49,9 +49,8 @@ constexpr DWORD ES_AUTOHSCROLL = 0x0080;
 constexpr DWORD ES_READONLY = 0x0800;
 constexpr DWORD ES_WANTRETURN = 0x1000;
 constexpr UINT EM_GETSEL = 0xB0;
-constexpr UINT EM_SETSEL = 0xB1; // 0, -1: everything
-constexpr UINT EM_GETMODIFY = 0xB8;
-constexpr UINT EM_SETMODIFY = 0xB9;
+constexpr UINT EM_SETSEL = 0xB1;       // 0, -1: everything
+constexpr UINT EM_SETMODIFY = 0xB9;    // without effect: nobody can ask for the mark
 constexpr UINT EM_SETLIMITTEXT = 0xC5; // characters typed into a single line; WM_SETTEXT is never cut
 constexpr UINT EM_CANUNDO = 0xC6;
 constexpr UINT EM_EMPTYUNDOBUFFER = 0xCD;
@@ -76,12 +75,10 @@ constexpr UINT DTM_SETSYSTEMTIME = 0x1002; // wParam GDT_VALID, lParam SYSTEMTIM
 constexpr WPARAM GDT_VALID = 0;
 
 // ---- progress bar ----
-constexpr UINT PBM_SETRANGE = WM_USER + 1; // lParam MAKELONG(low, high)
 constexpr UINT PBM_SETPOS = WM_USER + 2;
 constexpr UINT PBM_SETSTEP = WM_USER + 4;
 constexpr UINT PBM_STEPIT = WM_USER + 5;
 constexpr UINT PBM_SETRANGE32 = WM_USER + 6; // wParam low, lParam high
-constexpr UINT PBM_GETPOS = WM_USER + 8;
 
 // ---- header ----
 constexpr UINT HDM_GETITEMCOUNT = 0x1200;
@@ -163,11 +160,9 @@ using PFNLVCOMPARE = int (*)(LPARAM, LPARAM, LPARAM);
 
 constexpr UINT LVM_SETIMAGELIST = 0x1003; // wParam LVSIL_..., lParam HIMAGELIST, not owned
 constexpr UINT LVM_GETITEMCOUNT = 0x1004;
-constexpr UINT LVM_DELETEITEM = 0x1008;
 constexpr UINT LVM_DELETEALLITEMS = 0x1009;
 constexpr UINT LVM_GETNEXTITEM = 0x100C; // wParam start (-1: the first row), lParam LVNI_...; -1 for none
 constexpr UINT LVM_ENSUREVISIBLE = 0x1013;
-constexpr UINT LVM_EDITLABELW = 0x1076; // wParam row; returns nonzero when the edit has begun
 constexpr UINT LVM_SETCOLUMNWIDTH = 0x101E;
 constexpr UINT LVM_GETHEADER = 0x101F;
 constexpr UINT LVM_GETTOPINDEX = 0x1027;

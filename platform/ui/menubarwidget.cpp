@@ -106,7 +106,9 @@ BarButton* MenuBarWidget::AddCommand(const QString& name, const QImage& picture,
 }
 
 void MenuBarWidget::Choose(BarButton* button) {
-    const WindowObject* const bar = LiveWindow(barWindow);
+    const QPointer<BarButton> chosen(button);
+    EndLabelEdit(); // which may say something and take down what is here
+    const WindowObject* const bar = chosen ? LiveWindow(barWindow) : nullptr;
     if (!bar || !button->isEnabled() || !IsWindowEnabled(bar->parent))
         return;
     if (button->IsPopup())

@@ -55,6 +55,7 @@ protected:
     }
     void closeEvent(QCloseEvent* event) override {
         event->ignore();
+        EndLabelEdit();
         PostMessageW(ActiveTopLevel(), WM_CLOSE, 0, 0);
     }
     bool event(QEvent* event) override {

@@ -99,6 +99,7 @@ void TitleBar::paintEvent(QPaintEvent*) {
 }
 
 void TitleBar::Tapped() {
+    EndLabelEdit();
     const HWND active = ActiveTopLevel();
     if (button->Kind() == TitleButton::Ok)
         PostMessageW(active, WM_COMMAND, IDOK, 0);

@@ -78,6 +78,7 @@ QMenu* MakePopup(HMENU menu, HWND owner, int position) {
 }
 
 BOOL TrackPopupMenuEx(HMENU menu, UINT flags, int x, int y, HWND owner, const void*) {
+    EndLabelEdit();
     const WindowObject* const window = LiveWindow(owner);
     if (!window || !window->widget || !LiveMenu(menu) || NobodyLooks())
         return FALSE;

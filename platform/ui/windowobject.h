@@ -130,6 +130,10 @@ void RunModal(const bool& done);
 // There is no display, or none that anyone can see: whatever would wait for the user ends at once instead.
 bool NobodyLooks();
 
+// The edit of a row's label that is going on, if any, ends with its new text, as a tap beside it makes it.
+// For what a user chooses without moving the focus: menus, the buttons of the bars.
+void EndLabelEdit();
+
 // The widget under which top-level windows stand, and its size.
 QWidget* ScreenArea();
 // Gives a top-level window its place on the screen, its menu bar the top of it, and sends WM_SIZE when the

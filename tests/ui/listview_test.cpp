@@ -1,9 +1,13 @@
 // The list view and its header.
+#include <QHeaderView>
 #include <QLineEdit>
+#include <QMenu>
 #include <QWindow>
 #include <ctime>
 #include <functional>
 
+#include "platform/ui/menubarwidget.h"
+#include "resources/resource.h"
 #include "tests/ui/windowfixture.h"
 
 namespace {
@@ -111,6 +115,8 @@ protected:
             return instead();
         auto* info = reinterpret_cast<NMLISTVIEW*>(lParam);
         const NMHDR* header = &info->hdr;
+        if (header->idFrom != kList)
+            return 0;
         EXPECT_EQ(header->hwndFrom, list);
         if (header->code == LVN_ITEMCHANGED)
             changes.push_back({info->iItem, info->uOldState, info->uNewState});
@@ -120,6 +126,7 @@ protected:
             ++doubleTaps;
         else if (header->code == LVN_ENDLABELEDITW) {
             auto* edit = reinterpret_cast<NMLVDISPINFOW*>(lParam);
+            commandsAtEdit = static_cast<int>(commands.size());
             labels.push_back(edit->item.pszText ? edit->item.pszText : u"(cancelled)");
             return acceptLabel;
         }
@@ -131,6 +138,7 @@ protected:
     std::vector<int> clicked;
     std::vector<std::u16string> labels;
     int doubleTaps = 0;
+    int commandsAtEdit = -1; // commands that had run when a label's edit ended
     bool acceptLabel = true;
     std::function<LRESULT()> instead; // of writing notifications down
 };
@@ -239,6 +247,11 @@ TEST_F(ListTest, CheckBoxesAreToggledByTapAndSpace) {
 TEST_F(ListTest, LabelsAreEditedInPlace) {
     Make();
     auto editor = [this] { return list->widget->findChild<QLineEdit*>(); };
+    auto edit = [this](int row) {
+        Focus(list);
+        SetState(row, kBoth, kBoth);
+        stylus.Key(Qt::Key_F2);
+    };
     stylus.Tap(list, Spot(1));
     EXPECT_EQ(editor(), nullptr);
     stylus.Tap(list, Spot(1));
@@ -259,16 +272,126 @@ TEST_F(ListTest, LabelsAreEditedInPlace) {
     // Leaving the edit ends it; the focus stays where it went.
     HWND other = Add(u"BUTTON", u"Other", 0, 1, {0, 310, 80, 340});
     acceptLabel = false;
-    EXPECT_TRUE(Send(list, LVM_EDITLABELW, 2));
+    edit(2);
     stylus.Type(u"refused");
     Focus(other);
     EXPECT_EQ(labels.back(), u"refused");
     EXPECT_EQ(TextAt(list, 2), u"row 2");
     EXPECT_EQ(GetFocus(), other);
-    EXPECT_TRUE(Send(list, LVM_EDITLABELW, 2));
+    edit(2);
     stylus.Tap(list, Spot(4));
     EXPECT_EQ(labels.size(), 4u);
     EXPECT_EQ(Selected(), std::vector<int>{4});
+}
+
+// What is chosen without moving the focus finds the label as it was typed.
+TEST_F(ListTest, AMenuOrABarsButtonEndsTheEditFirst) {
+    Make();
+    SHInitMainWindow(main);
+    SHMENUBARINFO info{sizeof info, main, 0, IDR_MAIN_MENU, nullptr, IDB_MAIN_BUTTONS, 2, nullptr};
+    ASSERT_TRUE(SHCreateMenuBar(&info));
+    const auto& buttons = qobject_cast<MenuBarWidget*>(info.hwndMB->widget)->Buttons();
+    const HMENU menu = LoadMenuW(nullptr, MAKEINTRESOURCEW(IDR_LIST_MENU));
+    TestHooks().menu = [this](QMenu* shown) {
+        labels.push_back(u"(menu)");
+        shown->close();
+    };
+    std::vector<std::u16string> expected;
+    const auto check = [&](const std::function<void()>& choose, bool opensMenu) {
+        const std::u16string text = u"new " + Digits(static_cast<int>(expected.size()));
+        SetForegroundWindow(main); // this host's popups take the activation with them
+        stylus.WaitFor([] { return ScreenArea()->window()->isActiveWindow(); }, "the active display");
+        stylus.Key(Qt::Key_F2);
+        stylus.Type(text);
+        commandsAtEdit = -1;
+        commands.clear();
+        choose();
+        stylus.Settle();
+        expected.push_back(text);
+        if (opensMenu)
+            expected.push_back(u"(menu)");
+        EXPECT_EQ(labels, expected);
+        EXPECT_EQ(commandsAtEdit, 0); // none had run when the edit ended
+    };
+    SetState(1, kBoth, kBoth);
+    check([&] { QTest::mouseClick(buttons.back(), Qt::LeftButton); }, false);
+    EXPECT_EQ(commands.size(), 1u);
+    check([&] { QTest::mouseClick(buttons.front(), Qt::LeftButton); }, true);
+    check([&] { TrackPopupMenuEx(GetSubMenu(menu, 0), 0, 50, 50, main, nullptr); }, true);
+    check([&] { stylus.TapTitleButton(); }, false);
+    DestroyMenu(menu);
+}
+
+// The keyboard's cursor is where the program has put it, whatever the views have been doing meanwhile.
+TEST_F(ListTest, TheCursorIsTheRowThatTheProgramFocuses) {
+    Make(LVS_REPORT | LVS_EDITLABELS, 8);
+    HWND other = Add(u"BUTTON", u"Other", 0, 1, {0, 310, 80, 340});
+    stylus.Tap(list, Spot(4));
+    const auto focused = [this] {
+        std::vector<int> rows;
+        for (int row = 0; row < Send(list, LVM_GETITEMCOUNT); ++row)
+            if (Send(list, LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_FOCUSED))
+                rows.push_back(row);
+        return rows;
+    };
+    for (const bool redraws : {true, false}) {
+        for (const DWORD view : {LVS_REPORT, LVS_ICON}) {
+            SetWindowLongPtrW(list, GWL_STYLE, (list->style & ~LVS_TYPEMASK) | view);
+            Send(list, WM_SETREDRAW, redraws);
+            Send(list, LVM_DELETEALLITEMS);
+            EXPECT_TRUE(focused().empty());
+            for (int row = 0; row < 6; ++row)
+                Insert(row);
+            SetState(2, kBoth, kBoth);
+            Send(list, WM_SETREDRAW, TRUE);
+            Focus(other); // the host looks for a place of its own when the list gets the focus again
+            Focus(list);
+            EXPECT_EQ(focused(), std::vector<int>{2}) << redraws << view;
+            stylus.Key(Qt::Key_F2);
+            stylus.Type(u"x");
+            stylus.Key(Qt::Key_Return);
+            EXPECT_EQ(TextAt(list, 2), u"x");
+            stylus.Key(view == LVS_ICON ? Qt::Key_Right : Qt::Key_Down);
+            EXPECT_EQ(focused(), std::vector<int>{3}) << redraws << view;
+        }
+    }
+    // A row that is only selected is where the keyboard begins, too.
+    Send(list, LVM_DELETEALLITEMS);
+    Focus(other);
+    for (int row = 0; row < 6; ++row)
+        Insert(row);
+    SetState(4, LVIS_SELECTED, LVIS_SELECTED);
+    Focus(list);
+    EXPECT_EQ(focused(), std::vector<int>{4});
+    EXPECT_EQ(Selected(), std::vector<int>{4});
+}
+
+TEST_F(ListTest, ADoubleTapOnADividerFitsTheColumnToItsContents) {
+    Make();
+    std::u16string text(16, u'W');
+    LVITEMW item{};
+    item.iSubItem = 1;
+    item.pszText = text.data();
+    Send(list, LVM_SETITEMTEXTW, 4, &item);
+    HWND header = reinterpret_cast<HWND>(Send(list, LVM_GETHEADER));
+    auto* const view = qobject_cast<QHeaderView*>(header->widget);
+    const QFontMetrics metrics(view->font());
+    stylus.TapTwice(header, QPoint(239, 10)); // the third column's left edge
+    EXPECT_GT(view->sectionSize(1), metrics.horizontalAdvance(QString::fromStdU16String(text)));
+    text = u"1";
+    for (int row = 0; row < 5; ++row)
+        Send(list, LVM_SETITEMTEXTW, static_cast<WPARAM>(row), &item);
+    stylus.TapTwice(header, QPoint(view->sectionPosition(2) - 1, 10));
+    EXPECT_GT(view->sectionSize(1),
+              metrics.horizontalAdvance(QStringLiteral("Column"))); // its title is cut never
+    EXPECT_LT(view->sectionSize(1), 100);
+    // Every text of the first column is whole; an empty list has its titles.
+    stylus.TapTwice(header, QPoint(119, 10));
+    EXPECT_GT(view->sectionSize(0), metrics.horizontalAdvance(QStringLiteral("row 0")));
+    Send(list, LVM_DELETEALLITEMS);
+    stylus.TapTwice(header, QPoint(view->sectionPosition(1) - 1, 10));
+    EXPECT_GT(view->sectionSize(0), metrics.horizontalAdvance(QStringLiteral("Column")));
+    EXPECT_TRUE(clicked.empty());
 }
 
 TEST_F(ListTest, ADoubleTapIsToldAndEditsNothing) {
@@ -298,9 +421,6 @@ TEST_F(ListTest, SortingIsStableAndRowsKeepTheirStates) {
     stylus.Settle();
     EXPECT_TRUE(changes.empty());
     EXPECT_EQ(RowOf(list, 1013), 19);
-    Send(list, LVM_DELETEITEM, 4);
-    EXPECT_EQ(RowOf(list, 1013), 18);
-    EXPECT_EQ(Selected(), std::vector<int>{18});
     EXPECT_EQ(RowOf(list, 5), -1);
 }
 

@@ -39,11 +39,6 @@ LRESULT EditMessage(EditBox& box, UINT message, WPARAM wParam, LPARAM lParam) {
         return GetSelection(box, wParam, lParam);
     case EM_SETSEL:
         return SetSelection(box, static_cast<int>(wParam), static_cast<int>(lParam));
-    case EM_GETMODIFY:
-        return box.modified;
-    case EM_SETMODIFY:
-        box.modified = wParam != 0;
-        return 0;
     case EM_SETLIMITTEXT:
         box.SetLimit(static_cast<int>(wParam));
         return 0;

@@ -44,7 +44,6 @@ void RunEditCommand(Box& box, UINT message) {
 void EditBox::SetText(const QString& text) {
     exact = text;
     edited = false;
-    modified = false;
     showing = true;
     ShowText(text);
     showing = false;
@@ -54,7 +53,6 @@ void EditBox::TakeEdit(HWND window) {
     if (showing)
         return;
     edited = true;
-    modified = true;
     CommandToParent(window, EN_CHANGE);
 }
 

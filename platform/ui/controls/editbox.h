@@ -22,8 +22,6 @@ public:
     virtual void EmptyUndoBuffer() = 0;
     virtual void Edit(UINT message) = 0; // WM_CUT, WM_COPY, WM_PASTE, WM_UNDO
 
-    bool modified = false; // by the user, since the text was set or EM_SETMODIFY
-
 protected:
     virtual QString CurrentText() const = 0;
     virtual void ShowText(const QString& text) = 0; // empties the undo buffer too

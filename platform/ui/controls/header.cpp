@@ -6,8 +6,11 @@
 
 #include "platform/ui/controls/listviews.h"
 #include "platform/ui/devicecontext.h"
+#include "platform/ui/gdiobjects.h"
 
 namespace {
+
+constexpr int kTitleMargin = 6; // pixels on either side
 
 void NotifyColumnClick(HWND list, int column) {
     NMLISTVIEW notification{};
@@ -48,6 +51,16 @@ QSize HeaderView::sizeHint() const {
     return size;
 }
 
+// The title with its margins, and the image that the owner may draw before it.
+QSize HeaderView::sectionSizeFromContents(int section) const {
+    if (!list.model->HasColumn(section))
+        return QSize();
+    const QString& title = list.model->Column(section).title;
+    const int image = images ? ImageListSize(images).width() + kTitleMargin : 0;
+    return QSize(QFontMetrics(font()).horizontalAdvance(title) + 2 * kTitleMargin + image + 1,
+                 sizeHint().height());
+}
+
 void HeaderView::mouseReleaseEvent(QMouseEvent* event) {
     pressed = -1;
     viewport()->update();
@@ -81,7 +94,7 @@ void HeaderView::paintSection(QPainter* painter, const QRect& rect, int section)
         int alignment = column.headerFormat & HDF_CENTER  ? Qt::AlignHCenter
                         : column.headerFormat & HDF_RIGHT ? Qt::AlignRight
                                                           : Qt::AlignLeft;
-        QRect place = inside.adjusted(6, 0, -6, 0);
+        QRect place = inside.adjusted(kTitleMargin, 0, -kTitleMargin, 0);
         painter->setPen(palette().color(QPalette::WindowText));
         painter->drawText(place, alignment | Qt::AlignVCenter | Qt::TextSingleLine,
                           QFontMetrics(font()).elidedText(column.title, Qt::ElideRight, place.width()));

@@ -16,6 +16,7 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override;
     void paintSection(QPainter* painter, const QRect& rect, int section) const override;
+    QSize sectionSizeFromContents(int section) const override;
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:

@@ -127,11 +127,6 @@ ListAnswer RowMessage(ListWidget& list, UINT message, WPARAM wParam, LPARAM lPar
         return item && SetItemState(list, row, *item);
     case LVM_GETITEMSTATE:
         return model.HasRow(row) ? model.Row(row).state & static_cast<UINT>(lParam) : 0;
-    case LVM_DELETEITEM:
-        if (!model.HasRow(row))
-            return FALSE;
-        list.DeleteRow(row);
-        return TRUE;
     case LVM_DELETEALLITEMS:
         list.DeleteAllRows();
         return TRUE;
@@ -187,9 +182,6 @@ ListAnswer ViewMessage(ListWidget& list, UINT message, WPARAM wParam, LPARAM lPa
         if (model.HasRow(static_cast<int>(wParam)))
             list.EnsureVisible(static_cast<int>(wParam));
         return model.HasRow(static_cast<int>(wParam));
-    case LVM_EDITLABELW:
-        SetFocus(list.handle);
-        return list.EditLabel(static_cast<int>(wParam));
     case LVM_SORTITEMS:
         list.FinishLabelEdit(false);
         return lParam && SortRows(list, reinterpret_cast<PFNLVCOMPARE>(lParam), static_cast<LPARAM>(wParam));

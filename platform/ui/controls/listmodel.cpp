@@ -78,18 +78,6 @@ int ListModel::InsertRow(int position, ListRow row) {
     return position;
 }
 
-void ListModel::DeleteRow(int row) {
-    Detach();
-    ++generation;
-    if (!quiet)
-        beginRemoveRows({}, row, row);
-    selectedCount -= (Row(row).state & LVIS_SELECTED) != 0;
-    rows.erase(rows.begin() + row);
-    paramsStale = true;
-    if (!quiet)
-        endRemoveRows();
-}
-
 void ListModel::DeleteAllRows() {
     Detach();
     ++generation;

@@ -45,7 +45,6 @@ public:
     int RowOfParam(LPARAM param);
 
     int InsertRow(int position, ListRow row);
-    void DeleteRow(int row);
     void DeleteAllRows();
     int InsertColumn(int position, ListColumn column);
     void SetText(int row, int column, const QString& text);

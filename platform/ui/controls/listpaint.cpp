@@ -108,6 +108,16 @@ CellLayout LayOutCell(const ListWidget& list, const QRect& cell, int row, int co
     return layout;
 }
 
+int ContentsWidth(const ListWidget& list, int column) {
+    const QFontMetrics metrics(list.CurrentView()->font());
+    int widest = 0;
+    for (int row = 0; row < list.model->RowCount(); ++row) {
+        const int left = LayOutCell(list, QRect(), row, column).label.x();
+        widest = std::max(widest, left + metrics.horizontalAdvance(list.model->Text(row, column)));
+    }
+    return widest + 2 * kMargin + kMargin / 2 + 1; // what LayOutCell leaves free around a text
+}
+
 namespace {
 
 bool ShownSelected(const ListWidget& list, int row) {

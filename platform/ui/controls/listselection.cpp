@@ -44,6 +44,12 @@ void ListWidget::SetRowState(int row, UINT state, UINT mask) {
     StoreState(row, (model->Row(row).state & ~mask) | begins);
 }
 
+void ListWidget::BeginAtSelection() {
+    const int selected = model->FocusedRow() < 0 ? model->NextRow(-1, LVIS_SELECTED) : -1;
+    if (selected >= 0)
+        SetRowState(selected, LVIS_FOCUSED, LVIS_FOCUSED);
+}
+
 void ListWidget::TakeViewSelection() {
     takeQueued = false;
     if (model->Detached())

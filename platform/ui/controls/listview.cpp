@@ -92,6 +92,8 @@ LRESULT ListProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         [[fallthrough]];
     case WM_SETFOCUS:
         if ((list = WidgetOf<ListWidget>(window)))
+            list->BeginAtSelection();
+        if ((list = WidgetOf<ListWidget>(window)))
             list->CurrentView()->viewport()->update(); // the selection shows who has the focus
         break;
     case WM_GETDLGCODE:
@@ -105,6 +107,11 @@ LRESULT ListProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 } // namespace
+
+void EndLabelEdit() {
+    if (ListWidget* list = WidgetOf<ListWidget>(GetFocus())) // an edit lasts as long as the focus
+        list->FinishLabelEdit(true);
+}
 
 void RegisterListViewClass() {
     RegisterHeaderClass();

@@ -57,6 +57,10 @@ QModelIndex DetailsView::indexAt(const QPoint& point) const {
     return list.FullRow() || index.column() == 0 ? index : QModelIndex();
 }
 
+int DetailsView::sizeHintForColumn(int column) const {
+    return ContentsWidth(list, column);
+}
+
 void DetailsView::drawRow(QPainter* painter, const QStyleOptionViewItem& option,
                           const QModelIndex& index) const {
     QRect row(0, option.rect.y(), viewport()->width(), option.rect.height());

@@ -10,6 +10,7 @@ class DetailsView : public QTreeView {
 public:
     explicit DetailsView(ListWidget& list);
     QModelIndex indexAt(const QPoint& point) const override;
+    int sizeHintForColumn(int column) const override; // what a double tap on its divider makes it
 
 protected:
     void drawRow(QPainter* painter, const QStyleOptionViewItem& option,

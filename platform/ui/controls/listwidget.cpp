@@ -155,13 +155,6 @@ void ListWidget::EnsureVisible(int row) {
         pendingTop = row - page + 1;
 }
 
-void ListWidget::DeleteRow(int row) {
-    FinishLabelEdit(false);
-    mirroring = true; // what becomes of selection and focus here is no one's doing
-    model->DeleteRow(row);
-    mirroring = false;
-}
-
 void ListWidget::DeleteAllRows() {
     FinishLabelEdit(false);
     model->DeleteAllRows();

@@ -37,7 +37,6 @@ public:
     int TopRow() const;
     int RowsPerPage() const;
     void EnsureVisible(int row);
-    void DeleteRow(int row);
     void DeleteAllRows();
     int pendingTop = 0;  // the top row to be, while the views are detached
     int pendingRow = -1; // the same for the icon views: the row last asked for
@@ -45,6 +44,8 @@ public:
     // ---- selection, focus and checks (listselection.cpp) ----
     // Each row that changes is told to the parent once, selections that end before those that begin.
     void SetRowState(int row, UINT state, UINT mask);
+    // Without a focused row the keyboard begins at the selected one; the host would choose the first.
+    void BeginAtSelection();
     void TakeViewSelection(); // what the user has changed in the view
     bool ToggleCheckAt(const QPoint& point);
     bool ToggleFocusedCheck();
@@ -98,6 +99,8 @@ struct CellLayout {
     QRect label; // as wide as the text
 };
 CellLayout LayOutCell(const ListWidget& list, const QRect& cell, int row, int column);
+// The width in which the column shortens no text, over all rows.
+int ContentsWidth(const ListWidget& list, int column);
 // The details view's stripes and whole-row selection; it comes before the row's cells.
 void PaintRowBackground(const ListWidget& list, QPainter& painter, const QRect& rect, int row);
 void PaintCell(const ListWidget& list, QPainter& painter, const QRect& cell, int row, int column);

@@ -64,15 +64,10 @@ LRESULT ProgressProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lPara
     if (!bar)
         return DefaultControlProcedure(window, message, wParam, lParam);
     switch (message) {
-    case PBM_SETRANGE:
-        return SetRange(*bar, LOWORD(static_cast<std::uintptr_t>(lParam)),
-                        HIWORD(static_cast<std::uintptr_t>(lParam)));
     case PBM_SETRANGE32:
         return SetRange(*bar, static_cast<int>(wParam), static_cast<int>(lParam));
     case PBM_SETPOS:
         return MoveTo(*bar, static_cast<int>(wParam));
-    case PBM_GETPOS:
-        return bar->value();
     case PBM_SETSTEP:
         return std::exchange(bar->step, static_cast<int>(wParam));
     case PBM_STEPIT:
