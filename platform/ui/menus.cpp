@@ -71,18 +71,27 @@ std::unordered_map<HMENU, std::unique_ptr<MenuObject>>& LoadedMenus() {
     return *menus;
 }
 
-template <typename Action>
-void ForEachItem(MenuObject& menu, const Action& action) {
-    for (MenuItem& item : menu.items) {
-        action(item);
-        if (item.popup)
-            ForEachItem(*item.popup, action);
+// A popup has no command of its own.
+ItemPlace PlaceOfCommand(MenuObject& menu, UINT command) {
+    for (std::size_t index = 0; index < menu.items.size(); ++index) {
+        const MenuItem& item = menu.items[index];
+        if (item.popup) {
+            const ItemPlace inside = PlaceOfCommand(*item.popup, command);
+            if (inside.menu)
+                return inside;
+        } else if (!item.separator && item.id == command) {
+            return {&menu, index};
+        }
     }
+    return {};
 }
 
-MenuItem* ItemAt(HMENU menu, UINT position) {
-    MenuObject* const object = LiveMenu(menu);
-    return object && position < object->items.size() ? &object->items[position] : nullptr;
+void MarkRadioItem(MenuObject& menu, UINT first, UINT last, UINT checked) {
+    for (MenuItem& item : menu.items)
+        if (item.popup)
+            MarkRadioItem(*item.popup, first, last, checked);
+        else if (!item.separator && item.id >= first && item.id <= last)
+            item.radioChecked = item.id == checked;
 }
 
 } // namespace
@@ -112,14 +121,18 @@ std::unique_ptr<MenuObject> ParseMenu(const void* bytes, std::size_t size) {
     return ReadItems(reader, *menu, 0) ? std::move(menu) : nullptr;
 }
 
-MenuItem* FindMenuItem(HMENU menu, UINT id) {
-    MenuItem* found = nullptr;
-    if (MenuObject* const object = LiveMenu(menu))
-        ForEachItem(*object, [&](MenuItem& item) {
-            if (!found && !item.separator && !item.popup && item.id == id)
-                found = &item;
-        });
-    return found;
+ItemPlace PlaceOfItem(HMENU menu, UINT item, UINT flags) {
+    MenuObject* const object = LiveMenu(menu);
+    if (!object)
+        return {};
+    if (!(flags & MF_BYPOSITION))
+        return PlaceOfCommand(*object, item);
+    return item < object->items.size() ? ItemPlace{object, item} : ItemPlace{};
+}
+
+MenuItem* FindMenuItem(HMENU menu, UINT item, UINT flags) {
+    const ItemPlace place = PlaceOfItem(menu, item, flags);
+    return place.menu ? &place.menu->items[place.index] : nullptr;
 }
 
 HMENU LoadMenuW(HINSTANCE instance, const WCHAR* name) {
@@ -138,12 +151,13 @@ BOOL DestroyMenu(HMENU menu) {
 }
 
 HMENU GetSubMenu(HMENU menu, int position) {
-    const MenuItem* const item = position < 0 ? nullptr : ItemAt(menu, static_cast<UINT>(position));
+    const MenuItem* const item =
+        position < 0 ? nullptr : FindMenuItem(menu, static_cast<UINT>(position), MF_BYPOSITION);
     return item ? item->popup.get() : nullptr;
 }
 
 int EnableMenuItem(HMENU menu, UINT item, UINT flags) {
-    MenuItem* const found = flags & MF_BYPOSITION ? ItemAt(menu, item) : FindMenuItem(menu, item);
+    MenuItem* const found = FindMenuItem(menu, item, flags);
     if (!found)
         return -1;
     const bool wasEnabled = std::exchange(found->enabled, !(flags & MF_GRAYED));
@@ -151,12 +165,8 @@ int EnableMenuItem(HMENU menu, UINT item, UINT flags) {
 }
 
 BOOL CheckMenuRadioItem(HMENU menu, UINT first, UINT last, UINT checked, UINT) {
-    MenuObject* const object = LiveMenu(menu);
-    if (!object || !FindMenuItem(menu, checked))
+    if (!FindMenuItem(menu, checked, MF_BYCOMMAND))
         return FALSE;
-    ForEachItem(*object, [&](MenuItem& item) {
-        if (!item.separator && !item.popup && item.id >= first && item.id <= last)
-            item.radioChecked = item.id == checked;
-    });
+    MarkRadioItem(*menu, first, last, checked);
     return TRUE;
 }

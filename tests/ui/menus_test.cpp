@@ -69,7 +69,7 @@ TEST(MenuData, StatesAreKeptByCommandAndByPosition) {
     EXPECT_EQ(EnableMenuItem(menu, IDM_COPY, MF_BYCOMMAND | MF_GRAYED), static_cast<int>(MF_ENABLED));
     EXPECT_EQ(EnableMenuItem(GetSubMenu(menu, 0), 2, MF_BYPOSITION | MF_ENABLED),
               static_cast<int>(MF_GRAYED));
-    EXPECT_TRUE(FindMenuItem(menu, IDM_COPY)->enabled);
+    EXPECT_TRUE(FindMenuItem(menu, IDM_COPY, MF_BYCOMMAND)->enabled);
     EXPECT_EQ(EnableMenuItem(menu, 12345, MF_GRAYED), -1);
 
     const auto checkView = [&](UINT view) {
@@ -77,8 +77,8 @@ TEST(MenuData, StatesAreKeptByCommandAndByPosition) {
     };
     EXPECT_TRUE(checkView(IDM_VIEW_LIST));
     EXPECT_TRUE(checkView(IDM_VIEW_LARGE_ICONS));
-    EXPECT_FALSE(FindMenuItem(menu, IDM_VIEW_LIST)->radioChecked);
-    EXPECT_TRUE(FindMenuItem(menu, IDM_VIEW_LARGE_ICONS)->radioChecked);
+    EXPECT_FALSE(FindMenuItem(menu, IDM_VIEW_LIST, MF_BYCOMMAND)->radioChecked);
+    EXPECT_TRUE(FindMenuItem(menu, IDM_VIEW_LARGE_ICONS, MF_BYCOMMAND)->radioChecked);
     EXPECT_FALSE(checkView(12345));
     DestroyMenu(menu);
 }
