@@ -5,6 +5,7 @@
 #include <QFontMetrics>
 #include <map>
 
+#include "platform/base/display.h"
 #include "platform/base/utf8.h"
 #include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/dialogcore.h"
@@ -159,7 +160,7 @@ LONG_PTR RunDialog(HWND dialog, HWND owner) {
 
 LONG_PTR DialogBoxIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialogTemplate, HWND owner,
                                  DLGPROC procedure, LPARAM param) {
-    if (NobodyLooks()) {
+    if (NoDisplay()) {
         const std::string title =
             dialogTemplate ? ToUtf8(ParseDialogTemplate(dialogTemplate).caption) : std::string();
         std::fprintf(stderr, "%s: a dialog was cancelled, since there is no display\n", title.c_str());

@@ -8,6 +8,7 @@
 #include <QTextOption>
 #include <cstdio>
 
+#include "platform/base/display.h"
 #include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/dialogcore.h"
 #include "platform/ui/screen.h"
@@ -217,7 +218,7 @@ void PrintBox(const QString& text, const WCHAR* caption, UINT style) {
 
 int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT style) {
     const HWND stoodBefore = owner ? owner : ActiveTopLevel();
-    const HWND box = NobodyLooks() ? nullptr : MakeBox(stoodBefore, HostText(text), caption, style);
+    const HWND box = NoDisplay() ? nullptr : MakeBox(stoodBefore, HostText(text), caption, style);
     if (!box) {
         PrintBox(HostText(text), caption, style);
         return 0;

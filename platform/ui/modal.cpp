@@ -1,7 +1,6 @@
 // What all that waits for the user has in common: dialogs, message boxes, pickers, tracked menus.
 #include <vector>
 
-#include "platform/base/display.h"
 #include "platform/ui/testhooks.h"
 #include "platform/ui/windowcore.h"
 
@@ -26,14 +25,6 @@ void RunModal(const bool& done) {
 void EndDialogLoop(DialogData& data) {
     data.ended = true;
     PostMessageW(nullptr, WM_NULL, 0, 0); // the loop may be waiting for something to happen
-}
-
-bool NobodyLooks() {
-    const ModalHooks& test = TestHooks();
-    if (test.messageBox || test.dialog || test.picker || test.menu)
-        return false;
-    EnsureWindowSystem(); // only then is it known which display there is
-    return NoDisplay();
 }
 
 ModalHooks& TestHooks() {

@@ -4,6 +4,7 @@
 #include <QRegularExpression>
 #include <cstdio>
 
+#include "platform/base/display.h"
 #include "platform/base/paths.h"
 #include "platform/text.h"
 #include "platform/ui/pickerwidget.h"
@@ -77,7 +78,7 @@ BOOL RunPicker(OPENFILENAMEW* info, bool save) {
     if (!info || !info->lpstrFile)
         return FALSE;
     const WCHAR* const title = save ? u"Save As" : u"Open";
-    if (NobodyLooks()) {
+    if (NoDisplay()) {
         std::fprintf(stderr, "%s: a file cannot be chosen without a display\n", save ? "Save As" : "Open");
         return FALSE;
     }

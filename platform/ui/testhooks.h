@@ -1,6 +1,5 @@
 // Told when something modal opens, before its message loop starts: the place where a test answers it. All
-// empty in the program itself. While one is set, somebody looks: what opens waits for its answer, though the
-// display be one that nobody can see.
+// empty in the program itself.
 #pragma once
 
 #include <functional>

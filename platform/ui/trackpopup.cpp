@@ -3,6 +3,7 @@
 #include <QProxyStyle>
 #include <QStyleOption>
 
+#include "platform/base/display.h"
 #include "platform/ui/gdiobjects.h"
 #include "platform/ui/menus.h"
 #include "platform/ui/screen.h"
@@ -80,7 +81,7 @@ QMenu* MakePopup(HMENU menu, HWND owner, int position) {
 BOOL TrackPopupMenuEx(HMENU menu, UINT flags, int x, int y, HWND owner, const void*) {
     EndLabelEdit();
     const WindowObject* const window = LiveWindow(owner);
-    if (!window || !window->widget || !LiveMenu(menu) || NobodyLooks())
+    if (!window || !window->widget || !LiveMenu(menu) || NoDisplay())
         return FALSE;
     POINT corner = {x, y};
     ScreenToClient(owner, &corner);

@@ -127,8 +127,6 @@ void CommandToParent(HWND control, UINT notification);
 // is looked at after each message, so whatever sets it while none is being dispatched posts a WM_NULL.
 constexpr UINT WM_NULL = 0;
 void RunModal(const bool& done);
-// There is no display, or none that anyone can see: whatever would wait for the user ends at once instead.
-bool NobodyLooks();
 
 // The edit of a row's label that is going on, if any, ends with its new text, as a tap beside it makes it.
 // For what a user chooses without moving the focus: menus, the buttons of the bars.

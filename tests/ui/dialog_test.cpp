@@ -41,7 +41,6 @@ protected:
     void SetUp() override {
         WindowTest::SetUp();
         TestHooks() = {}; // the tests answer by themselves, from beside the loops
-        TestHooks().messageBox = [](const MessageBoxSeen&) {};
         edit = Add(u"EDIT", u"", 0, 1);
         Focus(edit);
         endAtInit = 0;
@@ -303,8 +302,7 @@ TEST_F(Dialogs, BoxesFitTheScreenWhateverTheirText) {
     }
 }
 
-TEST_F(Dialogs, WhereNobodyLooksNothingWaits) {
-    TestHooks() = {};
+TEST_F(Dialogs, WithoutADisplayNothingWaits) {
     SetNoDisplay(true);
     testing::internal::CaptureStderr();
     for (const UINT style : {MB_OK, MB_YESNO, MB_YESNOCANCEL, MB_ABORTRETRYIGNORE})
