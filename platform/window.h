@@ -2,6 +2,8 @@
 //
 // One user-interface thread owns every window. Coordinates are pixels of the screen (the handheld's display,
 // one window of the host). Functions that take a window accept null or a destroyed window and fail quietly.
+// Where there is no memory a function fails with last error ERROR_NOT_ENOUGH_MEMORY, and SendMessageW answers
+// 0 unless the message has a failure value of its own.
 #pragma once
 
 #include "platform/types.h"

@@ -12,6 +12,7 @@
 #include "platform/ui/dialogtemplate.h"
 #include "platform/ui/gdiobjects.h"
 #include "platform/ui/messagequeue.h"
+#include "platform/ui/outofmemory.h"
 #include "platform/ui/screen.h"
 #include "platform/ui/testhooks.h"
 
@@ -75,6 +76,7 @@ HWND MakeDialog(HINSTANCE instance, const DLGTEMPLATE* dialogTemplate, HWND owne
                                         instance, nullptr);
     if (!dialog)
         return nullptr;
+    NewWindow unfinished(dialog, DestroyWindow);
     dialog->dialog = std::make_shared<DialogData>();
     dialog->dialog->procedure = procedure;
     dialog->dialog->modal = modal;
@@ -95,7 +97,7 @@ HWND MakeDialog(HINSTANCE instance, const DLGTEMPLATE* dialogTemplate, HWND owne
     ShowDefaultButton(dialog);
     if (parsed.style & WS_VISIBLE && !modal)
         ShowWindow(dialog, SW_SHOW);
-    return LiveWindow(dialog);
+    return LiveWindow(unfinished.release());
 }
 
 void FocusInDialog(HWND dialog) {
@@ -166,17 +168,18 @@ LONG_PTR DialogBoxIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialogTe
         std::fprintf(stderr, "%s: a dialog was cancelled, since there is no display\n", title.c_str());
         return IDCANCEL;
     }
-    const HWND dialog = MakeDialog(instance, dialogTemplate, owner, procedure, param, true);
+    const HWND dialog = UnlessOutOfMemory<HWND>(
+        nullptr, [&] { return MakeDialog(instance, dialogTemplate, owner, procedure, param, true); });
     if (!dialog)
         return -1;
-    const HWND handle = dialog;
-    TellOfDialog(dialogTemplate, handle, true);
+    TellOfDialog(dialogTemplate, dialog, true);
     return RunDialog(dialog, owner);
 }
 
 HWND CreateDialogIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialogTemplate, HWND owner,
                                 DLGPROC procedure, LPARAM param) {
-    const HWND dialog = MakeDialog(instance, dialogTemplate, owner, procedure, param, false);
+    const HWND dialog = UnlessOutOfMemory<HWND>(
+        nullptr, [&] { return MakeDialog(instance, dialogTemplate, owner, procedure, param, false); });
     TellOfDialog(dialogTemplate, dialog, false);
     return LiveWindow(dialog);
 }

@@ -7,6 +7,7 @@
 
 #include "platform/ui/menus.h"
 #include "platform/ui/messagequeue.h"
+#include "platform/ui/outofmemory.h"
 #include "platform/ui/screen.h"
 #include "platform/ui/windowcore.h"
 
@@ -164,7 +165,10 @@ public:
             return false;
         event->accept();
         if (type != QEvent::ShortcutOverride && !Blocked(window))
-            Enqueue(window, widget, *event);
+            UnlessOutOfMemory(false, [&] { // what there is no room for is lost
+                Enqueue(window, widget, *event);
+                return true;
+            });
         return true;
     }
 };

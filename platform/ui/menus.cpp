@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "platform/resources.h"
+#include "platform/ui/outofmemory.h"
 
 namespace {
 
@@ -139,11 +140,13 @@ HMENU LoadMenuW(HINSTANCE instance, const WCHAR* name) {
     const HRSRC resource = FindResourceW(instance, name, RT_MENU);
     if (!resource)
         return nullptr;
-    auto menu = ParseMenu(LoadResource(instance, resource), SizeofResource(instance, resource));
-    const HMENU handle = menu.get();
-    if (handle)
-        LoadedMenus().emplace(handle, std::move(menu));
-    return handle;
+    return UnlessOutOfMemory<HMENU>(nullptr, [&] {
+        auto menu = ParseMenu(LoadResource(instance, resource), SizeofResource(instance, resource));
+        const HMENU handle = menu.get();
+        if (handle)
+            LoadedMenus().emplace(handle, std::move(menu));
+        return handle;
+    });
 }
 
 BOOL DestroyMenu(HMENU menu) {

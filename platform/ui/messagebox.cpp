@@ -11,6 +11,7 @@
 #include "platform/base/display.h"
 #include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/dialogcore.h"
+#include "platform/ui/outofmemory.h"
 #include "platform/ui/screen.h"
 #include "platform/ui/testhooks.h"
 
@@ -192,6 +193,7 @@ HWND MakeBox(HWND owner, const QString& text, const WCHAR* caption, UINT style) 
         CreateWindowExW(0, kDialogClass, caption, WS_POPUP, 0, 0, 0, 0, owner, nullptr, nullptr, nullptr);
     if (!box)
         return nullptr;
+    NewWindow unfinished(box, DestroyWindow);
     box->dialog = std::make_shared<DialogData>();
     box->dialog->procedure = BoxProcedure;
     box->dialog->modal = true;
@@ -202,7 +204,7 @@ HWND MakeBox(HWND owner, const QString& text, const WCHAR* caption, UINT style) 
     box->topLevel->fullScreen = false;
     box->topLevel->fitCard = [box, card](const QSize& area) { FitBox(box, card, area); };
     LayOutTopLevel(box);
-    return box;
+    return unfinished.release();
 }
 
 // For a question the line ends with the answer that the program takes silence for.
@@ -218,7 +220,9 @@ void PrintBox(const QString& text, const WCHAR* caption, UINT style) {
 
 int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT style) {
     const HWND stoodBefore = owner ? owner : ActiveTopLevel();
-    const HWND box = NoDisplay() ? nullptr : MakeBox(stoodBefore, HostText(text), caption, style);
+    const HWND box = UnlessOutOfMemory<HWND>(nullptr, [&] {
+        return NoDisplay() ? nullptr : MakeBox(stoodBefore, HostText(text), caption, style);
+    });
     if (!box) {
         PrintBox(HostText(text), caption, style);
         return 0;

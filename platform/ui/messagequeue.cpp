@@ -6,6 +6,7 @@
 
 #include "platform/datetime.h"
 #include "platform/ui/inputtranslation.h"
+#include "platform/ui/outofmemory.h"
 #include "platform/ui/windowcore.h"
 
 namespace {
@@ -147,8 +148,10 @@ int DispatchDepth() {
 BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (window && !LiveWindow(window))
         return FALSE;
-    TheQueue().entries.push_back({MSG{window, message, wParam, lParam, GetTickCount(), 0}, nullptr});
-    return TRUE;
+    return UnlessOutOfMemory<BOOL>(FALSE, [&] {
+        TheQueue().entries.push_back({MSG{window, message, wParam, lParam, GetTickCount(), 0}, nullptr});
+        return TRUE;
+    });
 }
 
 void PostQuitMessage(int exitCode) {
@@ -180,11 +183,15 @@ BOOL TranslateMessage(const MSG*) {
 
 LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     const WindowObject* object = LiveWindow(window);
-    return object ? object->procedure(window, message, wParam, lParam) : 0;
+    if (!object)
+        return 0;
+    return UnlessOutOfMemory<LRESULT>(0, [&] { return object->procedure(window, message, wParam, lParam); });
 }
 
 LRESULT CallWindowProcW(WNDPROC procedure, HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    return procedure && LiveWindow(window) ? procedure(window, message, wParam, lParam) : 0;
+    if (!procedure || !LiveWindow(window))
+        return 0;
+    return UnlessOutOfMemory<LRESULT>(0, [&] { return procedure(window, message, wParam, lParam); });
 }
 
 LRESULT DispatchMessageW(const MSG* message) {

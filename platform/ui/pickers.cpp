@@ -7,6 +7,7 @@
 #include "platform/base/display.h"
 #include "platform/base/paths.h"
 #include "platform/text.h"
+#include "platform/ui/outofmemory.h"
 #include "platform/ui/pickerwidget.h"
 #include "platform/ui/testhooks.h"
 #include "platform/ui/windowobject.h"
@@ -113,9 +114,11 @@ BOOL RunPicker(OPENFILENAMEW* info, bool save) {
 } // namespace
 
 BOOL GetOpenFileNameW(OPENFILENAMEW* info) {
-    return RunPicker(info, false);
+    return UnlessOutOfMemory<BOOL>(
+        FALSE, [&] { return RunPicker(info, false); });
 }
 
 BOOL GetSaveFileNameW(OPENFILENAMEW* info) {
-    return RunPicker(info, true);
+    return UnlessOutOfMemory<BOOL>(
+        FALSE, [&] { return RunPicker(info, true); });
 }

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "platform/ui/messagequeue.h"
+#include "platform/ui/outofmemory.h"
 #include "platform/ui/windowcore.h"
 
 namespace {
@@ -15,11 +16,7 @@ std::map<TimerKey, std::unique_ptr<QTimer>>& Timers() {
     return *timers;
 }
 
-} // namespace
-
-UINT SetTimer(HWND window, UINT id, DWORD milliseconds, void*) {
-    if (!LiveWindow(window))
-        return 0;
+UINT StartTimer(HWND window, UINT id, DWORD milliseconds) {
     std::unique_ptr<QTimer>& timer = Timers()[{window, id}];
     if (!timer) {
         timer = std::make_unique<QTimer>();
@@ -30,6 +27,14 @@ UINT SetTimer(HWND window, UINT id, DWORD milliseconds, void*) {
     }
     timer->start(static_cast<int>(std::min<DWORD>(milliseconds, 0x7FFFFFFF)));
     return id ? id : 1;
+}
+
+} // namespace
+
+UINT SetTimer(HWND window, UINT id, DWORD milliseconds, void*) {
+    if (!LiveWindow(window))
+        return 0;
+    return UnlessOutOfMemory<UINT>(0, [&] { return StartTimer(window, id, milliseconds); });
 }
 
 BOOL KillTimer(HWND window, UINT id) {

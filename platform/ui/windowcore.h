@@ -8,6 +8,8 @@
 const WindowClass* FindWindowClass(const WCHAR* name);
 // Takes the object; its handle lives until ForgetWindow.
 HWND AddWindow(std::unique_ptr<WindowObject> window);
+// A window that goes again unless its making is completed: release() then.
+using NewWindow = std::unique_ptr<WindowObject, BOOL (*)(HWND)>;
 // The handle is dead from here on. Its memory is kept for a while, so that a caller further down the stack
 // that still looks at it reads a dead window and not another one.
 void ForgetWindow(HWND window);

@@ -4,6 +4,7 @@
 
 #include "platform/ui/devicecontext.h"
 #include "platform/ui/messagequeue.h"
+#include "platform/ui/outofmemory.h"
 #include "platform/ui/screen.h"
 #include "platform/ui/windowcore.h"
 
@@ -117,31 +118,35 @@ void DestroyTree(HWND window) {
     ForgetWindow(window);
 }
 
+HWND MakeWindow(const CREATESTRUCTW& create, UINT id) {
+    const WindowClass* windowClass = FindWindowClass(create.lpszClass);
+    const WindowObject* parent = LiveWindow(create.hwndParent);
+    if (!windowClass || ((create.style & WS_CHILD) && (!parent || parent->destroying)))
+        return nullptr;
+    NewWindow window(AddWindow(DescribeWindow(create, *windowClass, id)), DestroyWindow);
+    if (window->parent)
+        window->parent->children.push_back(window.get());
+    else
+        TopLevelWindows().insert(TopLevelWindows().begin(), window.get());
+    MakeWidget(window.get());
+    if (!CompleteCreation(window.get(), create))
+        return nullptr;
+    if (window->parent && window->id == kMenuBarId)
+        LayOutTopLevel(TopLevelOf(window.get()));
+    if (window->topLevel && !windowClass->builtIn)
+        AnnounceWindow(window.get());
+    return window.release();
+}
+
 } // namespace
 
 HWND CreateWindowExW(DWORD exStyle, const WCHAR* className, const WCHAR* windowName, DWORD style, int x,
                      int y, int width, int height, HWND parent, HMENU menu, HINSTANCE instance, void* param) {
     EnsureWindowSystem();
-    const WindowClass* windowClass = FindWindowClass(className);
-    WindowObject* parentObject = LiveWindow(parent);
-    if (!windowClass || ((style & WS_CHILD) && (!parentObject || parentObject->destroying)))
-        return nullptr;
     const CREATESTRUCTW create{param, instance, parent,     height,    width,  y,
                                x,     style,    windowName, className, exStyle};
     const UINT id = static_cast<UINT>(reinterpret_cast<std::uintptr_t>(menu));
-    const HWND window = AddWindow(DescribeWindow(create, *windowClass, id));
-    if (window->parent)
-        parentObject->children.push_back(window);
-    else
-        TopLevelWindows().insert(TopLevelWindows().begin(), window);
-    MakeWidget(window);
-    if (!CompleteCreation(window, create))
-        return nullptr;
-    if (window->parent && window->id == kMenuBarId)
-        LayOutTopLevel(TopLevelOf(window));
-    if (window->topLevel && !windowClass->builtIn)
-        AnnounceWindow(window);
-    return window;
+    return UnlessOutOfMemory<HWND>(nullptr, [&] { return MakeWindow(create, id); });
 }
 
 BOOL DestroyWindow(HWND window) {

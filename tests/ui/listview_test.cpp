@@ -3,9 +3,13 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QWindow>
+#include <algorithm>
+#include <cstdlib>
 #include <ctime>
 #include <functional>
+#include <new>
 
+#include "platform/errors.h"
 #include "platform/ui/menubarwidget.h"
 #include "resources/resource.h"
 #include "tests/ui/windowfixture.h"
@@ -13,6 +17,8 @@
 namespace {
 
 constexpr UINT kList = 10001;
+
+int allocationsLeft = -1; // before one fails; negative: all succeed
 
 struct Change {
     int row;
@@ -489,6 +495,38 @@ TEST_F(ListTest, TheHeaderIsAWindowWhoseItemsTheListDraws) {
     EXPECT_EQ(GetFocus(), list);
 }
 
+// Whichever allocation fails, the row is not there and the list goes on.
+TEST_F(ListTest, NoMemoryForARowIsAFailedInsertion) {
+    Make(LVS_REPORT, 16); // the next one asks for more room
+    Send(list, WM_SETREDRAW, FALSE);
+    LVITEMW item{};
+    item.mask = LVIF_TEXT | LVIF_PARAM;
+    item.iItem = 16;
+    item.pszText = const_cast<WCHAR*>(u"row 16");
+    item.lParam = 1016;
+    LRESULT row = -1;
+    int failures = 0;
+    for (; row == -1; ++failures) {
+        SetLastError(0);
+        allocationsLeft = failures;
+        row = Send(list, LVM_INSERTITEMW, 0, &item);
+        allocationsLeft = -1;
+        EXPECT_EQ(Send(list, LVM_GETITEMCOUNT), row == -1 ? 16 : 17);
+        EXPECT_EQ(GetLastError(), row == -1 ? ERROR_NOT_ENOUGH_MEMORY : 0);
+        EXPECT_EQ(RowOf(list, 1016), row);
+    }
+    EXPECT_GT(failures, 3);
+    Send(list, WM_SETREDRAW, TRUE);
+    EXPECT_EQ(TextAt(list, 16), u"row 16");
+    EXPECT_EQ(RowOf(list, 1015), 15);
+
+    allocationsLeft = 0;
+    EXPECT_EQ(CreateWindowExW(0, u"STATIC", u"", WS_CHILD, 0, 0, 9, 9, main, nullptr, nullptr, nullptr),
+              nullptr);
+    allocationsLeft = -1;
+    EXPECT_EQ(GetWindow(main, GW_CHILD), list);
+}
+
 // As the program compares: both rows are looked up and both texts read.
 int CompareByText(LPARAM first, LPARAM second, LPARAM sorted) {
     const auto list = reinterpret_cast<HWND>(sorted);
@@ -513,3 +551,17 @@ TEST_F(ListTest, ManyRowsAreQuick) {
 }
 
 } // namespace
+
+void* operator new(std::size_t size) {
+    if (allocationsLeft >= 0 && allocationsLeft-- == 0)
+        throw std::bad_alloc();
+    if (void* block = std::malloc(std::max<std::size_t>(size, 1)))
+        return block;
+    throw std::bad_alloc();
+}
+void operator delete(void* block) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, std::size_t) noexcept {
+    std::free(block);
+}

@@ -9,6 +9,7 @@
 
 #include "platform/text.h"
 #include "platform/ui/controls/controlsupport.h"
+#include "platform/ui/outofmemory.h"
 
 namespace {
 
@@ -114,7 +115,9 @@ LRESULT ComboBoxProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lPara
     case WM_GETDLGCODE:
         return DLGC_WANTARROWS | DLGC_WANTCHARS;
     case CB_ADDSTRING:
-        return list->Add(reinterpret_cast<const WCHAR*>(lParam), window->style & CBS_SORT);
+        return UnlessOutOfMemory<LRESULT>(CB_ERR, [&] {
+            return list->Add(reinterpret_cast<const WCHAR*>(lParam), window->style & CBS_SORT);
+        });
     case CB_GETCOUNT:
         return list->count();
     case CB_GETCURSEL:

@@ -1,6 +1,13 @@
 #include "platform/ui/controls/listmodel.h"
 
 #include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t kFirstRows = 16;
+
+} // namespace
 
 int ListModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() || detached ? 0 : RowCount();
@@ -63,14 +70,16 @@ int ListModel::RowOfParam(LPARAM param) {
 int ListModel::InsertRow(int position, ListRow row) {
     Detach();
     position = std::clamp(position, 0, RowCount());
-    bool last = position == RowCount();
-    ++generation;
+    // What may find no memory comes first; the rows stay as they were then.
+    if (rows.size() == rows.capacity())
+        rows.reserve(std::max<std::size_t>(kFirstRows, 2 * rows.size()));
+    const bool paramsKnown = !std::exchange(paramsStale, true) && position == RowCount();
+    if (paramsKnown)
+        rowOfParam.try_emplace(row.param, position);
     if (!quiet)
         beginInsertRows({}, position, position);
-    if (last && !paramsStale)
-        rowOfParam.try_emplace(row.param, position);
-    else
-        paramsStale = true;
+    ++generation;
+    paramsStale = !paramsKnown;
     selectedCount += (row.state & LVIS_SELECTED) != 0;
     rows.insert(rows.begin() + position, std::move(row));
     if (!quiet)

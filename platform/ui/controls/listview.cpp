@@ -3,6 +3,7 @@
 
 #include "platform/ui/controls/header.h"
 #include "platform/ui/controls/listmessages.h"
+#include "platform/ui/outofmemory.h"
 
 namespace {
 
@@ -14,13 +15,20 @@ QWidget* MakeList(WindowObject& window, QWidget* parent) {
     return new ListWidget(window, parent);
 }
 
-LRESULT ListMessage(ListWidget& list, UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT AnswerList(ListWidget& list, UINT message, WPARAM wParam, LPARAM lParam) {
     ListAnswer answer = RowMessage(list, message, wParam, lParam);
     if (!answer)
         answer = ColumnMessage(list, message, wParam, lParam);
     if (!answer)
         answer = ViewMessage(list, message, wParam, lParam);
     return answer.value_or(0);
+}
+
+LRESULT ListMessage(ListWidget& list, UINT message, WPARAM wParam, LPARAM lParam) {
+    const bool answersPlace =
+        message == LVM_INSERTITEMW || message == LVM_INSERTCOLUMNW || message == LVM_FINDITEMW;
+    return UnlessOutOfMemory<LRESULT>(answersPlace ? -1 : 0,
+                                      [&] { return AnswerList(list, message, wParam, lParam); });
 }
 
 void NotifyDoubleTap(HWND window, int row) {
