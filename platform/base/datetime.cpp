@@ -10,6 +10,7 @@
 #include "platform/base/clock.h"
 #include "platform/base/hosterror.h"
 #include "platform/base/localepatterns.h"
+#include "platform/base/outofmemory.h"
 #include "platform/text.h"
 
 namespace {

@@ -6,6 +6,7 @@
 #include "platform/base/devicefiles.h"
 #include "platform/base/handles.h"
 #include "platform/base/hosterror.h"
+#include "platform/base/outofmemory.h"
 #include "platform/base/paths.h"
 #include "platform/base/replacement.h"
 

@@ -3,6 +3,7 @@
 #include <unordered_map>
 
 #include "platform/base/hosterror.h"
+#include "platform/base/outofmemory.h"
 #include "platform/handles.h"
 
 namespace {

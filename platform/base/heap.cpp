@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "platform/base/hosterror.h"
+#include "platform/base/outofmemory.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #define HEAP_POISONS 1

@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "platform/base/hosterror.h"
+#include "platform/base/outofmemory.h"
 
 namespace {
 

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "platform/base/hosterror.h"
+#include "platform/base/outofmemory.h"
 #include "platform/base/utf8.h"
 
 namespace {

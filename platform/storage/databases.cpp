@@ -4,12 +4,12 @@
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 
+#include "platform/base/outofmemory.h"
 #include "platform/device.h"
 #include "platform/errors.h"
 #include "platform/objectstore.h"
 #include "platform/storage/deletion.h"
 #include "platform/storage/fold.h"
-#include "platform/storage/guard.h"
 #include "platform/storage/opendatabase.h"
 #include "platform/storage/sortkey.h"
 
@@ -220,7 +220,7 @@ BOOL SetInfo(CEOID oid, const CEDBASEINFO& info) {
 using namespace storage;
 
 HANDLE CeFindFirstDatabase(DWORD type) {
-    return Guarded(
+    return UnlessOutOfMemory(
         INVALID_HANDLE_VALUE, [&] { return FindFirst(type); });
 }
 
@@ -238,7 +238,7 @@ CEOID CeFindNextDatabase(HANDLE handle) {
 }
 
 BOOL CeOidGetInfo(CEOID oid, CEOIDINFO* info) {
-    return Guarded(
+    return UnlessOutOfMemory(
         FALSE,
         [&] {
             Store* store = TheStore();
@@ -260,7 +260,7 @@ CEOID CeCreateDatabase(const WCHAR* name, DWORD type, WORD sortOrders, const SOR
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
-    return Guarded(CEOID{0}, [&] { return Create({name, length}, type, sortOrders, specs); });
+    return UnlessOutOfMemory(CEOID{0}, [&] { return Create({name, length}, type, sortOrders, specs); });
 }
 
 HANDLE CeOpenDatabase(CEOID* oid, const WCHAR* name, CEPROPID sort, DWORD flags, HWND notify) {
@@ -268,7 +268,7 @@ HANDLE CeOpenDatabase(CEOID* oid, const WCHAR* name, CEPROPID sort, DWORD flags,
         SetLastError(ERROR_INVALID_PARAMETER);
         return INVALID_HANDLE_VALUE;
     }
-    return Guarded(INVALID_HANDLE_VALUE, [&] { return Open(oid, name, sort, notify); });
+    return UnlessOutOfMemory(INVALID_HANDLE_VALUE, [&] { return Open(oid, name, sort, notify); });
 }
 
 BOOL CeSetDatabaseInfo(CEOID oid, const CEDBASEINFO* info) {
@@ -277,11 +277,11 @@ BOOL CeSetDatabaseInfo(CEOID oid, const CEDBASEINFO* info) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }
-    return Guarded(FALSE, [&] { return SetInfo(oid, *info); });
+    return UnlessOutOfMemory(FALSE, [&] { return SetInfo(oid, *info); });
 }
 
 BOOL CeDeleteDatabase(CEOID oid) {
-    return Guarded(
+    return UnlessOutOfMemory(
         FALSE,
         [&] {
             Store* store = TheStore();

@@ -1,9 +1,9 @@
 // The object store's calls on records.
 #include <algorithm>
 
+#include "platform/base/outofmemory.h"
 #include "platform/errors.h"
 #include "platform/objectstore.h"
-#include "platform/storage/guard.h"
 #include "platform/storage/opendatabase.h"
 #include "platform/storage/recordform.h"
 #include "platform/storage/sortkey.h"
@@ -16,7 +16,7 @@ constexpr WORD kMostRecords = 0xFFFF;
 // Runs a call on an open database. The store is open and refreshed.
 template <typename Result, typename Call>
 Result WithDatabase(HANDLE handle, Result failure, Call call) {
-    return Guarded(
+    return UnlessOutOfMemory(
         failure,
         [&]() -> Result {
             Store* store = TheStore();

@@ -5,9 +5,9 @@
 #include <cstring>
 
 #include "platform/base/handles.h"
+#include "platform/base/outofmemory.h"
 #include "platform/errors.h"
 #include "platform/storage/fold.h"
-#include "platform/storage/guard.h"
 #include "platform/storage/store.h"
 
 namespace storage {
@@ -71,7 +71,7 @@ OpenKey* FindKey(HKEY key) {
 // Runs a call on an open key.
 template <typename Call>
 LONG WithKey(HKEY key, Call call) {
-    return Guarded(
+    return UnlessOutOfMemory(
         static_cast<LONG>(ERROR_NOT_ENOUGH_MEMORY),
         [&]() -> LONG {
             Store* store = TheStore();

@@ -9,8 +9,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/base/outofmemory.h"
 #include "platform/device.h"
-#include "platform/storage/guard.h"
 #include "platform/storage/opendatabase.h"
 #include "platform/storage/storefile.h"
 

@@ -5,9 +5,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/base/outofmemory.h"
 #include "platform/device.h"
 #include "platform/storage/deletion.h"
-#include "platform/storage/guard.h"
 
 namespace storage {
 
@@ -215,7 +215,7 @@ bool OpenStoreFile(Store& store, const std::string& path) {
 
 bool OpenDeviceStore() {
     using namespace storage;
-    return Guarded(false, [] {
+    return UnlessOutOfMemory(false, [] {
         Store* store = TheStore();
         if (!store)
             return false;

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/storage/guard.h"
+#include "platform/base/outofmemory.h"
 #include "platform/storage/opendatabase.h"
 
 namespace {
@@ -20,7 +20,7 @@ bool StoreWatchWanted() {
 }
 
 void PollStoreChanges() {
-    storage::Guarded(
+    UnlessOutOfMemory(
         false,
         [] {
             storage::Store* store = StoreWatchWanted() ? storage::TheStore() : nullptr;

@@ -6,13 +6,13 @@
 #include <map>
 
 #include "platform/base/display.h"
+#include "platform/base/outofmemory.h"
 #include "platform/base/utf8.h"
 #include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/dialogcore.h"
 #include "platform/ui/dialogtemplate.h"
 #include "platform/ui/gdiobjects.h"
 #include "platform/ui/messagequeue.h"
-#include "platform/ui/outofmemory.h"
 #include "platform/ui/screen.h"
 #include "platform/ui/testhooks.h"
 

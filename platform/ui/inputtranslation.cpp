@@ -5,9 +5,9 @@
 #include <QKeyEvent>
 #include <QWheelEvent>
 
+#include "platform/base/outofmemory.h"
 #include "platform/ui/menus.h"
 #include "platform/ui/messagequeue.h"
-#include "platform/ui/outofmemory.h"
 #include "platform/ui/screen.h"
 #include "platform/ui/windowcore.h"
 

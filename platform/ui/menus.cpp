@@ -4,8 +4,8 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "platform/base/outofmemory.h"
 #include "platform/resources.h"
-#include "platform/ui/outofmemory.h"
 
 namespace {
 

@@ -9,9 +9,9 @@
 #include <cstdio>
 
 #include "platform/base/display.h"
+#include "platform/base/outofmemory.h"
 #include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/dialogcore.h"
-#include "platform/ui/outofmemory.h"
 #include "platform/ui/screen.h"
 #include "platform/ui/testhooks.h"
 

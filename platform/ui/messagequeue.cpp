@@ -4,9 +4,9 @@
 #include <QElapsedTimer>
 #include <deque>
 
+#include "platform/base/outofmemory.h"
 #include "platform/datetime.h"
 #include "platform/ui/inputtranslation.h"
-#include "platform/ui/outofmemory.h"
 #include "platform/ui/windowcore.h"
 
 namespace {

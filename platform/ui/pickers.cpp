@@ -5,9 +5,9 @@
 #include <cstdio>
 
 #include "platform/base/display.h"
+#include "platform/base/outofmemory.h"
 #include "platform/base/paths.h"
 #include "platform/text.h"
-#include "platform/ui/outofmemory.h"
 #include "platform/ui/pickerwidget.h"
 #include "platform/ui/testhooks.h"
 #include "platform/ui/windowobject.h"

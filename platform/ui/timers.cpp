@@ -3,8 +3,8 @@
 #include <map>
 #include <memory>
 
+#include "platform/base/outofmemory.h"
 #include "platform/ui/messagequeue.h"
-#include "platform/ui/outofmemory.h"
 #include "platform/ui/windowcore.h"
 
 namespace {

@@ -2,9 +2,9 @@
 #include <QPaintEvent>
 #include <QPainter>
 
+#include "platform/base/outofmemory.h"
 #include "platform/ui/devicecontext.h"
 #include "platform/ui/messagequeue.h"
-#include "platform/ui/outofmemory.h"
 #include "platform/ui/screen.h"
 #include "platform/ui/windowcore.h"
 

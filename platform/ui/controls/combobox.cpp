@@ -7,9 +7,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/base/outofmemory.h"
 #include "platform/text.h"
 #include "platform/ui/controls/controlsupport.h"
-#include "platform/ui/outofmemory.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 // The list view's window procedure: input on its way to the views, and what it means here.
 #include <QAbstractItemView>
 
+#include "platform/base/outofmemory.h"
 #include "platform/ui/controls/header.h"
 #include "platform/ui/controls/listmessages.h"
-#include "platform/ui/outofmemory.h"
 
 namespace {
 

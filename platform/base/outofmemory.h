@@ -1,4 +1,4 @@
-// The edge between the window calls and what is behind them.
+// The edge between the platform's calls and what is behind them.
 #pragma once
 
 #include <new>
