@@ -49,7 +49,7 @@ bool WriteAllSortKeys(Store& store, const DatabaseRow& row) {
         return false;
     Statement select(store.connection,
                      "SELECT id, properties, data FROM records WHERE id >= ?1 AND id <= ?2");
-    select.Bind(RecordRow(row.oid, 0)).Bind(RecordRow(row.oid, 0xFFFFFFFF));
+    select.Bind(RecordRow(row.oid, 0)).Bind(RecordRow(row.oid, kNoRecord));
     while (select.Row()) {
         for (WORD order = 0; order < row.info.wNumSortOrder; ++order) {
             const std::string key =
@@ -209,7 +209,7 @@ BOOL SetInfo(CEOID oid, const CEDBASEINFO& info) {
         return FALSE;
     if ((info.dwFlags & CEDB_VALIDSORTSPEC) == 0 || SameSortOrders(row->info, info))
         return ChangeInfo(*store, oid, info, false) ? TRUE : FALSE;
-    // Handles stand in the orders as they are: nobody may have the database open.
+    // Handles rely on the orders as they are: nobody may have the database open.
     const AloneWith alone(*store, oid);
     return alone.Had() && ChangeInfo(*store, oid, info, true) ? TRUE : FALSE;
 }

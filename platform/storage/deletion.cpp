@@ -58,7 +58,7 @@ bool DeleteContents(Store& store, CEOID database) {
     return DeleteInSteps(store,
                          "DELETE FROM records WHERE id IN (SELECT id FROM records "
                          "WHERE id >= ?1 AND id <= ?2 ORDER BY id LIMIT ?3)",
-                         RecordRow(database, 0), RecordRow(database, 0xFFFFFFFF)) &&
+                         RecordRow(database, 0), RecordRow(database, kNoRecord)) &&
            DeleteInSteps(store,
                          "DELETE FROM sortkeys WHERE (place, key, record) IN "
                          "(SELECT place, key, record FROM sortkeys WHERE place >= ?1 AND place <= ?2 "

@@ -1,4 +1,4 @@
-// An open database: where it stands, what it has read ahead, and whom it tells of changes.
+// An open database: which record is its current one, what it has read ahead, and whom it tells of changes.
 #pragma once
 
 #include <string>
@@ -155,6 +155,8 @@ private:
 
 // All open databases of this process.
 const std::vector<OpenDatabase*>& OpenDatabases();
+
+constexpr CEOID kNoRecord = 0xFFFFFFFF; // greater than every record's identifier
 
 // A record's row in the table of records.
 std::int64_t RecordRow(CEOID database, CEOID record);
