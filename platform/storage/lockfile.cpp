@@ -55,10 +55,7 @@ DWORD ErrorOfOpening(int cause) {
 }
 
 // Real bytes, since a hole that cannot be filled later would kill the process that touches it.
-DWORD Fill(int file) {
-    struct stat status {};
-    if (fstat(file, &status) != 0)
-        return ERROR_GEN_FAILURE;
+DWORD Fill(int file, const struct stat& status) {
     if (!S_ISREG(status.st_mode))
         return ERROR_FILE_CORRUPT;
     if (status.st_size >= kFileBytes)
@@ -98,7 +95,12 @@ DWORD LockFile::Open(const std::string& lockPath) {
 }
 
 DWORD LockFile::Map() {
-    const DWORD error = Fill(file);
+    struct stat status {};
+    if (fstat(file, &status) != 0)
+        return ERROR_GEN_FAILURE;
+    fileNumber = status.st_ino;
+    fileSystem = status.st_dev;
+    const DWORD error = Fill(file, status);
     if (error != ERROR_SUCCESS)
         return error;
     void* mapped = mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
@@ -122,10 +124,9 @@ void LockFile::Close() {
 }
 
 bool LockFile::IsCurrent() const {
-    struct stat opened {};
     struct stat named {};
-    return file < 0 || (stat(path.c_str(), &named) == 0 && fstat(file, &opened) == 0 &&
-                        named.st_ino == opened.st_ino && named.st_dev == opened.st_dev);
+    return file < 0 ||
+           (stat(path.c_str(), &named) == 0 && named.st_ino == fileNumber && named.st_dev == fileSystem);
 }
 
 bool LockFile::Reopen() {

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <string>
+#include <sys/types.h>
 #include <unordered_map>
 
 #include "platform/objectstore.h"
@@ -74,6 +75,8 @@ private:
 
     std::string path;
     int file = -1;
+    ino_t fileNumber = 0;
+    dev_t fileSystem = 0;
     Shared unshared{{1}, {0}, {0}, {0}};
     Shared* shared = &unshared;
     std::unordered_map<CEOID, int> held; // handles of each open database
