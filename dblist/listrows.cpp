@@ -199,6 +199,8 @@ int DatabaseRowCount() {
 }
 
 int NextSelectedRow(int after) {
+    if (!App().listView)
+        return -1; // the window is gone
     return static_cast<int>(
         SendMessageW(App().listView, LVM_GETNEXTITEM, static_cast<WPARAM>(after), LVNI_SELECTED));
 }
