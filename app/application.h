@@ -14,8 +14,8 @@ public:
 
     HWND mainWindow = nullptr;
     HINSTANCE instance = nullptr;
-    BYTE cancelRequested = 0; // Cancel was tapped in the infrared transfer dialog
-    HWND listView = nullptr;
+    BYTE cancelRequested = 0;       // Cancel was tapped in the infrared transfer dialog
+    HWND listView = nullptr;        // null again once the window is gone, as is the menu bar
     WNDPROC listViewProc = nullptr; // the list view's own procedure, below ours
     Settings* settings = nullptr;   // owned; null before the list is made and after the window is gone
     HIMAGELIST headerImages = nullptr;

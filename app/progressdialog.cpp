@@ -85,18 +85,28 @@ void ProgressDialog::Step() {
     UpdateWindow(window);
 }
 
+void ProgressDialog::DispatchWaiting() {
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+        if (message.message == WM_QUIT) {
+            // It is meant for the program's own loop, which the operation ends early to get back to.
+            cancelled = 1;
+            PostQuitMessage(static_cast<int>(message.wParam));
+            return;
+        }
+        if (IsDialogMessageW(window, &message))
+            continue;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
 bool ProgressDialog::Pump() {
     const DWORD now = GetTickCount();
     if (now - pumpedAt >= kPumpInterval) {
         if (lineWaits && now - shownAt >= kShowInterval)
             ShowLine();
-        MSG message;
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-            if (IsDialogMessageW(window, &message))
-                continue;
-            TranslateMessage(&message);
-            DispatchMessageW(&message);
-        }
+        DispatchWaiting();
         pumpedAt = GetTickCount();
     }
     return !cancelled;

@@ -20,13 +20,13 @@ public:
     void SetText(UINT formatString, int newPosition, const WCHAR* argument);
     // Advances the bar by one step.
     void Step();
-    // Dispatches every waiting message; false once the user has cancelled.
+    // Dispatches every waiting message; false once the user has cancelled or the program is to end.
     bool Pump();
 
     static constexpr int kNextPosition = -1;
 
     HWND window = nullptr;
-    DWORD cancelled = 0; // never cleared
+    DWORD cancelled = 0; // set by the user's Yes, and when the program is to end; never cleared
     UINT confirmString;
     UINT titleString;
     int range;        // steps; the item count shown is range - 1
@@ -37,6 +37,7 @@ private:
     void Init(HWND dialog);
     void AskToCancel();
     void ShowLine();
+    void DispatchWaiting();
 
     // Showing every step of a long walk would cost more than the walk itself, so a line waits here until it
     // is due, and messages are looked for as often: many times a second, which the eye and the stylus cannot

@@ -69,6 +69,10 @@ void Archive::EndProgress() {
     waitCursor.reset();
 }
 
+bool Archive::Stopped() const {
+    return !App().settings || (progress && progress->cancelled);
+}
+
 Archive::CodecResult Archive::MakeCodec() {
     codec.reset(new (std::nothrow) Compressor);
     if (!codec)

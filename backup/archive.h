@@ -74,6 +74,8 @@ public:
     // Makes the progress dialog, or with the settings' noProgress the wait cursor that stands for it.
     void BeginProgress(UINT confirmString, UINT titleString);
     void EndProgress();
+    // The user has cancelled, or the program is to end: no further database is begun.
+    bool Stopped() const;
     // Before a database, and before each of its records; false once the user has cancelled. The block must
     // live as long as the progress shows it.
     void BeginProgressOn(UINT formatString, const CEDBASEINFO& database);

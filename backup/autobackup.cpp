@@ -101,11 +101,11 @@ bool ReadScriptHeader(HANDLE script, ScriptHeader* header) {
     return std::find(std::cbegin(header->archivePath), end, WCHAR(0)) != end;
 }
 
-bool WriteListedDatabases(HANDLE script, DWORD count, BackupEngine* engine) {
+bool WriteListedDatabases(HANDLE script, const WCHAR* path, DWORD count, BackupEngine* engine) {
     for (DWORD i = 0; i < count; i++) {
         ScriptEntry entry;
         if (!ReadWhole(script, &entry)) {
-            ReportScript(engine->MessageOwner(), IDS_SCRIPT_MISSING, App().settings->scriptName);
+            ReportScript(engine->MessageOwner(), IDS_SCRIPT_MISSING, path);
             return false;
         }
         entry.databaseName[CEDB_MAXDBASENAMELEN - 1] = 0;
@@ -115,7 +115,7 @@ bool WriteListedDatabases(HANDLE script, DWORD count, BackupEngine* engine) {
     return true;
 }
 
-bool Replay(HWND owner, HANDLE script, const ScriptHeader& header) {
+bool Replay(HWND owner, HANDLE script, const WCHAR* path, const ScriptHeader& header) {
     BackupEngine engine;
     if (header.password.text[0]) {
         engine.passwordFlag = true;
@@ -123,7 +123,7 @@ bool Replay(HWND owner, HANDLE script, const ScriptHeader& header) {
     }
     bool whole = engine.BeginBackup(owner, false, header.archivePath);
     if (whole) {
-        whole = WriteListedDatabases(script, header.databaseCount, &engine);
+        whole = WriteListedDatabases(script, path, header.databaseCount, &engine);
         whole = engine.Finish() && whole;
     }
     // No failure leaves an archive behind, not even an older one that stood in the way and that the user did
@@ -138,14 +138,15 @@ bool Replay(HWND owner, HANDLE script, const ScriptHeader& header) {
 } // namespace
 
 bool RunAutobackup(HWND owner) {
-    const WCHAR* const path = App().settings->scriptName;
+    WCHAR path[MAX_PATH]; // the settings may be gone before the backup is over
+    CopyText(path, App().settings->scriptName);
     const HANDLE script =
         CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, 0);
     ScriptHeader header;
     const bool readable = script != INVALID_HANDLE_VALUE && ReadScriptHeader(script, &header);
     if (!readable)
         ReportScript(owner, IDS_SCRIPT_MISSING, path);
-    const bool whole = readable && Replay(owner, script, header);
+    const bool whole = readable && Replay(owner, script, path, header);
     if (script != INVALID_HANDLE_VALUE)
         CloseHandle(script);
     return whole;

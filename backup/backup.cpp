@@ -37,7 +37,7 @@ bool BackupEngine::BeginBackup(HWND ownerWindow, bool showOptions, const WCHAR* 
 
 bool BackupEngine::WriteDatabase(const WCHAR* name) {
     DbHandle database(MessageOwner());
-    if (database.Open(name, 0, 0) == INVALID_HANDLE_VALUE)
+    if (Stopped() || database.Open(name, 0, 0) == INVALID_HANDLE_VALUE)
         return false;
     DatabaseBlock block = {};
     block.blockSize = sizeof block;

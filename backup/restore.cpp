@@ -91,7 +91,7 @@ bool RestoreEngine::RestoreDatabases(HWND list) {
 bool RestoreEngine::RestoreEntries(HWND list) {
     for (DWORD i = 0; i < header.databaseCount; i++) {
         DatabaseBlock block;
-        if (!ReadDatabaseBlock(&block))
+        if (Stopped() || !ReadDatabaseBlock(&block))
             return false;
         if (!list && LeaveOut(block.info))
             return true; // nobody is asked, so each further turn would come back and leave it out again

@@ -13,6 +13,7 @@
 #include "dblist/viewmodify.h"
 #include "platform/menu.h"
 #include "platform/shell.h"
+#include "platform/text.h"
 #include "resources/resource.h"
 
 namespace {
@@ -80,13 +81,18 @@ void BackUpDatabases(HWND mainWindow) {
     RebuildDatabaseList();
 }
 
+// The picker's proposal replaces the path even when the user turns back.
+bool PickScript(HWND mainWindow) {
+    WCHAR path[MAX_PATH] = {};
+    const bool picked = PickFile(mainWindow, path, true, IDS_FILTER_SCRIPT, u"*.abk");
+    if (App().settings)
+        CopyText(App().settings->scriptName, path);
+    return picked;
+}
+
 void ReplayScript(HWND mainWindow) {
-    Settings& settings = *App().settings;
-    // The picker's proposal replaces the path even when the user turns back.
-    if (settings.promptScript &&
-        !PickFile(mainWindow, settings.scriptName, true, IDS_FILTER_SCRIPT, u"*.abk"))
-        return;
-    RunAutobackup(mainWindow);
+    if (!App().settings->promptScript || PickScript(mainWindow))
+        RunAutobackup(mainWindow);
 }
 
 void RunViewCommand(UINT command) {
@@ -202,13 +208,16 @@ UINT ArrangeCommand(DWORD sortKey) {
 } // namespace
 
 void RunMainCommand(HWND mainWindow, UINT command) {
+    // One command may be chosen while another shows its progress, and must not leave the window free to
+    // close.
+    const BYTE idleBefore = App().idle;
     App().idle = 0;
     if (command >= IDM_FIRST_COMMAND && command <= IDM_LAST_COMMAND) {
         RunDatabaseCommand(mainWindow, command);
         RunViewCommand(command);
         RunProgramCommand(mainWindow, command);
     }
-    App().idle = 1;
+    App().idle = idleBefore;
     UpdateMainMenu(nullptr);
 }
 

@@ -43,6 +43,10 @@ void OnDestroy() {
     DeleteObject(App().smallIcons);
     DeleteObject(App().spareObject);
     DeleteObject(App().headerImages);
+    // A command that is still running finds that they are gone.
+    App().mainWindow = nullptr;
+    App().listView = nullptr;
+    App().menuBar = nullptr;
     PostQuitMessage(0);
 }
 

@@ -3,8 +3,10 @@
 #include <filesystem>
 
 #include "app/application.h"
+#include "app/mainwindow.h"
 #include "app/uiservices.h"
 #include "backup/backup.h"
+#include "backup/restore.h"
 #include "platform/controls.h"
 #include "platform/text.h"
 #include "platform/ui/windowobject.h"
@@ -281,6 +283,87 @@ TEST_F(BackupSession, CancelOfABackupStopsAtTheNextRecord) {
         Tap(IDCANCEL);
     }
     RunProgram();
+}
+
+// A second start brings the list up over the progress, and its commands run inside of the one that goes on.
+TEST_F(BackupSession, CommandsInsideOfALongOneLeaveItAlone) {
+    MakeSample();
+    MakeSample(u"Other");
+    int disturbed = 0;
+    TestHooks().dialog = [&, seen = TestHooks().dialog](const DialogSeen& dialog) {
+        seen(dialog);
+        if (dialog.dialogTemplate != FindDialogTemplate(IDD_PROGRESS))
+            return;
+        PostMessageW(App().mainWindow, WM_COMMAND, IDM_REFRESH, 0);
+        PostMessageW(App().mainWindow, WM_CLOSE, 0, 0);
+        ++disturbed;
+    };
+    SelectRows(IDC_LIST, 0);
+    Choose(IDM_BACKUP);
+    InWindow(IDD_BACKUP_OPTIONS);
+    Tap(IDC_BACKUP_SCRIPT);
+    PickToSave(u"all");
+    Tap(IDOK);
+    InMainWindow();
+    Do([](HWND) { EXPECT_EQ(NumberAt(FileBytes(kArchive), 8), 2u); });
+    ExpectMessage(u"File \"\\My Documents\\all.bkp\" already exists; overwrite?", IDYES);
+    ExpectMessage(
+        u"Backup is complete. Backup file \"\\My Documents\\all.bkp\" has been successfully created.");
+    Choose(IDM_AUTOBACKUP);
+    Do([](HWND) { DeleteAllBut(u""); });
+    ChooseRestore();
+    SelectRows(IDC_SELECTION_LIST, LVIS_SELECTED);
+    Tap(IDOK);
+    ExpectDatabases({u"Ab", u"Other"});
+    RunProgram();
+    EXPECT_EQ(disturbed, 3);
+}
+
+WNDPROC mainProcedure;
+LRESULT DestroyOnUserMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    return message == WM_USER ? DestroyWindow(window)
+                              : CallWindowProcW(mainProcedure, window, message, wParam, lParam);
+}
+
+// The program's end is no long command's to keep from its loop, and the command gets by without the window.
+TEST_F(BackupSession, EndOfTheProgramEndsALongCommand) {
+    MakeSample();
+    MakeSample(u"Other");
+    WriteBytes(u"\\two.bkp", ArchiveOf(u"XY"));
+    RegisterMainWindowClass();
+    for (const int job : {0, 1, 2, 3}) {
+        const bool destroy = job & 1;
+        SCOPED_TRACE(job);
+        App() = Application();
+        ASSERT_TRUE(CreateMainWindow());
+        const HWND window = App().mainWindow;
+        App().settings->interactive = 0;
+        BackupEngine engine;
+        engine.generateScript = true;
+        ASSERT_TRUE(BackUp(engine, kArchive, {u"Ab", u"Other"}));
+        mainProcedure = reinterpret_cast<WNDPROC>(
+            SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(DestroyOnUserMessage)));
+        TestHooks().dialog = [=](const DialogSeen&) {
+            if (destroy)
+                PostMessageW(window, WM_USER, 0, 0);
+            else
+                PostQuitMessage(0);
+        };
+        if (job < 2) {
+            EXPECT_FALSE(RunAutobackup(window));
+            EXPECT_FALSE(FileExists(kArchive));
+        } else {
+            RestoreCommand(window, u"\\two.bkp");
+            EXPECT_EQ(DatabaseNames(), (Names{u"Ab", u"Other"}));
+        }
+        MSG message;
+        EXPECT_FALSE(GetMessageW(&message, nullptr, 0, 0));
+        EXPECT_EQ(IsWindow(window), !destroy);
+        TestHooks().dialog = nullptr;
+        DestroyWindow(window);
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+        }
+    }
 }
 
 TEST_F(BackupSession, DamagedArchives) {
