@@ -55,5 +55,8 @@ constexpr DWORD INVALID_FILE_SIZE = 0xFFFFFFFF;
 DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD method);
 // Bytes; `high` may be null for files that are known to be below 4 GiB. INVALID_FILE_SIZE likewise.
 DWORD GetFileSize(HANDLE file, DWORD* high);
+// The file ends where it stands: what lies behind is cut off, what is missing becomes zeros. FALSE on
+// failure.
+BOOL SetEndOfFile(HANDLE file);
 // Fails with ERROR_SHARING_VIOLATION while the file is open, else as CreateFileW.
 BOOL DeleteFileW(const WCHAR* path);

@@ -241,6 +241,14 @@ DWORD GetFileSize(HANDLE file, DWORD* high) {
     return static_cast<DWORD>(status.st_size);
 }
 
+BOOL SetEndOfFile(HANDLE file) {
+    HostFile* target = FindFile(file);
+    if (target)
+        target->complete = false;
+    return target && (ftruncate(target->Number(), lseek(target->Number(), 0, SEEK_CUR)) == 0 ||
+                      Fail(ErrorOfHost(errno)));
+}
+
 BOOL DeleteFileW(const WCHAR* path) {
     return UnlessOutOfMemory(
         BOOL{FALSE},
