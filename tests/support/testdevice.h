@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <string>
 
 #include "platform/device.h"
@@ -32,6 +33,15 @@ public:
     // A table of the store that cannot be read, as on a disk that has gone bad, until it is whole again.
     void BreakTable(const std::string& table) { RenameTable(table, table + "_broken"); }
     void MendTable(const std::string& table) { RenameTable(table + "_broken", table); }
+    // Changes the store as no program of ours would. No database may be open.
+    void RunSql(const std::string& sql) {
+        Restart();
+        sqlite3* store = nullptr;
+        ASSERT_EQ(sqlite3_open((folder + "/objectstore.db").c_str(), &store), SQLITE_OK);
+        EXPECT_EQ(sqlite3_exec(store, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+            << sqlite3_errmsg(store);
+        sqlite3_close(store);
+    }
 
     std::string folder;
 
