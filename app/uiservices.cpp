@@ -40,23 +40,28 @@ void OpenHelp(const WCHAR* anchor) {
 
 namespace {
 
-bool MayReplace(HWND owner, const WCHAR* path) {
+// The answer of the user; Yes also when there is nothing to replace or nobody is to be asked, 0 when nobody
+// could be asked.
+int AskToReplace(HWND owner, const WCHAR* path) {
     const HANDLE existing =
         CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, 0);
     if (existing == INVALID_HANDLE_VALUE)
-        return true;
+        return IDYES;
     CloseHandle(existing);
     // Nobody is there to answer when the program runs by itself: a backup of every night replaces last
     // night's.
-    return !RunsInteractively() ||
-           MessageFromString(owner, IDS_CONFIRM_OVERWRITE_FILE, path, kQuestionBox) == IDYES;
+    return RunsInteractively() ? MessageFromString(owner, IDS_CONFIRM_OVERWRITE_FILE, path, kQuestionBox)
+                               : IDYES;
 }
 
 } // namespace
 
-HANDLE CreateFileForWriting(HWND owner, const WCHAR* path, WCHAR* chosenPath) {
+HANDLE CreateFileForWriting(HWND owner, const WCHAR* path, WCHAR* chosenPath, bool* refused) {
     for (;;) {
-        if (!MayReplace(owner, path))
+        const int answer = AskToReplace(owner, path);
+        if (refused)
+            *refused = answer == IDNO;
+        if (answer != IDYES)
             return INVALID_HANDLE_VALUE;
         const HANDLE file = CreateFileW(path, GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                         FILE_ATTRIBUTE_NORMAL, 0);

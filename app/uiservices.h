@@ -35,9 +35,10 @@ int MessageText(HWND owner, const WCHAR* text, UINT style);
 void OpenHelp(const WCHAR* anchor);
 
 // Creates a file anew, asking first when it exists (not asked when the program does not run interactively: it
-// is replaced). The invalid handle on No or failure, which is reported here. `chosenPath` (room for MAX_PATH,
-// or null) receives the path that was used. No sharing.
-HANDLE CreateFileForWriting(HWND owner, const WCHAR* path, WCHAR* chosenPath);
+// is replaced). The invalid handle on failure, which is reported here, and on anything but Yes; `refused`,
+// unless null, tells whether a user said No: the file then stays, as it does when nobody could be asked.
+// `chosenPath` (room for MAX_PATH, or null) receives the path that was used. No sharing.
+HANDLE CreateFileForWriting(HWND owner, const WCHAR* path, WCHAR* chosenPath, bool* refused);
 
 // Lets the user pick a file to open or save into `path` (room for MAX_PATH). What the buffer held is replaced
 // by the extension from its second character on, also when the user cancels.

@@ -1,5 +1,6 @@
 #include "backup/archivewriter.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "backup/compressor.h"
@@ -14,15 +15,32 @@ constexpr std::int64_t kMaxArchiveSize = 0xFFFFFFFF;
 } // namespace
 
 ArchiveWriter::~ArchiveWriter() {
-    CloseFile();
+    CloseFile(false);
 }
 
-bool ArchiveWriter::CloseFile() {
+bool ArchiveWriter::CloseFile(bool whole) {
     if (file == INVALID_HANDLE_VALUE)
         return true;
-    const BOOL closed = CloseHandle(file);
+    const bool synced = whole && FlushFileBuffers(file);
+    const bool closed = CloseHandle(file);
     file = INVALID_HANDLE_VALUE;
-    return closed;
+    // A file that cannot be closed has not taken the older one's place.
+    leftPartial = leftPartial && closed && !synced;
+    if (closed && synced == whole)
+        return true;
+    ReportFailure(IDS_UNABLE_TO_WRITE_FILE);
+    return false;
+}
+
+bool ArchiveWriter::CutFile() {
+    if (fileEnd <= entriesEnd)
+        return true;
+    if (MoveTo(entriesEnd) && SetEndOfFile(file)) {
+        fileEnd = entriesEnd;
+        return true;
+    }
+    ReportFailure(IDS_UNABLE_TO_WRITE_FILE);
+    return false;
 }
 
 bool ArchiveWriter::WriteHeader() {
@@ -31,6 +49,7 @@ bool ArchiveWriter::WriteHeader() {
     header.compressed = codec ? 1 : 0;
     header.flags = passwordFlag ? kPasswordFollows : 0;
     header.firstEntry = sizeof header + (passwordFlag ? sizeof password : 0);
+    entriesEnd = std::max<std::int64_t>(entriesEnd, header.firstEntry);
     return Write(0, &header, sizeof header) &&
            (!passwordFlag || Write(sizeof header, &password, sizeof password)) && Flush();
 }
@@ -47,7 +66,10 @@ std::int64_t ArchiveWriter::WriteDatabaseBlock(const DatabaseBlock& block, std::
         length = codec->OutputLength();
     }
     // To the file at once: when there is no room for the records, the block should be there all the same.
-    return Write(offset, data, length) && Flush() ? std::int64_t(length) : -1;
+    if (!Write(offset, data, length) || !Flush())
+        return -1;
+    entriesEnd = offset + length;
+    return length;
 }
 
 std::int64_t ArchiveWriter::WriteRecord(const RecordBuffer& record, RecordHeader* recordHeader,
@@ -69,7 +91,8 @@ std::int64_t ArchiveWriter::WriteRecord(const RecordBuffer& record, RecordHeader
     if (!Write(offset, recordHeader, sizeof *recordHeader) ||
         (recordHeader->length && !Write(offset + sizeof *recordHeader, data, recordHeader->length)))
         return -1;
-    return offset + sizeof *recordHeader + recordHeader->length;
+    entriesEnd = offset + sizeof *recordHeader + recordHeader->length;
+    return entriesEnd;
 }
 
 bool ArchiveWriter::CompleteEntry(DatabaseBlock* block, DWORD blockLength, std::int64_t end) {
@@ -111,15 +134,22 @@ bool ArchiveWriter::Flush() {
     return !count || WriteNow(bufferOffset, buffer, count);
 }
 
+bool ArchiveWriter::MoveTo(std::int64_t offset) {
+    if (offset == filePosition)
+        return true;
+    LONG high = 0;
+    const DWORD low = static_cast<DWORD>(offset);
+    const bool moved = SetFilePointer(file, static_cast<LONG>(low), &high, FILE_BEGIN) == low && !high;
+    filePosition = moved ? offset : -1;
+    return moved;
+}
+
 bool ArchiveWriter::WriteNow(std::int64_t offset, const void* data, DWORD count) {
-    bool inPlace = offset == filePosition;
-    if (!inPlace) {
-        LONG high = 0;
-        const DWORD low = static_cast<DWORD>(offset);
-        inPlace = SetFilePointer(file, static_cast<LONG>(low), &high, FILE_BEGIN) == low && !high;
-    }
     DWORD written = 0;
-    if (inPlace && WriteFile(file, data, count, &written, nullptr) && written == count) {
+    const bool moved = MoveTo(offset);
+    const bool whole = moved && WriteFile(file, data, count, &written, nullptr) && written == count;
+    fileEnd = std::max(fileEnd, offset + written);
+    if (whole) {
         filePosition = offset + count;
         return true;
     }

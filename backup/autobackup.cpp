@@ -40,9 +40,9 @@ ScriptWriter::~ScriptWriter() {
 
 void ScriptWriter::GiveUp(HWND owner) {
     ReportScript(owner, IDS_SCRIPT_NOT_CREATED, path);
-    CloseHandle(file);
+    if (CloseHandle(file)) // otherwise an older script still stands under the name
+        DeleteFileW(path);
     file = INVALID_HANDLE_VALUE;
-    DeleteFileW(path);
 }
 
 void ScriptWriter::Create(HWND owner, const WCHAR* archivePath, bool compressed,
@@ -74,20 +74,21 @@ void ScriptWriter::Append(HWND owner, const WCHAR* databaseName) {
         GiveUp(owner);
 }
 
-void ScriptWriter::Complete(HWND owner, DWORD databaseCount) {
+void ScriptWriter::Complete(HWND owner, DWORD databaseCount, bool whole) {
     if (file == INVALID_HANDLE_VALUE)
         return;
     ScriptHeader header;
-    bool whole = GoTo(file, 0) && ReadWhole(file, &header);
-    if (whole) {
+    bool written = GoTo(file, 0) && ReadWhole(file, &header);
+    if (written) {
         header.databaseCount = databaseCount;
-        whole = GoTo(file, 0) && WriteWhole(file, header);
+        written = GoTo(file, 0) && WriteWhole(file, header) && (!whole || FlushFileBuffers(file));
     }
-    if (!whole) {
+    if (!written) {
         GiveUp(owner);
         return;
     }
-    CloseHandle(file);
+    if (!CloseHandle(file))
+        ReportScript(owner, IDS_SCRIPT_NOT_CREATED, path);
     file = INVALID_HANDLE_VALUE;
 }
 
@@ -124,13 +125,17 @@ bool Replay(HWND owner, HANDLE script, const WCHAR* path, const ScriptHeader& he
     bool whole = engine.BeginBackup(owner, false, header.archivePath);
     if (whole) {
         whole = WriteListedDatabases(script, path, header.databaseCount, &engine);
+        engine.complete = engine.complete && whole;
         whole = engine.Finish() && whole;
     }
-    // No failure leaves an archive behind, not even an older one that stood in the way and that the user did
-    // not want to be replaced: a script's archive is either the script's last good backup or missing.
-    if (!whole)
-        DeleteFileW(engine.archivePath[0] ? engine.archivePath : header.archivePath);
-    else if (RunsInteractively())
+    // No failure leaves an archive behind, not even an older one that the user did not want to be replaced: a
+    // script's archive is either the script's last good backup or missing. Where nobody said so, one that was
+    // never opened stays.
+    if (engine.refused)
+        DeleteFileW(header.archivePath);
+    else if (!whole && engine.leftPartial)
+        DeleteFileW(engine.archivePath);
+    else if (whole && engine.complete && RunsInteractively())
         MessageFromString(owner, IDS_BACKUP_COMPLETE, engine.archivePath, kInformationBox);
     return whole;
 }

@@ -33,7 +33,9 @@ public:
     // At the settings' scriptName. The password is scrambled; null for none.
     void Create(HWND owner, const WCHAR* archivePath, bool compressed, const PasswordBlock* password);
     void Append(HWND owner, const WCHAR* databaseName);
-    void Complete(HWND owner, DWORD databaseCount);
+    // With all that was to be in it, it replaces an older script; otherwise that one stays as its name with a
+    // `~`.
+    void Complete(HWND owner, DWORD databaseCount, bool whole);
 
     HANDLE file = INVALID_HANDLE_VALUE;
     WCHAR path[MAX_PATH] = {};

@@ -3,6 +3,7 @@
 #include "app/application.h"
 #include "backup/compressor.h"
 #include "platform/datetime.h"
+#include "platform/errors.h"
 #include "platform/files.h"
 #include "platform/text.h"
 #include "resources/resource.h"
@@ -20,12 +21,13 @@ bool BackupEngine::BeginBackup(HWND ownerWindow, bool showOptions, const WCHAR* 
     WCHAR picked[MAX_PATH] = {};
     if (!path && !PickFile(owner, picked, false, IDS_FILTER_BACKUP, u"*.bkp"))
         return false;
-    file = CreateFileForWriting(owner, path ? path : picked, archivePath);
+    file = CreateFileForWriting(owner, path ? path : picked, archivePath, &refused);
     if (file == INVALID_HANDLE_VALUE)
         return false;
+    leftPartial = true;
     header.databaseCount = 0;
     if (!WriteHeader()) {
-        CloseFile();
+        CloseFile(false);
         return false;
     }
     entryOffset = header.firstEntry;
@@ -36,6 +38,12 @@ bool BackupEngine::BeginBackup(HWND ownerWindow, bool showOptions, const WCHAR* 
 }
 
 bool BackupEngine::WriteDatabase(const WCHAR* name) {
+    const bool written = Append(name);
+    complete = complete && written;
+    return written;
+}
+
+bool BackupEngine::Append(const WCHAR* name) {
     DbHandle database(MessageOwner());
     if (Stopped() || database.Open(name, 0, 0) == INVALID_HANDLE_VALUE)
         return false;
@@ -79,37 +87,48 @@ BackupEngine::Walk BackupEngine::WriteEntry(DbHandle& database, DatabaseBlock* b
     return CompleteEntry(block, static_cast<DWORD>(blockLength), offset) ? Walk::complete : Walk::stopped;
 }
 
-// Writes as many records as the block declares, or as many as there are; false when the user cancelled or a
-// write failed.
+// Writes as many records as the block declares, or as many as there are; false when the user cancelled, the
+// store failed or a write did.
 bool BackupEngine::WriteRecords(DbHandle& database, const DatabaseBlock& block, RecordHeader* recordHeader,
                                 std::int64_t* offset) {
     RecordBuffer record;
     DWORD index = 0;
     bool goesOn = true;
-    bool found = database.SeekFirst(&index);
-    while (found && recordHeader->ordinal < block.info.wNumRecords) {
-        goesOn = ProgressStep(IDS_STORING_RECORD, block.info);
-        if (goesOn && database.ReadRecordForStorage(&record)) {
-            const std::int64_t end = WriteRecord(record, recordHeader, *offset);
-            goesOn = end >= 0;
-            if (goesOn)
-                *offset = end;
+    bool found = WalkToFirst(database, &index);
+    bool atEnd = !found && GetLastError() == ERROR_NO_MORE_ITEMS;
+    while (found && goesOn && recordHeader->ordinal < block.info.wNumRecords) {
+        goesOn = ProgressStep(IDS_STORING_RECORD, block.info) &&
+                 WriteCurrentRecord(database, &record, recordHeader, offset);
+        if (goesOn) {
+            found = WalkToNext(database, &index);
+            atEnd = !found && GetLastError() == ERROR_NO_MORE_ITEMS;
         }
-        if (!goesOn)
-            break;
-        found = WalkToNext(database, &index);
     }
     LocalFree(record.data);
-    return goesOn;
+    return goesOn && (found || atEnd);
+}
+
+// Leaves out a record that is damaged or that was deleted meanwhile; false on any other failure.
+bool BackupEngine::WriteCurrentRecord(DbHandle& database, RecordBuffer* record, RecordHeader* recordHeader,
+                                      std::int64_t* offset) {
+    if (database.ReadRecordForStorage(record)) {
+        const std::int64_t end = WriteRecord(*record, recordHeader, *offset);
+        if (end >= 0)
+            *offset = end;
+        return end >= 0;
+    }
+    const DWORD error = GetLastError();
+    complete = complete && error == ERROR_NO_MORE_ITEMS;
+    return error == ERROR_NO_MORE_ITEMS || error == ERROR_FILE_CORRUPT;
 }
 
 bool BackupEngine::Finish() {
     if (file == INVALID_HANDLE_VALUE)
         return false;
-    const bool written = WriteHeader();
-    const bool closed = CloseFile();
+    const bool written = CutFile() && WriteHeader();
+    const bool closed = CloseFile(complete && written);
     codec.reset();
     EndProgress();
-    script.Complete(owner, header.databaseCount);
+    script.Complete(owner, header.databaseCount, complete && written && closed);
     return written && closed;
 }

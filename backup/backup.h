@@ -17,20 +17,25 @@ public:
     // ends then, with what was written so far.
     bool WriteDatabase(const WCHAR* name);
     // Completes and closes the archive and the script; true unless a write failed. Without an archive
-    // it does nothing.
+    // it does nothing. What is not `complete` keeps an older archive and script, as their names with a `~`.
     bool Finish();
 
     bool compress = true;
     bool allDatabases = false; // "All databases" was chosen: the caller then takes them all
     bool generateScript = false;
+    bool complete = true; // so far nothing is missing that was to be written
+    bool refused = false; // the user said that the file that is there is not to be replaced
     ScriptWriter script;
     WCHAR archivePath[MAX_PATH] = {}; // where the archive is written
 
 private:
     enum class Walk { complete, shorter, stopped, refused };
+    bool Append(const WCHAR* name);
     Walk WriteEntry(DbHandle& database, DatabaseBlock* block);
     bool WriteRecords(DbHandle& database, const DatabaseBlock& block, RecordHeader* recordHeader,
                       std::int64_t* offset);
+    bool WriteCurrentRecord(DbHandle& database, RecordBuffer* record, RecordHeader* recordHeader,
+                            std::int64_t* offset);
 };
 
 // The "Backup Databases" options; false when the user cancelled. Fills the options of the engine.

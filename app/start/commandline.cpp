@@ -9,6 +9,7 @@
 #include "backup/backup.h"
 #include "backup/restore.h"
 #include "dblist/databaselist.h"
+#include "platform/errors.h"
 #include "platform/objectstore.h"
 #include "platform/shell.h"
 #include "platform/text.h"
@@ -126,21 +127,41 @@ CommandLine Parse(const WCHAR* line) {
     return parsed;
 }
 
-void AddAllDatabases(BackupEngine& engine) {
-    const HANDLE databases = CeFindFirstDatabase(0);
-    if (databases == INVALID_HANDLE_VALUE)
-        return;
+// The store cannot tell which databases there are, so no name can be given.
+void ReportUnreadableStore(HWND owner) {
+    const DWORD error = GetLastError();
+    WCHAR format[kMessageCapacity];
+    LoadText(IDS_COULD_NOT_OPEN, format);
+    SetLastError(error);
+    DbHandle(owner).ReportError(format, u"*");
+}
+
+// Up to one that the engine refuses. False, with the last error, when the store fails before their end.
+bool AddAllDatabases(HANDLE databases, BackupEngine& engine) {
     while (const CEOID oid = CeFindNextDatabase(databases)) {
         CEOIDINFO info = {};
-        if (!CeOidGetInfo(oid, &info) || info.wObjType != OBJTYPE_DATABASE)
-            continue;
+        if (!CeOidGetInfo(oid, &info)) {
+            if (GetLastError() != ERROR_FILE_NOT_FOUND)
+                return false;
+            continue; // deleted meanwhile
+        }
         const WCHAR* name = info.infDatabase.szDbaseName;
-        if (IsSystemDatabase(name) && !App().settings->includeSystemDatabases)
-            continue;
-        if (!engine.WriteDatabase(name))
-            break;
+        const bool leftOut = info.wObjType != OBJTYPE_DATABASE ||
+                             (IsSystemDatabase(name) && !App().settings->includeSystemDatabases);
+        if (!leftOut && !engine.WriteDatabase(name))
+            return true;
     }
-    CloseHandle(databases);
+    return GetLastError() == ERROR_NO_MORE_ITEMS;
+}
+
+void WriteAllDatabases(BackupEngine& engine, HANDLE databases, const WCHAR* path) {
+    if (!engine.BeginBackup(nullptr, false, path))
+        return;
+    if (!AddAllDatabases(databases, engine)) {
+        engine.complete = false;
+        ReportUnreadableStore(engine.MessageOwner());
+    }
+    engine.Finish();
 }
 
 void BackUpAllDatabases(const WCHAR* path) {
@@ -150,10 +171,14 @@ void BackUpAllDatabases(const WCHAR* path) {
             SHShowOutOfMemory(nullptr, 0);
         return;
     }
-    if (engine->BeginBackup(nullptr, false, path)) {
-        AddAllDatabases(*engine);
-        engine->Finish();
+    // Before an archive is touched, for the sake of the one that may be there.
+    const HANDLE databases = CeFindFirstDatabase(0);
+    if (databases == INVALID_HANDLE_VALUE) {
+        ReportUnreadableStore(nullptr);
+        return;
     }
+    WriteAllDatabases(*engine, databases, path);
+    CloseHandle(databases);
 }
 
 void RunJob(const CommandLine& parsed) {

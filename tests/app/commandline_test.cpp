@@ -1,12 +1,14 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/application.h"
 #include "app/start/commandline.h"
 #include "platform/files.h"
 #include "platform/ui/testhooks.h"
+#include "tests/platform/hostsupport.h"
 #include "tests/support/sampledatabases.h"
 #include "tests/support/testdevice.h"
 
@@ -113,4 +115,25 @@ TEST_F(CommandLineTest, ReplacesLastNightsArchiveWithoutAsking) {
     EXPECT_TRUE(messages.empty());
     RunCommandLine(u"-B \\nightly.bkp -P"); // with dialogs it is asked once
     EXPECT_EQ(messages, (Texts{u"File \"\\nightly.bkp\" already exists; overwrite?"}));
+}
+
+TEST_F(CommandLineTest, StoreThatFailsIsToldAndCostsNoArchive) {
+    const Texts failure = {u"Couldn't open \"*\" database: Unknown error"};
+    MakeDatabase(u"Plain", {});
+    MakeDatabase(u"Damaged", {});
+    RunCommandLine(u"-B \\nightly.bkp -D -P");
+    const std::string archive = HostFile(device.folder + "/root/nightly.bkp");
+    device.RunSql("ALTER TABLE databases RENAME TO kept");
+    RunCommandLine(u"-B \\nightly.bkp -D -P");
+    EXPECT_EQ(std::exchange(messages, {}), failure);
+    EXPECT_EQ(HostFile(device.folder + "/root/nightly.bkp"), archive);
+    // Nor is a failure the end of the list.
+    device.RunSql(
+        "CREATE VIEW databases AS SELECT oid, name, folded, type, records, bytes, modified, version, "
+        "deletions, lastdeleted, CASE WHEN name = 'Plain' THEN sortorders ELSE "
+        "abs(-9223372036854775808) END AS sortorders FROM kept");
+    RunCommandLine(u"-B \\part.bkp -D -P");
+    EXPECT_EQ(std::exchange(messages, {}), failure);
+    RunCommandLine(u"-B \\part.bkp -D -P -I");
+    EXPECT_EQ(messages, Texts());
 }

@@ -128,10 +128,40 @@ TEST_F(ArchiveTest, UnreadableRecordIsLeftOutOfTheCount) {
         engine.compress = compress;
         ExpectMessage(u"Couldn't read record in \"" + name + u"\" database: Unknown error");
         ASSERT_TRUE(BackUp(engine, kPath, {name.c_str()}));
+        EXPECT_FALSE(engine.complete);
+        // Written again with one record less, the entry has nothing of its first form behind it.
+        const Bytes archive = FileBytes(kPath);
+        EXPECT_EQ(NumberAt(archive, compress ? 24 : 24 + 140), archive.size());
         DeleteAllBut(u"");
         ASSERT_TRUE(RestoreCommand(nullptr, kPath));
         EXPECT_EQ(Contents(name.c_str()), u"1=0 2= 3=<Binary Data>\n1=1 2=x 3=<Binary Data>\n"
                                           u"1=3 2=xxx 3=<Binary Data>\n1=4 2=xxxx 3=<Binary Data>\n");
+    }
+}
+
+// Only the end of the records ends a walk well.
+TEST_F(ArchiveTest, StoreThatFailsInTheMiddleFailsTheEntry) {
+    MakeRecords(u"Many", 200);
+    BackupEngine before;
+    before.generateScript = true;
+    ASSERT_TRUE(BackUp(before, kPath, {u"Many"}));
+    // A number that is too large for the store's own arithmetic, in place of the data of later records.
+    device.RunSql(
+        "ALTER TABLE records RENAME TO kept; CREATE VIEW records AS SELECT id, properties, CASE WHEN id < "
+        "(SELECT min(id) + 150 FROM kept) THEN data ELSE abs(-9223372036854775808) END AS data FROM kept");
+    for (const bool interactive : {false, true}) {
+        settings.interactive = interactive; // which would show the success
+        BackupEngine engine;
+        if (!interactive) {
+            ExpectMessage(u"Couldn't find record in \"Many\" database: Unknown error");
+            EXPECT_FALSE(BackUp(engine, kPath, {u"Many"}));
+            EXPECT_FALSE(engine.complete);
+            continue;
+        }
+        ExpectMessage(u"File \"\\all.bkp\" already exists; overwrite?", IDYES);
+        ExpectMessage(u"Couldn't find record in \"Many\" database: Unknown error");
+        EXPECT_FALSE(RunAutobackup(nullptr));
+        EXPECT_FALSE(FileExists(kPath));
     }
 }
 

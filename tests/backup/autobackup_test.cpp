@@ -97,6 +97,20 @@ TEST_F(AutobackupTest, BadScriptsLeaveNoArchive) {
     EXPECT_FALSE(RunAutobackup(nullptr));
 }
 
+TEST_F(AutobackupTest, ArchiveThatIsThereStaysUnlessAUserSaysNo) {
+    const std::u16string overwrite = u"File \"" + std::u16string(kArchive) + u"\" already exists; overwrite?";
+    WriteBytes(kScript, HandMadeScript());
+    const Bytes older = FromHex(kPlainArchive);
+    WriteBytes(kArchive, older);
+    settings.interactive = 1;
+    ExpectMessage(overwrite, 0); // nobody was asked
+    EXPECT_FALSE(RunAutobackup(nullptr));
+    EXPECT_EQ(FileBytes(kArchive), older);
+    ExpectMessage(overwrite, IDNO);
+    EXPECT_FALSE(RunAutobackup(nullptr));
+    EXPECT_FALSE(FileExists(kArchive));
+}
+
 TEST_F(AutobackupTest, TroubleWithTheScriptDoesNotStopTheBackup) {
     CopyText(settings.scriptName, u"\\no folder\\backup.abk");
     BackupEngine engine;

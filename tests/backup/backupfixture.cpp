@@ -142,10 +142,11 @@ BackupTest::BackupTest() {
     settings.interactive = 0;
     settings.noProgress = 1;
     TestHooks().messageBox = [this](const MessageBoxSeen& box) {
-        EXPECT_EQ(expected.empty() ? u"no message" : expected.front(), box.text);
+        const Message next = expected.empty() ? Message{u"no message", IDOK} : expected.front();
+        EXPECT_EQ(next.text, box.text);
         if (!expected.empty())
             expected.pop_front();
-        AnswerMessageBox(IDOK);
+        AnswerMessageBox(next.answer);
     };
 }
 
@@ -155,6 +156,6 @@ BackupTest::~BackupTest() {
     App().settings = nullptr;
 }
 
-void BackupTest::ExpectMessage(const std::u16string& text) {
-    expected.push_back(text);
+void BackupTest::ExpectMessage(const std::u16string& text, int answer) {
+    expected.push_back({text, answer});
 }

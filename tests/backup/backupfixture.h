@@ -47,11 +47,16 @@ class BackupTest : public testing::Test {
 protected:
     BackupTest();
     ~BackupTest() override;
-    void ExpectMessage(const std::u16string& text);
+    // 0 is the answer where nobody can be asked.
+    void ExpectMessage(const std::u16string& text, int answer = IDOK);
 
     TestDevice device;
     Settings settings;
 
 private:
-    std::deque<std::u16string> expected;
+    struct Message {
+        std::u16string text;
+        int answer;
+    };
+    std::deque<Message> expected;
 };
