@@ -2,11 +2,18 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
 
 #include "backup/compressor.h"
 #include "platform/files.h"
 #include "resources/resource.h"
+
+namespace {
+
+// Every code but a reset makes at least one byte, so that a block that any writer makes takes 162 bytes. This
+// leaves room for resets, and none for what a damaged length would have us read.
+constexpr DWORD kMaxBlockStream = 4096;
+
+} // namespace
 
 ArchiveReader::~ArchiveReader() {
     CloseFile();
@@ -85,15 +92,11 @@ ArchiveReader::Failure ArchiveReader::LoadDatabaseBlock(DatabaseBlock* block) {
 
 ArchiveReader::Failure ArchiveReader::LoadCompressedBlock(DatabaseBlock* block) {
     EntryPrefix prefix;
-    if (!codec || Read(&prefix, sizeof prefix) != sizeof prefix || position > fileSize ||
-        prefix.blockLength > fileSize - position)
+    BYTE stored[kMaxBlockStream];
+    if (!codec || Read(&prefix, sizeof prefix) != sizeof prefix || prefix.blockLength > sizeof stored ||
+        Read(stored, prefix.blockLength) != prefix.blockLength)
         return Failure::file;
-    const std::unique_ptr<BYTE[]> stored(new (std::nothrow) BYTE[prefix.blockLength + std::size_t(1)]);
-    if (!stored)
-        return Failure::memory;
-    if (Read(stored.get(), prefix.blockLength) != prefix.blockLength)
-        return Failure::file;
-    if (!codec->Expand(stored.get(), prefix.blockLength, sizeof *block))
+    if (!codec->Expand(stored, prefix.blockLength, sizeof *block))
         return codec->PassedLimit() ? Failure::file : Failure::memory;
     if (codec->OutputLength() != sizeof *block)
         return Failure::file;

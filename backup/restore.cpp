@@ -1,5 +1,6 @@
 #include "backup/restore.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "app/application.h"
@@ -30,13 +31,15 @@ bool LeaveOut(const CEDBASEINFO& database) {
     return database.szDbaseName[0] == u'\\' && !App().settings->includeSystemDatabases;
 }
 
-// Room for `size` bytes at the record's data, whatever is there now.
+// Room for `size` bytes at the record's data; what is there stays.
 bool MakeRoom(RecordBuffer* record, DWORD size) {
-    if (!record->data || LocalSize(record->data) < size) {
-        LocalFree(record->data);
-        record->data = static_cast<BYTE*>(LocalAlloc(LMEM_ZEROINIT, size));
-    }
-    return record->data;
+    if (record->data && LocalSize(record->data) >= size)
+        return true;
+    void* const grown =
+        record->data ? LocalReAlloc(record->data, size, LMEM_MOVEABLE) : LocalAlloc(LMEM_FIXED, size);
+    if (grown)
+        record->data = static_cast<BYTE*>(grown);
+    return grown;
 }
 
 } // namespace
@@ -160,8 +163,9 @@ RestoreEngine::Target RestoreEngine::Overwrite(DbHandle& database, const WCHAR* 
         if (database.DeleteDatabase(name))
             return Target::create;
     }
-    // It is open elsewhere.
-    if (MayAsk()) {
+    // It is open elsewhere. Where nobody can be asked it is left alone, and so is what follows: each further
+    // turn would come back to it and ask nobody again.
+    if (!RunsUnattended()) {
         constexpr UINT kStyle = MB_YESNOCANCEL | MB_ICONEXCLAMATION;
         const int answer = MessageFromString(MessageOwner(), IDS_CONFIRM_RESTORE_IN_USE, name, kStyle);
         if (answer != IDYES)
@@ -196,18 +200,30 @@ bool RestoreEngine::ReadRecord(const WCHAR* target, RecordBuffer* record, Record
         ReportFailure(IDS_ARCHIVE_CORRUPTED, target);
         return false;
     }
-    RecordBuffer* const read = header.compressed ? stored : record;
-    if (!MakeRoom(read, recordHeader.length)) {
-        ReportFailure(IDS_RESTORE_NO_MEMORY, target);
+    if (!ReadData(target, recordHeader.length, header.compressed ? stored : record))
         return false;
-    }
-    if (Read(read->data, recordHeader.length) != recordHeader.length) {
-        ReportFailure(IDS_ARCHIVE_CORRUPTED, target);
-        return false;
-    }
     record->propCount = static_cast<WORD>(recordHeader.propCount);
     record->size = recordHeader.length;
     return !header.compressed || ExpandRecord(*stored, recordHeader.length, record);
+}
+
+// Memory grows with the bytes that arrive, and not with the length that the file declares.
+bool RestoreEngine::ReadData(const WCHAR* target, DWORD length, RecordBuffer* read) {
+    constexpr DWORD kFirstPiece = 64 * 1024;
+    DWORD done = 0;
+    do {
+        const DWORD piece = std::min(length - done, std::max(done, kFirstPiece));
+        if (!MakeRoom(read, done + piece)) {
+            ReportFailure(IDS_RESTORE_NO_MEMORY, target);
+            return false;
+        }
+        if (Read(read->data + done, piece) != piece) {
+            ReportFailure(IDS_ARCHIVE_CORRUPTED, target);
+            return false;
+        }
+        done += piece;
+    } while (done < length);
+    return true;
 }
 
 bool RestoreEngine::ExpandRecord(const RecordBuffer& stored, DWORD length, RecordBuffer* record) {

@@ -26,6 +26,7 @@ private:
     Target Overwrite(DbHandle& database, const WCHAR* name);
     bool RestoreRecords(DbHandle& database, const CEDBASEINFO& info, const WCHAR* target);
     bool ReadRecord(const WCHAR* target, RecordBuffer* record, RecordBuffer* stored);
+    bool ReadData(const WCHAR* target, DWORD length, RecordBuffer* read);
     bool ExpandRecord(const RecordBuffer& stored, DWORD length, RecordBuffer* record);
 };
 

@@ -1,4 +1,8 @@
 // Restoring without dialogs: good archives, clashes, and everything that a file may hold.
+#include <fstream>
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include "backup/compressor.h"
 #include "backup/restore.h"
 #include "tests/backup/backupfixture.h"
@@ -87,17 +91,33 @@ TEST_F(RestoreTest, ExistingDatabaseIsReplaced) {
     ASSERT_TRUE(Restore(archive));
     EXPECT_EQ(Contents(u"Ab"), kSampleContents);
 
-    // One that somebody has open cannot be deleted: its records are, and it stays the same database.
+    // One that somebody has open cannot be deleted: its records are, and it stays the same database. That is
+    // asked even without dialogs, unless all messages are off.
+    DeleteAllBut(u"");
+    MakeDatabase(u"Ab", {{TextValue(9, u"mine")}});
     DbHandle user(nullptr);
     ASSERT_NE(user.Open(u"Ab", 0, 0), INVALID_HANDLE_VALUE);
     const CEOID oid = user.oid;
+    const std::u16string inUse = u"Database \"Ab\" is in use by another application. You may need to "
+                                 u"soft-reset your mobile device after "
+                                 u"restoring this database. Do you want to restore now?";
+    ExpectMessage(inUse, 0); // nobody could be asked
+    Restore(Changed(ArchiveOf(u"AB"), 8, 0xFFFFFFFF));
+    EXPECT_EQ(Contents(u"Ab"), u"9=mine\n");
+    for (const int answer : {IDNO, IDNO, IDYES})
+        ExpectMessage(inUse, answer); // a No comes back to the same entry
+    Restore(Changed(archive, 8, 3));
+    EXPECT_EQ(Contents(u"Ab"), kSampleContents);
+    settings.unattended = 1;
     ASSERT_TRUE(Restore(archive));
     EXPECT_EQ(Contents(u"Ab"), kSampleContents);
+    settings.unattended = 0;
     DbHandle again(nullptr);
     again.Open(u"Ab", 0, 0);
     EXPECT_EQ(again.oid, oid);
 
     // Interrupted, that leaves it empty.
+    ExpectMessage(inUse, IDYES);
     ExpectMessage(Corrupted(u"Ab"));
     Restore(Slice(archive, 0, archive.size() - 1));
     EXPECT_EQ(Contents(u"Ab"), u"");
@@ -170,6 +190,47 @@ TEST_F(RestoreTest, BadArchives) {
     }
     ExpectMessage(kUnreadable);
     EXPECT_FALSE(RestoreCommand(nullptr, u"\\missing.bkp"));
+}
+
+// Length and file size are cheap to write down: neither costs memory.
+TEST_F(RestoreTest, DeclaredLengthTakesNoMemory) {
+    constexpr rlim_t kRoom = 256 << 20;
+    WriteBytes(kPath, WithoutPassword(Changed(FromHex(kCompressedArchive), 68, 0xF0000000)));
+    std::filesystem::resize_file(device.folder + "/root/all.bkp", std::uint64_t{5} << 30); // all holes
+    rlim_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    rlimit before;
+    getrlimit(RLIMIT_AS, &before);
+    const rlimit small = {pages * static_cast<rlim_t>(getpagesize()) + kRoom, before.rlim_max};
+    setrlimit(RLIMIT_AS, &small);
+    ExpectMessage(kUnreadable);
+    RestoreCommand(nullptr, kPath);
+    setrlimit(RLIMIT_AS, &before);
+}
+
+TEST_F(RestoreTest, FullHeapFailsTheJobAndLeavesNoHalfDatabase) {
+    MakeDatabase(u"Long", {{NumberValue(1, CEVT_I4, 1)}, {TextValue(2, std::u16string(400'000, u'x'))}});
+    for (const bool compress : {false, true}) {
+        BackupEngine engine;
+        engine.compress = compress;
+        ASSERT_TRUE(BackUp(engine, kPath, {u"Long"}));
+        std::vector<void*> blocks;
+        for (std::size_t size = 64 << 20; size >= 100'000; size /= 2)
+            while (void* const block = LocalAlloc(LMEM_FIXED, size))
+                blocks.push_back(block);
+        ExpectMessage(
+            u"Couldn't read record in \"Long\" database: Not enough storage is available to process "
+            u"this command");
+        EXPECT_FALSE(BackUp(engine, u"\\second.bkp", {u"Long"}));
+        EXPECT_FALSE(engine.complete);
+        ExpectMessage(compress ? kOutOfMemory : u"Unable to restore \"Long\" database. Not enough memory.");
+        RestoreCommand(nullptr, kPath);
+        EXPECT_EQ(Contents(u"Long"), u"missing");
+        for (void* const block : blocks)
+            LocalFree(block);
+        RestoreCommand(nullptr, kPath);
+        EXPECT_NE(Contents(u"Long"), u"missing");
+    }
 }
 
 TEST_F(RestoreTest, EntryThatLeadsBackwardsEndsTheRestore) {
