@@ -12,6 +12,7 @@ namespace {
 constexpr int kFormatCapacity = 256;
 constexpr DWORD kShowInterval = 60; // milliseconds
 constexpr DWORD kPumpInterval = 20;
+constexpr int kLeastShare = 100; // showing may take this part of the time in any case
 
 bool Hidden() {
     return App().settings && App().settings->noProgress;
@@ -39,6 +40,7 @@ bool ProgressDialog::Create(HWND owner) {
                                         reinterpret_cast<LPARAM>(this));
     if (!window)
         return false;
+    createdAt = std::chrono::steady_clock::now();
     if (!Hidden()) {
         ShowWindow(window, SW_SHOWNORMAL);
         UpdateWindow(window);
@@ -62,11 +64,23 @@ void ProgressDialog::SetText(UINT formatString, int newPosition, const WCHAR* ar
     lineFormat = formatString;
     CopyText(lineArgument, argument);
     lineWaits = true;
-    if (GetTickCount() - shownAt >= kShowInterval)
+    if (IsDue())
+        ShowLine();
+}
+
+// A line is shown at once while that takes little of the time, for nobody knows how long the next step takes.
+bool ProgressDialog::IsDue() const {
+    return GetTickCount() - shownAt >= kShowInterval ||
+           showing * kLeastShare <= std::chrono::steady_clock::now() - createdAt;
+}
+
+void ProgressDialog::ShowWaitingText() {
+    if (lineWaits)
         ShowLine();
 }
 
 void ProgressDialog::ShowLine() {
+    const auto begin = std::chrono::steady_clock::now();
     WCHAR format[kFormatCapacity];
     WCHAR line[kFormatCapacity + MAX_PATH];
     LoadText(lineFormat, format);
@@ -76,6 +90,7 @@ void ProgressDialog::ShowLine() {
     UpdateWindow(window);
     lineWaits = false;
     shownAt = GetTickCount();
+    showing += std::chrono::steady_clock::now() - begin;
 }
 
 void ProgressDialog::Step() {
@@ -104,8 +119,8 @@ void ProgressDialog::DispatchWaiting() {
 bool ProgressDialog::Pump() {
     const DWORD now = GetTickCount();
     if (now - pumpedAt >= kPumpInterval) {
-        if (lineWaits && now - shownAt >= kShowInterval)
-            ShowLine();
+        if (IsDue())
+            ShowWaitingText();
         DispatchWaiting();
         pumpedAt = GetTickCount();
     }

@@ -1,6 +1,8 @@
 // The progress of a long operation, with a Cancel button that asks before it takes effect at the next Pump.
 #pragma once
 
+#include <chrono>
+
 #include "platform/window.h"
 
 class ProgressDialog {
@@ -18,6 +20,8 @@ public:
     // The line becomes the format filled with the argument (a database name, or another text of fewer than
     // MAX_PATH characters), the position and range - 1. Position kNextPosition: one more than before.
     void SetText(UINT formatString, int newPosition, const WCHAR* argument);
+    // Shows a text that still waits for its turn: for before a step that may take long.
+    void ShowWaitingText();
     // Advances the bar by one step.
     void Step();
     // Dispatches every waiting message; false once the user has cancelled or the program is to end.
@@ -39,6 +43,8 @@ private:
     void ShowLine();
     void DispatchWaiting();
 
+    bool IsDue() const;
+
     // Showing every step of a long walk would cost more than the walk itself, so a line waits here until it
     // is due, and messages are looked for as often: many times a second, which the eye and the stylus cannot
     // tell from always.
@@ -47,4 +53,6 @@ private:
     bool lineWaits = false;
     DWORD shownAt = 0; // tick counts
     DWORD pumpedAt = 0;
+    std::chrono::steady_clock::time_point createdAt;
+    std::chrono::steady_clock::duration showing{0}; // spent on it so far
 };

@@ -55,6 +55,7 @@ void Archive::BeginProgressOn(UINT formatString, const CEDBASEINFO& database) {
         return;
     progress->SetRange(database.wNumRecords + 1);
     progress->SetText(formatString, 0, database.szDbaseName);
+    BeforeStep(database.dwSize);
 }
 
 bool Archive::ProgressStep(UINT formatString, const CEDBASEINFO& database) {
@@ -62,6 +63,11 @@ bool Archive::ProgressStep(UINT formatString, const CEDBASEINFO& database) {
         return true;
     progress->SetText(formatString, -1, database.szDbaseName);
     return progress->Pump();
+}
+
+void Archive::BeforeStep(DWORD bytes) {
+    if (progress && bytes >= kLongStep)
+        progress->ShowWaitingText();
 }
 
 void Archive::EndProgress() {

@@ -73,6 +73,10 @@ public:
     void ReportOutOfMemory() const;
     // Makes the progress dialog, or with the settings' noProgress the wait cursor that stands for it.
     void BeginProgress(UINT confirmString, UINT titleString);
+    // Before a step that moves so many bytes: what was last told of the progress is on the screen when that
+    // may take long.
+    void BeforeStep(DWORD bytes);
+    static constexpr DWORD kLongStep = 1 << 20; // from here on
     void EndProgress();
     // The user has cancelled, or the program is to end: no further database is begun.
     bool Stopped() const;

@@ -112,6 +112,7 @@ bool BackupEngine::WriteRecords(DbHandle& database, const DatabaseBlock& block, 
 bool BackupEngine::WriteCurrentRecord(DbHandle& database, RecordBuffer* record, RecordHeader* recordHeader,
                                       std::int64_t* offset) {
     if (database.ReadRecordForStorage(record)) {
+        BeforeStep(record->size);
         const std::int64_t end = WriteRecord(*record, recordHeader, *offset);
         if (end >= 0)
             *offset = end;
@@ -125,6 +126,7 @@ bool BackupEngine::WriteCurrentRecord(DbHandle& database, RecordBuffer* record, 
 bool BackupEngine::Finish() {
     if (file == INVALID_HANDLE_VALUE)
         return false;
+    BeforeStep(kLongStep); // all goes to the disk
     const bool written = CutFile() && WriteHeader();
     const bool closed = CloseFile(complete && written);
     codec.reset();

@@ -209,6 +209,7 @@ bool RestoreEngine::ReadRecord(const WCHAR* target, RecordBuffer* record, Record
 
 // Memory grows with the bytes that arrive, and not with the length that the file declares.
 bool RestoreEngine::ReadData(const WCHAR* target, DWORD length, RecordBuffer* read) {
+    BeforeStep(length);
     constexpr DWORD kFirstPiece = 64 * 1024;
     DWORD done = 0;
     do {

@@ -7,6 +7,7 @@
 #include "backup/compressor.h"
 #include "backup/restore.h"
 #include "platform/datetime.h"
+#include "resources/resource.h"
 #include "tests/backup/backupfixture.h"
 
 namespace {
@@ -163,6 +164,18 @@ TEST_F(ArchiveTest, StoreThatFailsInTheMiddleFailsTheEntry) {
         EXPECT_FALSE(RunAutobackup(nullptr));
         EXPECT_FALSE(FileExists(kPath));
     }
+}
+
+TEST_F(ArchiveTest, ProgressIsOnTheScreenBeforeALargeRecord) {
+    MakeDatabase(u"Large", {{}, {TextValue(1, std::u16string(1 << 20, u'x'))}});
+    settings.noProgress = 0;
+    PlainEngine engine;
+    ASSERT_TRUE(engine.BeginBackup(nullptr, false, kPath));
+    EXPECT_TRUE(engine.WriteDatabase(u"Large"));
+    WCHAR line[MAX_PATH];
+    GetDlgItemTextW(engine.progress->window, IDC_PROGRESS_TEXT, line, MAX_PATH);
+    EXPECT_EQ(std::u16string(line), u"Storing Database \"Large\"\nRecord 2 of 2");
+    EXPECT_TRUE(engine.Finish());
 }
 
 TEST_F(ArchiveTest, StopsBeforeFourGibibytes) {
