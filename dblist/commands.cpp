@@ -58,7 +58,7 @@ void ChangeOptions(HWND mainWindow) {
     if (!ShowOptionsDialog(mainWindow))
         return;
     ApplyListOptions();
-    RebuildDatabaseList();
+    SaveSelectionAndRebuild(); // what is selected now, not what was at the last refresh
 }
 
 void BackUpDatabases(HWND mainWindow) {
