@@ -43,7 +43,14 @@ HANDLE DbHandle::Create(const WCHAR* databaseName, const CEDBASEINFO& info) {
         Report(IDS_COULD_NOT_CREATE, databaseName);
         return INVALID_HANDLE_VALUE;
     }
-    return Opened(CeOpenDatabase(&oid, nullptr, 0, 0, nullptr), databaseName);
+    const CEOID made = oid;
+    const HANDLE opened = CeOpenDatabase(&oid, nullptr, 0, 0, nullptr);
+    if (opened == INVALID_HANDLE_VALUE) {
+        const DWORD error = GetLastError();
+        CeDeleteDatabase(made); // rather than to leave it empty
+        SetLastError(error);
+    }
+    return Opened(opened, databaseName);
 }
 
 bool DbHandle::Close() {
