@@ -110,6 +110,11 @@ int RunRecordViewer(RecordViewer* viewer, HWND ownerWindow, const WCHAR* databas
     ShowWindow(dialog, SW_SHOWNORMAL);
     UpdateWindow(dialog);
     const int code = RunLoop(*viewer);
+    if (!viewer->quitPosted) {
+        // It was the end of the program, which is for the loop further out.
+        DestroyWindow(dialog);
+        PostQuitMessage(code);
+    }
     EnableWindow(ownerWindow, TRUE);
     SetFocus(ownerWindow);
     ShowWindow(ownerWindow, SW_SHOWNORMAL);

@@ -1,8 +1,11 @@
 // What the main window keeps over its dialogs.
+#include "app/application.h"
+#include "app/mainwindow.h"
 #include "platform/controls.h"
 #include "resources/resource.h"
 #include "tests/support/sampledatabases.h"
 #include "tests/support/usersession.h"
+#include "viewer/recordviewer.h"
 
 namespace {
 
@@ -27,4 +30,20 @@ TEST_F(MainWindowTest, OptionsKeepTheSelection) {
         EXPECT_EQ(SendMessageW(list, LVM_GETSELECTEDCOUNT, 0, 0), 1);
     });
     RunProgram();
+}
+
+TEST_F(MainWindowTest, EndOfTheProgramGetsThroughAViewer) {
+    MakeDatabase(u"A", {{TextValue(1, u"text")}});
+    RunProgram(); // registers the window's class
+    App() = Application();
+    ASSERT_TRUE(CreateMainWindow());
+    RecordViewer viewer;
+    PostQuitMessage(0);
+    RunRecordViewer(&viewer, App().mainWindow, u"A");
+    EXPECT_FALSE(IsWindow(viewer.dialog));
+    MSG message;
+    EXPECT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+    DestroyWindow(App().mainWindow);
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+    }
 }
