@@ -330,7 +330,7 @@ TEST_F(BackupSession, EndOfTheProgramEndsALongCommand) {
     MakeSample();
     MakeSample(u"Other");
     WriteBytes(u"\\two.bkp", ArchiveOf(u"XY"));
-    RegisterMainWindowClass();
+    RunProgram(); // registers the window's class
     for (const int job : {0, 1, 2, 3}) {
         const bool destroy = job & 1;
         SCOPED_TRACE(job);
