@@ -73,8 +73,8 @@ public:
     void ReportOutOfMemory() const;
     // Makes the progress dialog, or with the settings' noProgress the wait cursor that stands for it.
     void BeginProgress(UINT confirmString, UINT titleString);
-    // Before a step that moves so many bytes: what was last told of the progress is on the screen when that
-    // may take long.
+    // Called before a step that moves so many bytes. When that may take long, what the progress was last told
+    // is brought to the screen first.
     void BeforeStep(DWORD bytes);
     static constexpr DWORD kLongStep = 1 << 20; // from here on
     void EndProgress();

@@ -9,8 +9,8 @@
 
 namespace {
 
-// Every code but a reset makes at least one byte, so that a block that any writer makes takes 162 bytes. This
-// leaves room for resets, and none for what a damaged length would have us read.
+// A block of 144 bytes takes at most as many codes of 9 bits, which are 162 bytes, and resets. This leaves
+// room for many of those, and none for what a damaged length would have us read.
 constexpr DWORD kMaxBlockStream = 4096;
 
 } // namespace

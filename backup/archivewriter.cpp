@@ -66,6 +66,7 @@ std::int64_t ArchiveWriter::WriteDatabaseBlock(const DatabaseBlock& block, std::
         length = codec->OutputLength();
     }
     // To the file at once: when there is no room for the records, the block should be there all the same.
+    entriesEnd = entryOffset;
     if (!Write(offset, data, length) || !Flush())
         return -1;
     entriesEnd = offset + length;

@@ -8,6 +8,15 @@
 #include "platform/text.h"
 #include "resources/resource.h"
 
+namespace {
+
+// The last error of a read says that the record is damaged, or that it was deleted meanwhile.
+bool IsLeftOut(DWORD error) {
+    return error == ERROR_FILE_CORRUPT || error == ERROR_NO_MORE_ITEMS;
+}
+
+} // namespace
+
 BackupEngine::~BackupEngine() = default;
 
 bool BackupEngine::BeginBackup(HWND ownerWindow, bool showOptions, const WCHAR* path) {
@@ -52,11 +61,12 @@ bool BackupEngine::Append(const WCHAR* name) {
     if (!database.GetInfo(&block.info))
         return false;
     GetLocalTime(&block.backupTime);
+    rewriting = false;
     Walk walk = WriteEntry(database, &block);
     // A reader goes by the block's count alone. When a record could not be read, or another program deleted
     // some meanwhile, the entry is written anew with the count that was found.
     while (walk == Walk::shorter) {
-        const QuietReports quiet(database);
+        rewriting = true;
         walk = WriteEntry(database, &block);
     }
     if (walk == Walk::refused)
@@ -108,10 +118,21 @@ bool BackupEngine::WriteRecords(DbHandle& database, const DatabaseBlock& block, 
     return goesOn && (found || atEnd);
 }
 
-// Leaves out a record that is damaged or that was deleted meanwhile; false on any other failure.
+// What is left out is told once, though the entry may be written again.
+CEOID BackupEngine::ReadCurrentRecord(DbHandle& database, RecordBuffer* record) {
+    if (rewriting) {
+        const QuietReports quiet(database);
+        const CEOID read = database.ReadRecordForStorage(record);
+        if (read || IsLeftOut(GetLastError()))
+            return read;
+    }
+    return database.ReadRecordForStorage(record);
+}
+
+// False on a failure that ends the entry.
 bool BackupEngine::WriteCurrentRecord(DbHandle& database, RecordBuffer* record, RecordHeader* recordHeader,
                                       std::int64_t* offset) {
-    if (database.ReadRecordForStorage(record)) {
+    if (ReadCurrentRecord(database, record)) {
         BeforeStep(record->size);
         const std::int64_t end = WriteRecord(*record, recordHeader, *offset);
         if (end >= 0)
@@ -120,14 +141,15 @@ bool BackupEngine::WriteCurrentRecord(DbHandle& database, RecordBuffer* record, 
     }
     const DWORD error = GetLastError();
     complete = complete && error == ERROR_NO_MORE_ITEMS;
-    return error == ERROR_NO_MORE_ITEMS || error == ERROR_FILE_CORRUPT;
+    return IsLeftOut(error);
 }
 
 bool BackupEngine::Finish() {
     if (file == INVALID_HANDLE_VALUE)
         return false;
     BeforeStep(kLongStep); // all goes to the disk
-    const bool written = CutFile() && WriteHeader();
+    const bool cut = CutFile();
+    const bool written = WriteHeader() && cut;
     const bool closed = CloseFile(complete && written);
     codec.reset();
     EndProgress();

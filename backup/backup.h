@@ -34,8 +34,11 @@ private:
     Walk WriteEntry(DbHandle& database, DatabaseBlock* block);
     bool WriteRecords(DbHandle& database, const DatabaseBlock& block, RecordHeader* recordHeader,
                       std::int64_t* offset);
+    CEOID ReadCurrentRecord(DbHandle& database, RecordBuffer* record);
     bool WriteCurrentRecord(DbHandle& database, RecordBuffer* record, RecordHeader* recordHeader,
                             std::int64_t* offset);
+
+    bool rewriting = false; // an entry for which fewer records were found than its block declared
 };
 
 // The "Backup Databases" options; false when the user cancelled. Fills the options of the engine.
