@@ -127,15 +127,6 @@ CommandLine Parse(const WCHAR* line) {
     return parsed;
 }
 
-// The store cannot tell which databases there are, so no name can be given.
-void ReportUnreadableStore(HWND owner) {
-    const DWORD error = GetLastError();
-    WCHAR format[kMessageCapacity];
-    LoadText(IDS_COULD_NOT_OPEN, format);
-    SetLastError(error);
-    DbHandle(owner).ReportError(format, u"*");
-}
-
 // Up to one that the engine refuses. False, with the last error, when the store fails before their end.
 bool AddAllDatabases(HANDLE databases, BackupEngine& engine) {
     while (const CEOID oid = CeFindNextDatabase(databases)) {
@@ -159,7 +150,7 @@ void WriteAllDatabases(BackupEngine& engine, HANDLE databases, const WCHAR* path
         return;
     if (!AddAllDatabases(databases, engine)) {
         engine.complete = false;
-        ReportUnreadableStore(engine.MessageOwner());
+        DbHandle::ReportStoreFailure(engine.MessageOwner());
     }
     engine.Finish();
 }
@@ -174,7 +165,7 @@ void BackUpAllDatabases(const WCHAR* path) {
     // Before an archive is touched, for the sake of the one that may be there.
     const HANDLE databases = CeFindFirstDatabase(0);
     if (databases == INVALID_HANDLE_VALUE) {
-        ReportUnreadableStore(nullptr);
+        DbHandle::ReportStoreFailure(nullptr);
         return;
     }
     WriteAllDatabases(*engine, databases, path);

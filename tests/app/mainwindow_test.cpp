@@ -1,6 +1,6 @@
 // What the main window keeps over its dialogs.
 #include "app/application.h"
-#include "app/mainwindow.h"
+#include "app/start/mainwindow.h"
 #include "platform/controls.h"
 #include "resources/resource.h"
 #include "tests/support/sampledatabases.h"

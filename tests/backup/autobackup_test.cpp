@@ -1,4 +1,5 @@
 // Autobackup scripts, written and replayed, against bytes written down by hand.
+#include "platform/files.h"
 #include "platform/text.h"
 #include "tests/backup/backupfixture.h"
 
@@ -109,6 +110,40 @@ TEST_F(AutobackupTest, ArchiveThatIsThereStaysUnlessAUserSaysNo) {
     ExpectMessage(overwrite, IDNO);
     EXPECT_FALSE(RunAutobackup(nullptr));
     EXPECT_FALSE(FileExists(kArchive));
+}
+
+// Whatever a job comes to, the archive and the script that were there can still be had.
+TEST_F(AutobackupTest, OlderFilesStayWhenAJobFails) {
+    const std::u16string kept = std::u16string(kArchive) + u"~";
+    const std::u16string keptScript = std::u16string(kScript) + u"~";
+    BackupEngine first;
+    first.generateScript = true;
+    ASSERT_TRUE(BackUp(first, kArchive, {u"Ab"}));
+    const Bytes older = FileBytes(kArchive);
+    const Bytes olderScript = FileBytes(kScript);
+
+    MakeSample(u"Other");
+    BackupEngine second;
+    second.generateScript = true;
+    ExpectMessage(u"Couldn't open \"Missing\" database: The system cannot find the file specified");
+    EXPECT_FALSE(BackUp(second, kArchive, {u"Other", u"Missing"}));
+    EXPECT_EQ(NumberAt(FileBytes(kArchive), 8), 1u); // as far as it got
+    EXPECT_EQ(FileBytes(kept.c_str()), older);
+    EXPECT_EQ(FileBytes(keptScript.c_str()), olderScript);
+
+    WriteBytes(kArchive, older);
+    WriteBytes(kScript, olderScript);
+    DeleteFileW(kept.c_str());
+    DeleteFileW(keptScript.c_str());
+    BackupEngine third;
+    third.generateScript = true;
+    ASSERT_TRUE(BackUp(third, kArchive, {u"Ab"}));
+    EXPECT_FALSE(FileExists(kept.c_str()) || FileExists(keptScript.c_str()));
+    DeleteAllBut(u"");
+    ExpectMessage(u"Couldn't open \"Ab\" database: The system cannot find the file specified");
+    EXPECT_FALSE(RunAutobackup(nullptr));
+    EXPECT_FALSE(FileExists(kArchive));
+    EXPECT_TRUE(FileExists(kept.c_str()));
 }
 
 TEST_F(AutobackupTest, TroubleWithTheScriptDoesNotStopTheBackup) {

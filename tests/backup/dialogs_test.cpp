@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "app/application.h"
-#include "app/mainwindow.h"
+#include "app/start/mainwindow.h"
 #include "app/uiservices.h"
 #include "backup/backup.h"
 #include "backup/restore.h"

@@ -1,38 +1,9 @@
 // Calls of the object store and the registry without memory.
-#include <cstdlib>
 #include <functional>
-#include <new>
 
 #include "platform/registry.h"
 #include "tests/storage/storesupport.h"
-
-namespace {
-
-int allocationsLeft = -1; // until one fails; negative: none fails
-
-struct Failing {
-    explicit Failing(int allocations) { allocationsLeft = allocations; }
-    Failing(const Failing&) = delete;
-    Failing& operator=(const Failing&) = delete;
-    ~Failing() { allocationsLeft = -1; }
-};
-
-} // namespace
-
-void* operator new(std::size_t bytes) {
-    if (allocationsLeft == 0)
-        throw std::bad_alloc();
-    allocationsLeft -= allocationsLeft > 0 ? 1 : 0;
-    if (void* made = std::malloc(bytes == 0 ? 1 : bytes))
-        return made;
-    throw std::bad_alloc();
-}
-void operator delete(void* block) noexcept {
-    std::free(block);
-}
-void operator delete(void* block, std::size_t) noexcept {
-    std::free(block);
-}
+#include "tests/support/scarcememory.h"
 
 namespace {
 
@@ -44,7 +15,7 @@ void ExpectSurvival(const char* what, const std::function<bool()>& call) {
         SetLastError(ERROR_SUCCESS);
         bool done;
         {
-            const Failing failing(allocations);
+            const ScarceMemory scarce(allocations, true);
             done = call();
         }
         if (done) {

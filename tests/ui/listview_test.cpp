@@ -7,18 +7,16 @@
 #include <cstdlib>
 #include <ctime>
 #include <functional>
-#include <new>
 
 #include "platform/errors.h"
 #include "platform/ui/menubarwidget.h"
 #include "resources/resource.h"
+#include "tests/support/scarcememory.h"
 #include "tests/ui/windowfixture.h"
 
 namespace {
 
 constexpr UINT kList = 10001;
-
-int allocationsLeft = -1; // before one fails; negative: all succeed
 
 struct Change {
     int row;
@@ -508,9 +506,10 @@ TEST_F(ListTest, NoMemoryForARowIsAFailedInsertion) {
     int failures = 0;
     for (; row == -1; ++failures) {
         SetLastError(0);
-        allocationsLeft = failures;
-        row = Send(list, LVM_INSERTITEMW, 0, &item);
-        allocationsLeft = -1;
+        {
+            const ScarceMemory scarce(failures);
+            row = Send(list, LVM_INSERTITEMW, 0, &item);
+        }
         EXPECT_EQ(Send(list, LVM_GETITEMCOUNT), row == -1 ? 16 : 17);
         EXPECT_EQ(GetLastError(), row == -1 ? ERROR_NOT_ENOUGH_MEMORY : 0);
         EXPECT_EQ(RowOf(list, 1016), row);
@@ -520,10 +519,11 @@ TEST_F(ListTest, NoMemoryForARowIsAFailedInsertion) {
     EXPECT_EQ(TextAt(list, 16), u"row 16");
     EXPECT_EQ(RowOf(list, 1015), 15);
 
-    allocationsLeft = 0;
-    EXPECT_EQ(CreateWindowExW(0, u"STATIC", u"", WS_CHILD, 0, 0, 9, 9, main, nullptr, nullptr, nullptr),
-              nullptr);
-    allocationsLeft = -1;
+    {
+        const ScarceMemory scarce(0);
+        EXPECT_EQ(CreateWindowExW(0, u"STATIC", u"", WS_CHILD, 0, 0, 9, 9, main, nullptr, nullptr, nullptr),
+                  nullptr);
+    }
     EXPECT_EQ(GetWindow(main, GW_CHILD), list);
 }
 
@@ -551,17 +551,3 @@ TEST_F(ListTest, ManyRowsAreQuick) {
 }
 
 } // namespace
-
-void* operator new(std::size_t size) {
-    if (allocationsLeft >= 0 && allocationsLeft-- == 0)
-        throw std::bad_alloc();
-    if (void* block = std::malloc(std::max<std::size_t>(size, 1)))
-        return block;
-    throw std::bad_alloc();
-}
-void operator delete(void* block) noexcept {
-    std::free(block);
-}
-void operator delete(void* block, std::size_t) noexcept {
-    std::free(block);
-}
