@@ -214,10 +214,12 @@ TEST_F(RestoreTest, FullHeapFailsTheJobAndLeavesNoHalfDatabase) {
         BackupEngine engine;
         engine.compress = compress;
         ASSERT_TRUE(BackUp(engine, kPath, {u"Long"}));
+        void* const spare = LocalAlloc(LMEM_FIXED, 90'000); // enough for what the record compresses to
         std::vector<void*> blocks;
         for (std::size_t size = 64 << 20; size >= 100'000; size /= 2)
             while (void* const block = LocalAlloc(LMEM_FIXED, size))
                 blocks.push_back(block);
+        LocalFree(spare);
         ExpectMessage(
             u"Couldn't read record in \"Long\" database: Not enough storage is available to process "
             u"this command");
