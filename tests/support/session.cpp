@@ -1,5 +1,8 @@
 #include "tests/support/session.h"
 
+#include <filesystem>
+#include <fstream>
+
 #include "app/application.h"
 #include "app/uiservices.h"
 #include "platform/controls.h"
@@ -66,11 +69,15 @@ void Session::TapRow(int listId, const std::u16string& text) {
     Do([&](HWND window) { stylus.TapRow(GetDlgItem(window, listId), text); });
 }
 
+void Session::TapRowTwice(int listId, const std::u16string& text) {
+    Do([&](HWND window) { stylus.TapRowTwice(GetDlgItem(window, listId), text); });
+}
+
 void Session::SelectRow(int listId, const std::u16string& text) {
     const HWND list = Control(listId);
     Press(Qt::Key_Home);
     for (int row = 0; CellText(list, SelectedRow(list), 0) != text; ++row) {
-        ASSERT_LT(row, SendMessageW(list, LVM_GETITEMCOUNT, 0, 0));
+        ASSERT_LT(row, ListView_GetItemCount(list));
         Press(Qt::Key_Down);
     }
 }
@@ -85,6 +92,10 @@ void Session::Choose(const std::u16string& path) {
 
 void Session::ChooseFromPopup(int listId, const std::u16string& rowText, const std::u16string& item) {
     Do([&](HWND window) { stylus.ChooseFromPopup(GetDlgItem(window, listId), rowText, item); });
+}
+
+void Session::ChooseByRightButton(int listId, const std::u16string& rowText, const std::u16string& item) {
+    Do([&](HWND window) { stylus.ChooseByRightButton(GetDlgItem(window, listId), rowText, item); });
 }
 
 void Session::CloseEverything() {
@@ -107,7 +118,7 @@ void Session::RunProgram(const std::function<void()>& steps) {
                           InMainWindow();
                           steps();
                           InMainWindow();
-                          PostMessageW(Window(), WM_CLOSE, 0, 0);
+                          Do([&](HWND) { stylus.CloseDisplay(); });
                       } catch (const WaitedInVain&) {
                           CloseEverything();
                       }
@@ -115,5 +126,29 @@ void Session::RunProgram(const std::function<void()>& steps) {
 }
 
 int Session::SelectedRow(HWND list) {
-    return static_cast<int>(SendMessageW(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
+    return ListView_GetNextItem(list, -1, LVNI_SELECTED);
+}
+
+std::u16string Session::SelectedText(int listId) {
+    const HWND list = Control(listId);
+    return CellText(list, SelectedRow(list), 0);
+}
+
+void Session::CatchHelp() {
+    const std::filesystem::path viewer = device.folder + "/help";
+    std::ofstream(viewer) << "#!/bin/sh\necho \"$1\" >\"$0.new\"\nmv \"$0.new\" \"$0.shown\"\n";
+    std::filesystem::permissions(viewer, std::filesystem::perms::owner_all);
+    // Its name is relative to the program's folder.
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
+    helpViewer = viewer.lexically_relative(program.parent_path()).u16string();
+    App().helpViewer = helpViewer.c_str();
+}
+
+std::string Session::HelpShown() {
+    const std::string shown = device.folder + "/help.shown";
+    WaitFor([&] { return std::filesystem::exists(shown); }, "the help to be shown");
+    std::string text;
+    std::getline(std::ifstream(shown), text);
+    std::filesystem::remove(shown);
+    return text;
 }

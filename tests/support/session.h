@@ -36,12 +36,15 @@ protected:
     // Taps into an edit box, and types over what it holds.
     void TypeInto(int controlId, const std::u16string& text);
     void TapRow(int listId, const std::u16string& text);
+    void TapRowTwice(int listId, const std::u16string& text);
     // Selects the row with that text by the arrow keys; the list has the focus.
     void SelectRow(int listId, const std::u16string& text);
     void TapHeader(int listId, const std::u16string& title);
     // "Tools/Options...", as Stylus::ChooseFromBar has it.
     void Choose(const std::u16string& path);
+    // From the menu that opens where a row is held, or touched with the mouse's other button.
     void ChooseFromPopup(int listId, const std::u16string& rowText, const std::u16string& item);
+    void ChooseByRightButton(int listId, const std::u16string& rowText, const std::u16string& item);
     void WaitFor(const std::function<bool()>& condition, const char* what);
 
     // What opens next, to be said before the step that opens it: a message box with this text, which gets
@@ -51,6 +54,12 @@ protected:
     void PickToOpen(const std::u16string& name) { stylus.ExpectPicker(false, name); }
 
     static int SelectedRow(HWND list);
+    // The text of the selected row's first column.
+    std::u16string SelectedText(int listId);
+
+    // From here on the help viewer writes down what it was to show; the second waits for that.
+    void CatchHelp();
+    std::string HelpShown();
 
     TestDevice device;
     Stylus stylus;
@@ -64,5 +73,6 @@ private:
     void CloseEverything();
 
     UINT currentTemplate = 0;
+    std::u16string helpViewer;
     std::map<const DLGTEMPLATE*, HWND> opened;
 };

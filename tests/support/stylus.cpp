@@ -51,7 +51,36 @@ QPoint OnDisplay(HWND window, const QPoint& clientPoint) {
     return window->widget->mapTo(HandheldDisplay(), clientPoint);
 }
 
+// The column with that title, in the header's coordinates; invalid, and a failed test, for none.
+QRect HeaderSection(HWND list, const std::u16string& title) {
+    const auto* header = dynamic_cast<HeaderView*>(ListView_GetHeader(list)->widget.data());
+    for (int section = 0; header && section < header->count(); ++section)
+        if (header->model()->headerData(section, Qt::Horizontal).toString().toStdU16String() == title)
+            return {header->sectionViewportPosition(section), 0, header->sectionSize(section),
+                    header->height()};
+    ADD_FAILURE() << "no column " << Utf8(title);
+    return {};
+}
+
 } // namespace
+
+HeaderArrow ArrowBeside(HWND list, const std::u16string& title) {
+    constexpr int kArrowWidth = 12; // with its margin; the title begins behind
+    const QRect section = HeaderSection(list, title);
+    const QImage shown = ListView_GetHeader(list)->widget->grab(section).toImage();
+    // An arrow's rows of pixels, from the first on.
+    std::vector<int> widths;
+    for (int y = 1; y < shown.height() - 2; ++y) {
+        int width = 0;
+        for (int x = 1; x < kArrowWidth; ++x)
+            width += shown.pixel(x, y) != shown.pixel(1, 1);
+        if (width > 0)
+            widths.push_back(width);
+    }
+    if (widths.size() < 2 || widths.front() == widths.back())
+        return HeaderArrow::None;
+    return widths.front() < widths.back() ? HeaderArrow::Up : HeaderArrow::Down;
+}
 
 std::u16string TextOf(HWND window) {
     std::u16string text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, u'\0');
@@ -64,20 +93,14 @@ std::u16string TextOf(HWND dialog, int controlId) {
 }
 
 std::u16string CellText(HWND list, int row, int column) {
-    constexpr int kRoom = 1024;
-    WCHAR text[kRoom] = {};
-    LVITEMW item = {};
-    item.iSubItem = column;
-    item.pszText = text;
-    item.cchTextMax = kRoom;
-    SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    WCHAR text[1024];
+    ListView_GetItemText(list, row, column, text);
     return text;
 }
 
 std::vector<std::u16string> ColumnTexts(HWND list, int column) {
     std::vector<std::u16string> texts;
-    const LRESULT count = SendMessageW(list, LVM_GETITEMCOUNT, 0, 0);
-    for (int row = 0; row < count; ++row)
+    for (int row = 0; row < ListView_GetItemCount(list); ++row)
         texts.push_back(CellText(list, row, column));
     return texts;
 }
@@ -159,7 +182,7 @@ void Stylus::Type(const std::u16string& text) {
     }
 }
 
-// On the row's label, once it is in sight.
+// On the row's label, in the list's coordinates, once it is in sight.
 QPoint Stylus::RowPoint(HWND list, const std::u16string& text) {
     const std::vector<std::u16string> rows = ColumnTexts(list, 0);
     const auto found = std::find(rows.begin(), rows.end(), text);
@@ -169,7 +192,7 @@ QPoint Stylus::RowPoint(HWND list, const std::u16string& text) {
         return {};
     }
     const int row = static_cast<int>(found - rows.begin());
-    SendMessageW(list, LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
+    ListView_EnsureVisible(list, row);
     Settle();
     return LayOutCell(*widget, widget->CellRect(row), row, 0).label.center();
 }
@@ -178,16 +201,14 @@ void Stylus::TapRow(HWND list, const std::u16string& text) {
     Tap(list, RowPoint(list, text));
 }
 
+void Stylus::TapRowTwice(HWND list, const std::u16string& text) {
+    TapTwice(list, RowPoint(list, text));
+}
+
 void Stylus::TapHeader(HWND list, const std::u16string& title) {
-    const auto header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
-    auto* widget = dynamic_cast<HeaderView*>(header->widget.data());
-    for (int section = 0; widget && section < widget->count(); ++section) {
-        if (widget->model()->headerData(section, Qt::Horizontal).toString().toStdU16String() == title)
-            return Tap(header,
-                       QPoint(widget->sectionViewportPosition(section) + widget->sectionSize(section) / 2,
-                              widget->height() / 2));
-    }
-    ADD_FAILURE() << "no column " << Utf8(title);
+    const QRect section = HeaderSection(list, title);
+    if (section.isValid())
+        Tap(ListView_GetHeader(list), section.center());
 }
 
 void Stylus::ChooseFromBar(HWND window, const std::u16string& path) {
@@ -200,7 +221,7 @@ void Stylus::ChooseFromBar(HWND window, const std::u16string& path) {
         if (button->accessibleName().toStdU16String() != name)
             continue;
         if (slash != std::u16string::npos)
-            ExpectMenu(path.substr(slash + 1));
+            ExpectMenuFirst(path.substr(slash + 1));
         return Tap(bar, button->geometry().center());
     }
     ADD_FAILURE() << "not in the menu bar: " << Utf8(name);
@@ -208,17 +229,28 @@ void Stylus::ChooseFromBar(HWND window, const std::u16string& path) {
 
 void Stylus::ChooseFromPopup(HWND list, const std::u16string& rowText, const std::u16string& item) {
     const QPoint point = RowPoint(list, rowText);
-    ExpectMenu(item);
+    ExpectMenuFirst(item);
     TapAndHold(list, point);
 }
 
+void Stylus::ChooseByRightButton(HWND list, const std::u16string& rowText, const std::u16string& item) {
+    const QPoint point = RowPoint(list, rowText);
+    ExpectMenuFirst(item);
+    TapRight(list, point);
+}
+
 void Stylus::ChooseFromBar(char16_t mnemonic, const std::u16string& item) {
-    ExpectMenu(item);
+    ExpectMenuFirst(item);
     Key(static_cast<Qt::Key>(mnemonic), Qt::AltModifier);
 }
 
 void Stylus::Resize(int width, int height) {
     HandheldDisplay()->resize(width, height);
+    Settle();
+}
+
+void Stylus::CloseDisplay() {
+    HandheldDisplay()->close();
     Settle();
 }
 
@@ -238,6 +270,11 @@ void Stylus::AllowDialog(int templateId) {
 
 void Stylus::ExpectMenu(const std::u16string& item) {
     expected.push_back({Kind::Menu, item, 0, nullptr});
+}
+
+// For what opens a menu itself: what the item is to open is expected already.
+void Stylus::ExpectMenuFirst(const std::u16string& item) {
+    expected.push_front({Kind::Menu, item, 0, nullptr});
 }
 
 void Stylus::ExpectPicker(bool save, const std::u16string& name) {

@@ -36,6 +36,7 @@ public:
     void Type(const std::u16string& text);
     // The row with that text in its first column; its label is tapped.
     void TapRow(HWND list, const std::u16string& text);
+    void TapRowTwice(HWND list, const std::u16string& text);
     // The column with that title.
     void TapHeader(HWND list, const std::u16string& title);
     // Opens a popup of the window's bar by its mnemonic and chooses from it; `item` as ExpectMenu has it.
@@ -44,7 +45,10 @@ public:
     void ChooseFromBar(HWND window, const std::u16string& path);
     // Holds a row until its menu opens.
     void ChooseFromPopup(HWND list, const std::u16string& rowText, const std::u16string& item);
+    // The same with the mouse's other button.
+    void ChooseByRightButton(HWND list, const std::u16string& rowText, const std::u16string& item);
     void Resize(int width, int height); // the display
+    void CloseDisplay();                // by the host's own means
 
     // ---- expecting, in the order in which things open ----
     // Answered by a tap on that button.
@@ -81,6 +85,7 @@ private:
         std::function<void(HWND)> act;
     };
 
+    void ExpectMenuFirst(const std::u16string& item);
     bool Take(Kind kind, const std::function<bool(const Expected&)>& fits, Expected& taken);
     void BoxOpened(const MessageBoxSeen& box);
     void DialogOpened(const DialogSeen& dialog);
@@ -102,3 +107,6 @@ std::u16string TextOf(HWND window);
 std::u16string TextOf(HWND dialog, int controlId);
 std::u16string CellText(HWND list, int row, int column);
 std::vector<std::u16string> ColumnTexts(HWND list, int column);
+// The sort arrow that the header shows beside a column's title, by what is drawn there.
+enum class HeaderArrow { None, Up, Down };
+HeaderArrow ArrowBeside(HWND list, const std::u16string& title);
