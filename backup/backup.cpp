@@ -114,7 +114,6 @@ bool BackupEngine::WriteRecords(DbHandle& database, const DatabaseBlock& block, 
             atEnd = !found && GetLastError() == ERROR_NO_MORE_ITEMS;
         }
     }
-    LocalFree(record.data);
     return goesOn && (found || atEnd);
 }
 

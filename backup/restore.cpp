@@ -185,8 +185,6 @@ bool RestoreEngine::RestoreRecords(DbHandle& database, const CEDBASEINFO& info, 
         goesOn = ProgressStep(IDS_RESTORING_RECORD, info) && ReadRecord(target, &record, &stored) &&
                  database.WriteRecordFromStorage(0, &record);
     }
-    LocalFree(record.data);
-    LocalFree(stored.data);
     return goesOn;
 }
 

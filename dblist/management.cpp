@@ -20,7 +20,6 @@ void CopyRecords(DbHandle& from, DbHandle& to) {
         if (from.ReadRecord(&record) && !to.WriteRecord(0, record))
             break;
     }
-    LocalFree(record.data);
 }
 
 } // namespace

@@ -6,6 +6,13 @@
 #include "platform/text.h"
 #include "resources/resource.h"
 
+CEPROPVAL* RecordBuffer::Find(CEPROPID identifier) const {
+    for (WORD index = 0; index < propCount; ++index)
+        if (Properties()[index].propid == identifier)
+            return Properties() + index;
+    return nullptr;
+}
+
 DbHandle::DbHandle(HWND owner) : ownerWindow(owner) {}
 
 DbHandle::~DbHandle() {

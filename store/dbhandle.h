@@ -7,14 +7,21 @@
 constexpr int kNameCapacity = 32; // characters of a database name, terminator included
 
 // One record in memory: `propCount` CEPROPVAL entries followed by the strings and blobs that they point into.
-// `data` is a local-heap block that grows as records are read into it; its holder releases it with LocalFree.
+// `data` is a block of the local heap that grows as records are read into it.
 struct RecordBuffer {
+    RecordBuffer() = default;
+    ~RecordBuffer() { LocalFree(data); }
+    RecordBuffer(const RecordBuffer&) = delete;
+    RecordBuffer& operator=(const RecordBuffer&) = delete;
+
     WORD propCount = 0;
-    DWORD reserved = 0; // 0 after every read
-    DWORD size = 0;     // bytes of the record in `data`
-    BYTE* data = nullptr;
+    DWORD reserved = 0;   // 0 after every read
+    DWORD size = 0;       // bytes of the record in `data`
+    BYTE* data = nullptr; // owned
 
     CEPROPVAL* Properties() const { return reinterpret_cast<CEPROPVAL*>(data); }
+    // The property with that identifier; null when the record has none.
+    CEPROPVAL* Find(CEPROPID identifier) const;
 };
 
 // A database of the system's own: its name begins with a backslash.
@@ -104,18 +111,33 @@ private:
     bool walkEnded = false;
 };
 
-// Switches a handle's reports off while it lives: for steps whose failure is no news, such as running off the
-// last record.
-class QuietReports {
+// Switches a handle's reports on or off while it lives.
+class ReportScope {
 public:
-    explicit QuietReports(DbHandle& db) : db(db), before(db.reportErrors) { db.reportErrors = 0; }
-    ~QuietReports() { db.reportErrors = before; }
-    QuietReports(const QuietReports&) = delete;
-    QuietReports& operator=(const QuietReports&) = delete;
+    ReportScope(const ReportScope&) = delete;
+    ReportScope& operator=(const ReportScope&) = delete;
+
+protected:
+    ReportScope(DbHandle& db, BYTE reportErrors) : db(db), before(db.reportErrors) {
+        db.reportErrors = reportErrors;
+    }
+    ~ReportScope() { db.reportErrors = before; }
 
 private:
     DbHandle& db;
-    BYTE before;
+    const BYTE before;
+};
+
+// For steps whose failure is no news, such as running off the last record.
+class QuietReports : public ReportScope {
+public:
+    explicit QuietReports(DbHandle& db) : ReportScope(db, 0) {}
+};
+
+// For the steps of a handle that is kept quiet otherwise.
+class LoudReports : public ReportScope {
+public:
+    explicit LoudReports(DbHandle& db) : ReportScope(db, 1) {}
 };
 
 // A walk over all records, by DbHandle::Walk.

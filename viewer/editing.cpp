@@ -28,12 +28,12 @@ void ReleasePropertyText(const CEPROPVAL& property) {
 CEPROPVAL* RecordViewer::ConfirmedProperty(const CEPROPVAL& property, UINT question) {
     const CEPROPID identifier = property.propid;
     const CEOID owner = recordId;
-    return Confirmed(*this, question) && recordId == owner ? FindProperty(identifier) : nullptr;
+    return Confirmed(*this, question) && recordId == owner ? record.Find(identifier) : nullptr;
 }
 
 // The handle's own words for a failed write would speak of a new record, so it is kept quiet.
 bool RecordViewer::WriteEdited(const CEPROPVAL& stored, CEPROPVAL* value) {
-    RememberForUndo(UndoKind::Changed, stored);
+    undo.Remember(dialog, UndoKind::Changed, stored);
     if (database->WriteProperty(recordId, value) != recordId) {
         ReportAloud(*database, IDS_UNABLE_TO_SAVE_PROPERTY, nullptr);
         return false;
@@ -49,7 +49,7 @@ bool RecordViewer::SaveEditedProperty(WORD index, bool refill, CEPROPID propIdTo
     const CEPROPVAL* stored = record.Properties() + index;
     if (!ParseEditedValue(dialog, *stored, state, &value))
         return false;
-    saving = 1;
+    const OwnWriteScope writing(&ownWrites);
     bool saved = false;
     if (App().settings->showWarning)
         stored = ConfirmedProperty(*stored, IDS_CONFIRM_CHANGE);
@@ -59,7 +59,6 @@ bool RecordViewer::SaveEditedProperty(WORD index, bool refill, CEPROPID propIdTo
             FillPropertyList(propIdToSelect);
     }
     ReleasePropertyText(value);
-    saving = 0;
     return saved;
 }
 
@@ -76,10 +75,11 @@ void RecordViewer::DeletePropertyCommand() {
     if (!property)
         return;
     // Before the write, whose failure is reported in a box that the record may not outlive.
-    RememberForUndo(UndoKind::Deleted, *property);
-    database->reportErrors = 1;
-    database->DeleteProperty(recordId, property);
-    database->reportErrors = 0;
+    undo.Remember(dialog, UndoKind::Deleted, *property);
+    {
+        const LoudReports loud(*database);
+        database->DeleteProperty(recordId, property);
+    }
     FillPropertyList(kSelectNone);
 }
 
@@ -87,10 +87,11 @@ void RecordViewer::DeleteRecordCommand() {
     const CEOID asked = recordId; // the current one may be another when the answer comes
     if (!asked || !Confirmed(*this, IDS_CONFIRM_DELETE_RECORD))
         return;
-    ForgetUndo();
-    database->reportErrors = 1;
-    database->DeleteRecord(asked);
-    database->reportErrors = 0;
+    undo.Forget();
+    {
+        const LoudReports loud(*database);
+        database->DeleteRecord(asked);
+    }
     if (ReloadDatabase(0))
         FillPropertyList(kSelectNone);
 }
@@ -124,16 +125,16 @@ void RecordViewer::AddPropertyCommand() {
     CEPROPVAL property = {};
     if (!RunAddPropertyWizard(dialog, &target, &property, usedIds.get()))
         return;
-    saving = 1;
-    database->reportErrors = 1;
-    recordId = database->WriteProperty(target, &property);
-    database->reportErrors = 0;
+    const OwnWriteScope writing(&ownWrites);
+    {
+        const LoudReports loud(*database);
+        recordId = database->WriteProperty(target, &property);
+    }
     // A new record becomes the current one; a failed write leaves nothing to go to but the start.
     const bool stillOpen = target != 0 || ReloadDatabase(recordId);
     if (stillOpen) {
-        RememberForUndo(UndoKind::Added, property);
+        undo.Remember(dialog, UndoKind::Added, property);
         FillPropertyList(property.propid);
     }
     ReleasePropertyText(property);
-    saving = 0;
 }

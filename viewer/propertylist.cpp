@@ -76,8 +76,7 @@ void RecordViewer::FillPropertyList(CEPROPID propIdToSelect) {
     const HWND list = Control(IDC_VIEWER_LIST);
     const HWND focus = GetFocus();
     HideEditors();
-    LocalFree(record.data);
-    record = {};
+    record.propCount = 0; // also where no database is open to read from
     recordId = database->ReadRecord(&record);
     const DWORD failure = recordId ? ERROR_SUCCESS : GetLastError();
 
@@ -91,7 +90,7 @@ void RecordViewer::FillPropertyList(CEPROPID propIdToSelect) {
     InvalidateRect(list, nullptr, TRUE);
 
     // Selecting raises the notification that shows the value; nothing else here does.
-    const CEPROPVAL* wanted = propIdToSelect == kSelectNone ? nullptr : FindProperty(propIdToSelect);
+    const CEPROPVAL* wanted = propIdToSelect == kSelectNone ? nullptr : record.Find(propIdToSelect);
     int row = wanted ? RowOfIndex(list, wanted - record.Properties()) : -1;
     if (row >= 0) {
         SelectRow(row);
@@ -151,13 +150,6 @@ WORD RecordViewer::SelectedPropertyIndex() const {
 CEPROPVAL* RecordViewer::SelectedProperty() const {
     const WORD index = SelectedPropertyIndex();
     return index == kNoProperty ? nullptr : record.Properties() + index;
-}
-
-CEPROPVAL* RecordViewer::FindProperty(CEPROPID identifier) const {
-    for (WORD index = 0; index < record.propCount; ++index)
-        if (record.Properties()[index].propid == identifier)
-            return record.Properties() + index;
-    return nullptr;
 }
 
 void RecordViewer::OnSelectionChanged() {

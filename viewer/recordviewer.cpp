@@ -122,8 +122,6 @@ int RunRecordViewer(RecordViewer* viewer, HWND ownerWindow, const WCHAR* databas
 }
 
 RecordViewer::~RecordViewer() {
-    ForgetUndo();
-    LocalFree(record.data);
     delete database;
 }
 
@@ -273,10 +271,10 @@ bool RunEditCommand(RecordViewer& viewer, UINT command, HWND focus) {
         viewer.SelectAllText(focus);
         return true;
     case IDM_EDIT_FIND:
-        viewer.FindCommand(nullptr);
+        viewer.FindCommand();
         return true;
     case IDM_EDIT_FIND_NEXT:
-        viewer.FindCommand(viewer.findText);
+        viewer.FindNextCommand();
         return true;
     }
     return false;

@@ -46,7 +46,7 @@ bool RecordViewer::ReadDatabase(CEOID oidToSelect) {
     }
     recordIndex = 0;
     // A record that has been deleted meanwhile leaves the first one current.
-    if (Walk(&DbHandle::SeekFirst, &recordIndex) && oidToSelect &&
+    if (WalkAloud(*database, &DbHandle::SeekFirst, &recordIndex) && oidToSelect &&
         !database->SeekToRecord(oidToSelect, &recordIndex) && GetLastError() != ERROR_NO_MORE_ITEMS)
         ReportAloud(*database, IDS_COULD_NOT_FIND_RECORD, nullptr);
     changePending = 0;
@@ -57,16 +57,9 @@ void RecordViewer::ReloadAndKeepPosition() {
     const CEPROPVAL* selected = SelectedProperty();
     const CEPROPID property = selected ? selected->propid : kSelectNone;
     if (ReloadDatabase(recordId)) {
-        ForgetUndo();
+        undo.Forget();
         FillPropertyList(property);
     }
-}
-
-bool RecordViewer::Walk(DbHandle::SeekOperation seek, DWORD* index) {
-    database->reportErrors = 1;
-    const bool found = database->Walk(seek, index);
-    database->reportErrors = 0;
-    return found;
 }
 
 void RecordViewer::Navigate(UINT command) {
@@ -75,22 +68,22 @@ void RecordViewer::Navigate(UINT command) {
     bool moved = false;
     switch (command) {
     case IDM_RECORD_FIRST:
-        moved = Walk(&DbHandle::SeekFirst, &recordIndex);
+        moved = WalkAloud(*database, &DbHandle::SeekFirst, &recordIndex);
         break;
     case IDM_RECORD_PREVIOUS:
-        moved = Walk(&DbHandle::SeekPrevious, &recordIndex);
+        moved = WalkAloud(*database, &DbHandle::SeekPrevious, &recordIndex);
         break;
     case IDM_RECORD_NEXT:
-        moved = Walk(&DbHandle::SeekNext, &recordIndex);
+        moved = WalkAloud(*database, &DbHandle::SeekNext, &recordIndex);
         break;
     case IDM_RECORD_LAST:
-        moved = Walk(&DbHandle::SeekLast, &recordIndex);
+        moved = WalkAloud(*database, &DbHandle::SeekLast, &recordIndex);
         break;
     }
     // Quirk: a step that leads nowhere leaves the value in its editor, which no longer belongs to a property.
     if (!moved && !saved)
         return;
-    ForgetUndo();
+    undo.Forget();
     FillPropertyList(kSelectNone);
 }
 
@@ -109,29 +102,35 @@ void RecordViewer::FillSortMenu() {
     CheckMenuRadioItem(menu, IDM_SORT_FIRST, IDM_SORT_UNSORTED, IDM_SORT_UNSORTED, MF_BYCOMMAND);
 }
 
+// By record order when the database cannot be opened in the other one.
+bool RecordViewer::ReopenInOrder(int sort) {
+    const LoudReports loud(*database);
+    database->Close();
+    if (HasSort(sort) && OpenInOrder(sort)) {
+        currentSort = sort;
+        return true;
+    }
+    if (!OpenInOrder(kNoSort))
+        return false;
+    currentSort = sort == kUnsorted ? kUnsorted : kNoSort;
+    return true;
+}
+
 // Quirk: what stands in the editor is given up unasked.
 void RecordViewer::SortBy(UINT command) {
     const int sort = static_cast<int>(command) - IDM_SORT_FIRST;
     if (sort == currentSort)
         return;
-    database->Close();
-    database->reportErrors = 1;
-    if (HasSort(sort) && OpenInOrder(sort)) {
-        currentSort = sort;
-    } else {
-        if (!OpenInOrder(kNoSort))
-            return; // the viewer stays without an open database
-        currentSort = sort == kUnsorted ? kUnsorted : kNoSort;
-    }
-    database->reportErrors = 0;
+    if (!ReopenInOrder(sort))
+        return; // the viewer stays without an open database
     recordIndex = 0;
-    Walk(&DbHandle::SeekFirst, &recordIndex);
-    ForgetUndo();
+    WalkAloud(*database, &DbHandle::SeekFirst, &recordIndex);
+    undo.Forget();
     FillPropertyList(kSelectNone);
 }
 
 void RecordViewer::OnStoreChange(CEOID changedDatabase) {
-    if (!database || changedDatabase != database->oid || saving || changePending)
+    if (!database || changedDatabase != database->oid || ownWrites || changePending)
         return;
     changePending = 1;
     if (active)

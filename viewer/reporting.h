@@ -7,7 +7,12 @@
 // Shows a string of the table with the last error's reason; the name null means the handle's own.
 inline void ReportAloud(DbHandle& database, UINT stringId, const WCHAR* name) {
     LoadText(stringId, database.messageText);
-    database.reportErrors = 1;
+    const LoudReports loud(database);
     database.ReportError(database.messageText, name);
-    database.reportErrors = 0;
+}
+
+// A step through the records; false at the end, and on a failure, which has been shown.
+inline bool WalkAloud(DbHandle& database, DbHandle::SeekOperation seek, DWORD* index) {
+    const LoudReports loud(database);
+    return database.Walk(seek, index);
 }

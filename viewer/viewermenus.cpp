@@ -3,7 +3,7 @@
 #include "platform/menu.h"
 #include "platform/shell.h"
 #include "resources/resource.h"
-#include "viewer/clipformat.h"
+#include "viewer/propertyclipboard.h"
 #include "viewer/recordviewer.h"
 
 namespace {
@@ -46,7 +46,7 @@ void UpdateForProperty(const CommandState& state, const RecordViewer& viewer) {
     const bool selected = viewer.SelectedProperty() != nullptr;
     state.Enable(IDM_EDIT_COPY, selected);
     state.Enable(IDM_EDIT_CUT, selected);
-    state.Enable(IDM_EDIT_UNDO, viewer.undo.kind != UndoKind::None && viewer.undo.copy);
+    state.Enable(IDM_EDIT_UNDO, viewer.undo.IsPossible());
     state.Enable(IDM_EDIT_PASTE, ClipboardHolds(viewer.dialog, PropertyClipFormat()));
     state.Enable(IDM_EDIT_SELECT_ALL, false);
 }

@@ -42,9 +42,7 @@ CEOID WriteStored(DbHandle& database, WORD properties, const std::vector<BYTE>& 
     buffer.size = static_cast<DWORD>(bytes.size());
     buffer.data = static_cast<BYTE*>(LocalAlloc(LMEM_FIXED, bytes.size()));
     std::memcpy(buffer.data, bytes.data(), bytes.size());
-    const CEOID record = database.WriteRecordFromStorage(0, &buffer);
-    LocalFree(buffer.data);
-    return record;
+    return database.WriteRecordFromStorage(0, &buffer);
 }
 
 // A text "Hi" (property 1), an empty text (2), a blob of 3 bytes (3) and an empty blob (4).
@@ -84,7 +82,6 @@ TEST_F(DbHandleTest, StorageFormSurvivesTheStoreByteForByte) {
     ASSERT_LE(blob + 3, read.size);
     EXPECT_EQ(std::memcmp(read.data + blob, "\xAA\xBB\xCC", 3), 0);
     EXPECT_EQ(properties[3].val.blob.dwCount, 0u);
-    LocalFree(read.data);
     EXPECT_TRUE(messages.empty());
 }
 
@@ -113,7 +110,6 @@ TEST_F(DbHandleTest, AnAbsentTextOfAnOlderDeviceIsStoredAsAnEmptyOne) {
     EXPECT_NE(database.WriteRecordFromStorage(0, &read), 0u);
     EXPECT_NE(database.ReadRecord(&read), 0u);
     EXPECT_EQ(read.size, size);
-    LocalFree(read.data);
     EXPECT_TRUE(messages.empty());
 }
 
@@ -210,7 +206,6 @@ TEST_F(DbHandleTest, EmptiesFromTheEndAndGrowsItsBuffer) {
         EXPECT_NE(database.ReadRecord(&buffer), 0u);
         sizes.push_back(buffer.Properties()[0].val.blob.dwCount);
     }
-    LocalFree(buffer.data);
     EXPECT_EQ(sizes, (std::vector<DWORD>{10, 3000, 20}));
     EXPECT_TRUE(database.DeleteAllRecords());
     EXPECT_FALSE(WalkToFirst(database, &index));

@@ -90,7 +90,6 @@ std::u16string Contents(const WCHAR* name) {
         }
         contents += u"\n";
     }
-    LocalFree(record.data);
     return contents;
 }
 

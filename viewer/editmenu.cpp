@@ -1,32 +1,20 @@
-// Properties over the clipboard, and the Edit menu's commands inside the editors.
+// The Edit menu's commands but Find: on the text inside of an editor, and on a property elsewhere.
 #include "app/uiservices.h"
 #include "platform/clipboard.h"
-#include "platform/shell.h"
 #include "resources/resource.h"
-#include "viewer/clipformat.h"
+#include "viewer/propertyclipboard.h"
 #include "viewer/recordviewer.h"
+#include "viewer/reporting.h"
 
-UINT PropertyClipFormat() {
-    static const UINT format = RegisterClipboardFormatW(u"NV_DatabasePropFmt");
-    return format;
-}
-
-// The clipboard is left open: the update of the menus that follows every command opens and closes it.
-bool RecordViewer::PutPropertyOnClipboard(const CEPROPVAL& property) {
-    if (!OpenClipboard(dialog))
-        return true;
-    if (!IsKnownType(TypeFromPropID(property.propid)))
-        return false;
-    FlatProperty* block = Flatten(property);
-    if (!block) {
-        SHShowOutOfMemory(dialog, 0);
-        return false;
+void RecordViewer::UndoCommand(HWND focus) {
+    if (IsEditor(focus)) {
+        SendMessageW(focus, WM_UNDO, 0, 0);
+        return;
     }
-    EmptyClipboard();
-    if (SetClipboardData(PropertyClipFormat(), block))
-        return true;
-    LocalFree(block);
-    return false;
+    const OwnWriteScope writing(&ownWrites);
+    CEPROPID propIdToSelect = kSelectNone;
+    if (undo.TakeBack(dialog, *database, recordId, record, &propIdToSelect))
+        FillPropertyList(propIdToSelect);
 }
 
 void RecordViewer::CopyProperty(HWND focus) {
@@ -41,9 +29,9 @@ void RecordViewer::CopyProperty(HWND focus) {
     const CEOID owner = recordId; // the question of the save may outlive the record
     if (IsEdited(editedProperty))
         SaveEditedProperty(editedProperty, true, identifier);
-    property = recordId == owner ? FindProperty(identifier) : nullptr;
+    property = recordId == owner ? record.Find(identifier) : nullptr;
     if (property)
-        PutPropertyOnClipboard(*property);
+        PutPropertyOnClipboard(dialog, *property);
 }
 
 void RecordViewer::CutProperty(HWND focus) {
@@ -55,27 +43,12 @@ void RecordViewer::CutProperty(HWND focus) {
     if (property && App().settings->showWarning)
         property = ConfirmedProperty(*property, IDS_CONFIRM_DELETE_PROPERTY);
     // Quirk: a clipboard that cannot be opened does not keep the property from being deleted.
-    if (!property || !PutPropertyOnClipboard(*property))
+    if (!property || !PutPropertyOnClipboard(dialog, *property))
         return;
     database->DeleteProperty(recordId, property);
-    RememberForUndo(UndoKind::Cut, *property);
+    undo.Remember(dialog, UndoKind::Deleted, *property);
     FillPropertyList(kSelectNone);
 }
-
-namespace {
-
-// A copy of the clipboard's property, null when there is none that fits its block. The block itself may not
-// outlive the questions to come: an update of the menus closes the clipboard.
-FlatProperty* TakeFromClipboard() {
-    const UINT format = PropertyClipFormat();
-    void* block = IsClipboardFormatAvailable(format) ? GetClipboardData(format) : nullptr;
-    CEPROPVAL property;
-    const bool fits = block && Unflatten(static_cast<FlatProperty*>(block),
-                                         static_cast<DWORD>(LocalSize(block)), &property);
-    return fits ? Flatten(property) : nullptr;
-}
-
-} // namespace
 
 void RecordViewer::PasteProperty(HWND focus) {
     if (IsEditor(focus)) {
@@ -84,9 +57,10 @@ void RecordViewer::PasteProperty(HWND focus) {
     }
     if (!OpenClipboard(dialog))
         return;
-    FlatProperty* taken = TakeFromClipboard();
+    // A copy, for an update of the menus closes the clipboard while the question stands open.
+    FlatProperty* taken = CopyPropertyFromClipboard();
     const CEOID target = recordId; // questions may outlive it, and another record is not meant
-    const bool clash = taken && FindProperty(taken->property.propid);
+    const bool clash = taken && record.Find(taken->property.propid);
     if (taken && (!clash || MessageFromString(dialog, IDS_CONFIRM_PASTE_OVER, kQuestionBox) == IDYES))
         WritePasted(target, &taken->property, clash);
     LocalFree(taken);
@@ -94,19 +68,18 @@ void RecordViewer::PasteProperty(HWND focus) {
 }
 
 void RecordViewer::WritePasted(CEOID target, CEPROPVAL* property, bool clash) {
-    saving = 1;
+    const OwnWriteScope writing(&ownWrites);
     if (IsEdited(editedProperty))
         SaveEditedProperty(editedProperty, false);
-    saving = 1; // the save has cleared it
     editedProperty = kNoProperty;
-    database->reportErrors = 1;
-    database->WriteProperty(target, property);
-    database->reportErrors = 0;
+    {
+        const LoudReports loud(*database);
+        database->WriteProperty(target, property);
+    }
     // Quirk: what undo keeps is the pasted value itself, so that undoing a paste over another value changes
     // nothing.
-    RememberForUndo(clash ? UndoKind::Changed : UndoKind::Added, *property);
+    undo.Remember(dialog, clash ? UndoKind::Changed : UndoKind::Added, *property);
     FillPropertyList(property->propid);
-    saving = 0;
 }
 
 void RecordViewer::SelectAllText(HWND focus) {
