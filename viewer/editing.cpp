@@ -43,10 +43,12 @@ bool RecordViewer::WriteEdited(const CEPROPVAL& stored, CEPROPVAL* value) {
     return true;
 }
 
-bool RecordViewer::SaveEditedProperty(WORD index, bool refill, CEPROPID propIdToSelect) {
+bool RecordViewer::SaveEditedProperty(bool refill, CEPROPID propIdToSelect) {
+    if (!IsEdited())
+        return false;
     CEPROPVAL value;
     const EditorState state = {numericModified != 0, textModified != 0};
-    const CEPROPVAL* stored = record.Properties() + index;
+    const CEPROPVAL* stored = record.Properties() + editedProperty;
     if (!ParseEditedValue(dialog, *stored, state, &value))
         return false;
     const OwnWriteScope writing(&ownWrites);
@@ -69,7 +71,7 @@ void RecordViewer::DeletePropertyCommand() {
     }
     const HWND list = Control(IDC_VIEWER_LIST);
     CEPROPVAL* property = SelectedProperty();
-    if (SendMessageW(list, LVM_GETSELECTEDCOUNT, 0, 0) != 1 || !property)
+    if (ListView_GetSelectedCount(list) != 1 || !property)
         return;
     property = ConfirmedProperty(*property, IDS_CONFIRM_DELETE_PROPERTY);
     if (!property)
@@ -114,8 +116,7 @@ IdList IdsOf(const RecordBuffer& record) {
 } // namespace
 
 void RecordViewer::AddPropertyCommand() {
-    if (IsEdited(editedProperty))
-        SaveEditedProperty(editedProperty, true);
+    SaveEditedProperty(true);
     const IdList usedIds = IdsOf(record);
     if (!usedIds) {
         SHShowOutOfMemory(dialog, 0);

@@ -27,8 +27,7 @@ void RecordViewer::CopyProperty(HWND focus) {
         return;
     const CEPROPID identifier = property->propid;
     const CEOID owner = recordId; // the question of the save may outlive the record
-    if (IsEdited(editedProperty))
-        SaveEditedProperty(editedProperty, true, identifier);
+    SaveEditedProperty(true, identifier);
     property = recordId == owner ? record.Find(identifier) : nullptr;
     if (property)
         PutPropertyOnClipboard(dialog, *property);
@@ -69,8 +68,7 @@ void RecordViewer::PasteProperty(HWND focus) {
 
 void RecordViewer::WritePasted(CEOID target, CEPROPVAL* property, bool clash) {
     const OwnWriteScope writing(&ownWrites);
-    if (IsEdited(editedProperty))
-        SaveEditedProperty(editedProperty, false);
+    SaveEditedProperty(false);
     editedProperty = kNoProperty;
     {
         const LoudReports loud(*database);

@@ -24,19 +24,14 @@ bool RecordViewer::AskFindOptions() {
 }
 
 void RecordViewer::FindCommand() {
-    SaveBeforeFind();
+    SaveEditedProperty(true);
     if (AskFindOptions())
         Search();
 }
 
 void RecordViewer::FindNextCommand() {
-    SaveBeforeFind();
+    SaveEditedProperty(true);
     Search();
-}
-
-void RecordViewer::SaveBeforeFind() {
-    if (IsEdited(editedProperty))
-        SaveEditedProperty(editedProperty, true);
 }
 
 void RecordViewer::Search() {

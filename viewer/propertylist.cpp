@@ -1,4 +1,6 @@
 // The list of the current record's properties.
+#include <algorithm>
+
 #include "app/uiservices.h"
 #include "lists/listsort.h"
 #include "platform/errors.h"
@@ -14,14 +16,7 @@ enum PropertyColumn { kTypeColumn, kSizeColumn, kIdColumn };
 constexpr int kPositionCapacity = 64;
 
 int SelectedRow(HWND list) {
-    return static_cast<int>(SendMessageW(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
-}
-
-void SetSubItemText(HWND list, int row, int column, WCHAR* text) {
-    LVITEMW item = {};
-    item.iSubItem = column;
-    item.pszText = text;
-    SendMessageW(list, LVM_SETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
+    return ListView_GetNextItem(list, -1, LVNI_SELECTED);
 }
 
 void InsertPropertyRow(HWND list, int row, const CEPROPVAL& property, const WCHAR* typeName, WORD index) {
@@ -30,12 +25,12 @@ void InsertPropertyRow(HWND list, int row, const CEPROPVAL& property, const WCHA
     item.iItem = row;
     item.lParam = index;
     item.pszText = const_cast<WCHAR*>(typeName);
-    SendMessageW(list, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    ListView_InsertItem(list, item);
     WCHAR text[kLabelCapacity];
     TypeSizeText(property, text);
-    SetSubItemText(list, row, kSizeColumn, text);
+    ListView_SetItemText(list, row, kSizeColumn, text);
     wsprintfW(text, u"%u", HIWORD(property.propid));
-    SetSubItemText(list, row, kIdColumn, text);
+    ListView_SetItemText(list, row, kIdColumn, text);
 }
 
 void SortProperties(HWND list) {
@@ -48,14 +43,38 @@ int RowOfIndex(HWND list, LPARAM index) {
     LVFINDINFOW find = {};
     find.flags = LVFI_PARAM;
     find.lParam = index;
-    return static_cast<int>(
-        SendMessageW(list, LVM_FINDITEMW, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&find)));
+    return ListView_FindItem(list, find);
 }
 
 } // namespace
 
+void RecordViewer::SelectRow(int row) {
+    constexpr UINT kState = LVIS_SELECTED | LVIS_FOCUSED;
+    ListView_SetItemState(Control(IDC_VIEWER_LIST), row, kState, kState);
+}
+
+void RecordViewer::FillPropertyList(CEPROPID propIdToSelect) {
+    const HWND focus = GetFocus();
+    HideEditors();
+    record.propCount = 0; // also where no database is open to read from
+    recordId = database->ReadRecord(&record);
+    const DWORD failure = recordId ? ERROR_SUCCESS : GetLastError();
+    const int selectedBefore = SelectedRow(Control(IDC_VIEWER_LIST));
+    InsertPropertyRows();
+    const int row = SelectAndSort(propIdToSelect, selectedBefore);
+    if (record.propCount == 0 || row < 0)
+        OnSelectionChanged();
+    ReturnFocus(focus);
+    ShowPosition();
+    ReportUnreadable(failure);
+}
+
 void RecordViewer::InsertPropertyRows() {
     const HWND list = Control(IDC_VIEWER_LIST);
+    SendMessageW(list, WM_SETREDRAW, FALSE, 0);
+    ListView_DeleteAllItems(list);
+    editedProperty = kNoProperty;
+    shownType = kNoType;
     int row = 0;
     for (WORD index = 0; index < record.propCount; ++index) {
         const CEPROPVAL& property = record.Properties()[index];
@@ -63,33 +82,13 @@ void RecordViewer::InsertPropertyRows() {
         if (const WCHAR* typeName = TypeListName(TypeFromPropID(property.propid)))
             InsertPropertyRow(list, row++, property, typeName, index);
     }
-}
-
-void RecordViewer::SelectRow(int row) {
-    LVITEMW item = {};
-    item.state = LVIS_SELECTED | LVIS_FOCUSED;
-    item.stateMask = item.state;
-    SendDlgItemMessageW(dialog, IDC_VIEWER_LIST, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
-}
-
-void RecordViewer::FillPropertyList(CEPROPID propIdToSelect) {
-    const HWND list = Control(IDC_VIEWER_LIST);
-    const HWND focus = GetFocus();
-    HideEditors();
-    record.propCount = 0; // also where no database is open to read from
-    recordId = database->ReadRecord(&record);
-    const DWORD failure = recordId ? ERROR_SUCCESS : GetLastError();
-
-    const int selectedBefore = SelectedRow(list);
-    SendMessageW(list, WM_SETREDRAW, FALSE, 0);
-    SendMessageW(list, LVM_DELETEALLITEMS, 0, 0);
-    editedProperty = kNoProperty;
-    shownType = kNoType;
-    InsertPropertyRows();
     SendMessageW(list, WM_SETREDRAW, TRUE, 0);
     InvalidateRect(list, nullptr, TRUE);
+}
 
-    // Selecting raises the notification that shows the value; nothing else here does.
+// Selecting raises the notification that shows the value; nothing else here does. Returns the selected row.
+int RecordViewer::SelectAndSort(CEPROPID propIdToSelect, int selectedBefore) {
+    const HWND list = Control(IDC_VIEWER_LIST);
     const CEPROPVAL* wanted = propIdToSelect == kSelectNone ? nullptr : record.Find(propIdToSelect);
     int row = wanted ? RowOfIndex(list, wanted - record.Properties()) : -1;
     if (row >= 0) {
@@ -98,18 +97,12 @@ void RecordViewer::FillPropertyList(CEPROPID propIdToSelect) {
         row = SelectedRow(list);
     } else {
         SortProperties(list);
-        const int count = static_cast<int>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0));
-        row = selectedBefore < 0 ? 0 : selectedBefore;
-        row = row < count ? row : count - 1;
+        row = std::min(std::max(selectedBefore, 0), ListView_GetItemCount(list) - 1);
         SelectRow(row);
     }
-    SendMessageW(list, LVM_ENSUREVISIBLE, row, FALSE);
+    ListView_EnsureVisible(list, row);
     UpdateWindow(list);
-    if (record.propCount == 0 || row < 0)
-        OnSelectionChanged();
-    ReturnFocus(focus);
-    ShowPosition();
-    ReportUnreadable(failure);
+    return row;
 }
 
 // A record that is gone, or a database that is closed, is no news; any other reason for an empty list is.
@@ -142,7 +135,7 @@ WORD RecordViewer::SelectedPropertyIndex() const {
     LVITEMW item = {};
     item.mask = LVIF_PARAM;
     item.iItem = SelectedRow(list);
-    if (item.iItem < 0 || !SendMessageW(list, LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)))
+    if (item.iItem < 0 || !ListView_GetItem(list, &item))
         return kNoProperty;
     return item.lParam < record.propCount ? static_cast<WORD>(item.lParam) : kNoProperty;
 }
@@ -161,15 +154,13 @@ void RecordViewer::OnSelectionChanged() {
     // Quirk: the Delete button stays disabled when the edited property was only deselected meanwhile.
     if (index == editedProperty)
         return;
-    if (IsEdited(editedProperty)) {
-        // The new value may move its row, so the list is to find the tapped property by its identifier.
-        SaveEditedProperty(editedProperty, true, record.Properties()[index].propid);
-        // A list that was filled anew, written or not, has shown its selection already; the record may even
-        // be gone.
-        index = SelectedPropertyIndex();
-        if (index == kNoProperty || index == editedProperty)
-            return;
-    }
+    // The new value may move its row, so the list is to find the tapped property by its identifier.
+    SaveEditedProperty(true, record.Properties()[index].propid);
+    // A list that was filled anew, written or not, has shown its selection already; the record may even be
+    // gone.
+    index = SelectedPropertyIndex();
+    if (index == kNoProperty || index == editedProperty)
+        return;
     ShowValue(record.Properties()[index]);
     EnableWindow(Control(IDC_VIEWER_DELETE), TRUE);
     editedProperty = index;

@@ -211,11 +211,10 @@ void RecordViewer::InitList() {
         item.cx = (client.right - GetSystemMetrics(SM_CXVSCROLL) - 1) / kColumns;
         item.pszText = title;
         item.iSubItem = column;
-        SendMessageW(list, LVM_INSERTCOLUMNW, column, reinterpret_cast<LPARAM>(&item));
+        ListView_InsertColumn(list, column, item);
     }
-    SendMessageW(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_FULLROWSELECT, LVS_EX_FULLROWSELECT);
-    const HWND header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
-    SendMessageW(header, HDM_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(App().headerImages));
+    ListView_SetExtendedListViewStyleEx(list, LVS_EX_FULLROWSELECT, LVS_EX_FULLROWSELECT);
+    Header_SetImageList(ListView_GetHeader(list), App().headerImages);
     MakeHeaderOwnerDrawn(list);
     SetWindowLongPtrW(list, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(PropertyListProcedure));
 }
@@ -293,8 +292,7 @@ bool NoteTyping(RecordViewer& viewer, UINT control, UINT notification) {
 void RecordViewer::RunCommand(UINT command, UINT notification, HWND focus) {
     switch (command) {
     case IDOK:
-        if (IsEdited(editedProperty))
-            SaveEditedProperty(editedProperty, false);
+        SaveEditedProperty(false);
         Close(kViewerOk);
         return;
     case IDCANCEL:

@@ -67,9 +67,9 @@ public:
     bool IsEditor(HWND window) const;
 
     // ---- writing changes back: editing.cpp ----
-    // Writes the value in the editor into a property of the current record; false when nothing was written.
-    // A list that is refilled for it selects as FillPropertyList does.
-    bool SaveEditedProperty(WORD index, bool refill, CEPROPID propIdToSelect = kSelectNone);
+    // Writes the value in the editor into the edited property; false when there is none or nothing was
+    // written. A list that is refilled for it selects as FillPropertyList does.
+    bool SaveEditedProperty(bool refill, CEPROPID propIdToSelect = kSelectNone);
     void DeletePropertyCommand();
     void DeleteRecordCommand();
     void AddPropertyCommand();
@@ -113,7 +113,7 @@ public:
     static constexpr int kUnsorted = 15; // "Unsorted" was chosen from the menu
 
 private:
-    bool IsEdited(WORD index) const { return index != kNoProperty && index < record.propCount; }
+    bool IsEdited() const { return editedProperty < record.propCount; }
     bool HasSort(int sort) const { return sort >= 0 && sort < info.wNumSortOrder; }
 
     // recordviewer.cpp
@@ -127,6 +127,7 @@ private:
     // propertylist.cpp
     void InsertPropertyRows();
     void SelectRow(int row);
+    int SelectAndSort(CEPROPID propIdToSelect, int selectedBefore);
     void ReturnFocus(HWND focus);
     void ReportUnreadable(DWORD failure);
     void ShowPosition();
@@ -141,7 +142,6 @@ private:
     void WritePasted(CEOID target, CEPROPVAL* property, bool clash);
     FindOptions RememberedFindOptions() const;
     bool AskFindOptions();
-    void SaveBeforeFind();
     void Search();
 };
 

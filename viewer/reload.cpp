@@ -63,7 +63,7 @@ void RecordViewer::ReloadAndKeepPosition() {
 }
 
 void RecordViewer::Navigate(UINT command) {
-    const bool saved = IsEdited(editedProperty) && SaveEditedProperty(editedProperty, false);
+    const bool saved = SaveEditedProperty(false);
     editedProperty = kNoProperty;
     bool moved = false;
     switch (command) {
