@@ -56,7 +56,7 @@ void InsertColumns(HWND list) {
         info.cx = ColumnWidth(screenWidth, column);
         info.pszText = title;
         info.iSubItem = column;
-        SendMessageW(list, LVM_INSERTCOLUMNW, column, reinterpret_cast<LPARAM>(&info));
+        ListView_InsertColumn(list, column, info);
     }
     MakeHeaderOwnerDrawn(list);
 }
@@ -77,10 +77,9 @@ bool CreateMenuBar(HWND mainWindow) {
 
 void SetImageLists(HWND list) {
     LoadImageLists();
-    SendMessageW(list, LVM_SETIMAGELIST, LVSIL_NORMAL, reinterpret_cast<LPARAM>(App().largeIcons));
-    SendMessageW(list, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(App().smallIcons));
-    const HWND header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
-    SendMessageW(header, HDM_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(App().headerImages));
+    ListView_SetImageList(list, App().largeIcons, LVSIL_NORMAL);
+    ListView_SetImageList(list, App().smallIcons, LVSIL_SMALL);
+    Header_SetImageList(ListView_GetHeader(list), App().headerImages);
 }
 
 } // namespace
@@ -108,8 +107,8 @@ bool CreateDatabaseList(HWND mainWindow) {
 }
 
 void ApplyListOptions() {
-    SendMessageW(App().listView, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_FULLROWSELECT,
-                 App().settings->fullRow ? LVS_EX_FULLROWSELECT : 0);
+    ListView_SetExtendedListViewStyleEx(App().listView, LVS_EX_FULLROWSELECT,
+                                        App().settings->fullRow ? LVS_EX_FULLROWSELECT : 0);
     if (App().settings->listFont)
         SendMessageW(App().listView, WM_SETFONT, reinterpret_cast<WPARAM>(App().settings->listFont), TRUE);
 }
@@ -134,5 +133,5 @@ void LayOutDatabaseList(HWND mainWindow) {
 
 void SetListColumnWidths(int width) {
     for (int column = 0; column < kDatabaseColumnCount; ++column)
-        SendMessageW(App().listView, LVM_SETCOLUMNWIDTH, column, ColumnWidth(width, column));
+        ListView_SetColumnWidth(App().listView, column, ColumnWidth(width, column));
 }

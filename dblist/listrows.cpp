@@ -29,18 +29,11 @@ RowIcon IconFor(const CEDBASEINFO& info) {
     return kOrdinaryIcon;
 }
 
-void SetSubItemText(int row, int column, const WCHAR* text) {
-    LVITEMW item = {};
-    item.iSubItem = column;
-    item.pszText = const_cast<WCHAR*>(text);
-    SendMessageW(App().listView, LVM_SETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
-}
-
 void SetSizeAndDate(int row, const CEDBASEINFO& info) {
     WCHAR size[kSizeTextCapacity];
     FormatSizeText(info.dwSize, size);
-    SetSubItemText(row, kSizeColumn, size);
-    SetSubItemText(row, kDateColumn, DateTimeText(info.ftLastModified).DateText());
+    ListView_SetItemText(App().listView, row, kSizeColumn, size);
+    ListView_SetItemText(App().listView, row, kDateColumn, DateTimeText(info.ftLastModified).DateText());
 }
 
 void InsertRow(int row, const CEDBASEINFO& info) {
@@ -50,7 +43,7 @@ void InsertRow(int row, const CEDBASEINFO& info) {
     item.iImage = IconFor(info);
     item.lParam = row;
     item.pszText = const_cast<WCHAR*>(info.szDbaseName);
-    SendMessageW(App().listView, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    ListView_InsertItem(App().listView, item);
     SetSizeAndDate(row, info);
 }
 
@@ -84,14 +77,7 @@ DWORD InsertAllRows() {
 }
 
 void SelectRow(int row, UINT state) {
-    LVITEMW item = {};
-    item.state = state;
-    item.stateMask = state;
-    SendMessageW(App().listView, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
-}
-
-void MakeVisible(int row) {
-    SendMessageW(App().listView, LVM_ENSUREVISIBLE, row, FALSE);
+    ListView_SetItemState(App().listView, row, state, state);
 }
 
 // True when the remembered selection selected a row. The byte of no selection is a row's number too, once
@@ -111,7 +97,7 @@ bool RestoreListSelection() {
 
 void SelectAfterRebuild(int selected, int pageBottom) {
     if (RestoreListSelection()) {
-        MakeVisible(pageBottom);
+        ListView_EnsureVisible(App().listView, pageBottom);
         return;
     }
     const int count = DatabaseRowCount();
@@ -119,8 +105,8 @@ void SelectAfterRebuild(int selected, int pageBottom) {
         return;
     const int row = selected < count ? selected : count - 1;
     SelectRow(row, LVIS_SELECTED | LVIS_FOCUSED);
-    MakeVisible(pageBottom);
-    MakeVisible(row);
+    ListView_EnsureVisible(App().listView, pageBottom);
+    ListView_EnsureVisible(App().listView, row);
 }
 
 } // namespace
@@ -134,10 +120,8 @@ void RebuildDatabaseList() {
         const WaitCursor wait;
         SendMessageW(list, WM_SETREDRAW, FALSE, 0);
         const int selected = NextSelectedRow(-1);
-        const int pageBottom = static_cast<int>(SendMessageW(list, LVM_GETTOPINDEX, 0, 0) +
-                                                SendMessageW(list, LVM_GETCOUNTPERPAGE, 0, 0)) -
-                               1;
-        SendMessageW(list, LVM_DELETEALLITEMS, 0, 0);
+        const int pageBottom = ListView_GetTopIndex(list) + ListView_GetCountPerPage(list) - 1;
+        ListView_DeleteAllItems(list);
         failure = InsertAllRows();
         SortDatabaseList();
         SelectAfterRebuild(selected < 0 ? 0 : selected, pageBottom);
@@ -162,7 +146,7 @@ void UpdateSelectedRows() {
         item.mask = LVIF_IMAGE;
         item.iItem = row;
         item.iImage = IconFor(info);
-        SendMessageW(App().listView, LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&item));
+        ListView_SetItem(App().listView, item);
         SetSizeAndDate(row, info);
     }
 }
@@ -172,7 +156,7 @@ void ShowRenamedDatabase(const WCHAR* name, const WCHAR* newName) {
         WCHAR rowName[kNameCapacity];
         DatabaseNameOfRow(row, rowName);
         if (lstrcmpW(rowName, name) == 0)
-            SetSubItemText(row, kNameColumn, newName);
+            ListView_SetItemText(App().listView, row, kNameColumn, newName);
     }
 }
 
@@ -189,28 +173,23 @@ std::unique_ptr<ListedDatabase[]> CopyRows(int* count) {
     std::unique_ptr<ListedDatabase[]> rows(new (std::nothrow) ListedDatabase[*count]);
     for (int row = 0; rows && row < *count; ++row) {
         DatabaseNameOfRow(row, rows[row].name);
-        rows[row].selected = SendMessageW(App().listView, LVM_GETITEMSTATE, row, LVIS_SELECTED) != 0;
+        rows[row].selected = ListView_GetItemState(App().listView, row, LVIS_SELECTED) != 0;
     }
     return rows;
 }
 
 int DatabaseRowCount() {
-    return static_cast<int>(SendMessageW(App().listView, LVM_GETITEMCOUNT, 0, 0));
+    return ListView_GetItemCount(App().listView);
 }
 
 int NextSelectedRow(int after) {
     if (!App().listView)
         return -1; // the window is gone
-    return static_cast<int>(
-        SendMessageW(App().listView, LVM_GETNEXTITEM, static_cast<WPARAM>(after), LVNI_SELECTED));
+    return ListView_GetNextItem(App().listView, after, LVNI_SELECTED);
 }
 
 void DatabaseNameOfRow(int row, WCHAR (&name)[kNameCapacity]) {
-    name[0] = 0;
-    LVITEMW item = {};
-    item.pszText = name;
-    item.cchTextMax = kNameCapacity;
-    SendMessageW(App().listView, LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
+    ListView_GetItemText(App().listView, row, kNameColumn, name);
 }
 
 bool SelectedDatabaseName(WCHAR (&name)[kNameCapacity]) {
@@ -223,7 +202,7 @@ bool SelectedDatabaseName(WCHAR (&name)[kNameCapacity]) {
 }
 
 int SelectedRowCount() {
-    return static_cast<int>(SendMessageW(App().listView, LVM_GETSELECTEDCOUNT, 0, 0));
+    return ListView_GetSelectedCount(App().listView);
 }
 
 void SortDatabaseList() {

@@ -67,7 +67,7 @@ void DrawLabel(const DRAWITEMSTRUCT& item, RECT rect) {
     header.mask = HDI_TEXT | HDI_FORMAT;
     header.pszText = text;
     header.cchTextMax = MAX_PATH;
-    SendMessageW(item.hwndItem, HDM_GETITEMW, item.itemID, reinterpret_cast<LPARAM>(&header));
+    Header_GetItem(item.hwndItem, static_cast<int>(item.itemID), &header);
 
     if (item.itemState & ODS_SELECTED) {
         rect.left += kPressedRight;
@@ -86,14 +86,14 @@ void DrawLabel(const DRAWITEMSTRUCT& item, RECT rect) {
 } // namespace
 
 void MakeHeaderOwnerDrawn(HWND list) {
-    const HWND header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
-    const int count = static_cast<int>(SendMessageW(header, HDM_GETITEMCOUNT, 0, 0));
+    const HWND header = ListView_GetHeader(list);
+    const int count = Header_GetItemCount(header);
     for (int column = 0; column < count; ++column) {
         HDITEMW item = {};
         item.mask = HDI_FORMAT;
-        SendMessageW(header, HDM_GETITEMW, column, reinterpret_cast<LPARAM>(&item));
+        Header_GetItem(header, column, &item);
         item.fmt |= HDF_OWNERDRAW;
-        SendMessageW(header, HDM_SETITEMW, column, reinterpret_cast<LPARAM>(&item));
+        Header_SetItem(header, column, item);
     }
 }
 

@@ -21,17 +21,7 @@ int RowOfParameter(HWND list, LPARAM parameter) {
     LVFINDINFOW find = {};
     find.flags = LVFI_PARAM;
     find.lParam = parameter;
-    return static_cast<int>(
-        SendMessageW(list, LVM_FINDITEMW, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&find)));
-}
-
-void RowText(HWND list, int row, int subItem, WCHAR (&text)[MAX_PATH]) {
-    text[0] = 0;
-    LVITEMW item = {};
-    item.iSubItem = subItem;
-    item.pszText = text;
-    item.cchTextMax = MAX_PATH;
-    SendMessageW(list, LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
+    return ListView_FindItem(list, find);
 }
 
 // Null when there is no dot.
@@ -74,7 +64,7 @@ std::int64_t SizeOfText(WCHAR* text) {
 
 std::optional<FILETIME> ReadModified(HWND list, int row) {
     WCHAR name[MAX_PATH];
-    RowText(list, row, kNameColumn, name);
+    ListView_GetItemText(list, row, kNameColumn, name);
     DbHandle database(nullptr);
     const QuietReports quiet(database);
     CEDBASEINFO info;
@@ -101,8 +91,8 @@ int CompareDates(ListSort& sort, LPARAM firstParameter, int first, LPARAM second
 int CompareTexts(const ListSort& sort, int first, int second) {
     WCHAR firstText[MAX_PATH];
     WCHAR secondText[MAX_PATH];
-    RowText(sort.list, first, sort.subItem, firstText);
-    RowText(sort.list, second, sort.subItem, secondText);
+    ListView_GetItemText(sort.list, first, sort.column, firstText);
+    ListView_GetItemText(sort.list, second, sort.column, secondText);
     switch (sort.key) {
     case kSortByName:
     case kSortByNameToo:
@@ -145,16 +135,15 @@ int ColumnOfSortKey(DWORD key) {
 }
 
 void SortListView(ListSort& sort) {
-    SendMessageW(sort.list, LVM_SORTITEMS, reinterpret_cast<WPARAM>(&sort),
-                 reinterpret_cast<LPARAM>(CompareRows));
-    InvalidateRect(reinterpret_cast<HWND>(SendMessageW(sort.list, LVM_GETHEADER, 0, 0)), nullptr, TRUE);
+    ListView_SortItems(sort.list, CompareRows, reinterpret_cast<LPARAM>(&sort));
+    InvalidateRect(ListView_GetHeader(sort.list), nullptr, TRUE);
 }
 
 ListSort SettingsSort(HWND list) {
     const Settings& settings = *App().settings;
     ListSort sort = {settings.sortAscending != 0, ColumnOfSortKey(settings.sortKey), settings.sortKey, list};
     if (sort.key == kSortByDate) {
-        sort.modifiedCount = SendMessageW(list, LVM_GETITEMCOUNT, 0, 0);
+        sort.modifiedCount = ListView_GetItemCount(list);
         sort.modified.reset(new (std::nothrow) ListSort::Modified[sort.modifiedCount]);
     }
     return sort;

@@ -9,8 +9,8 @@
 // What one sorting works with.
 struct ListSort {
     bool ascending;
-    int subItem;
-    DWORD key; // a SortKey; anything else leaves the rows as they are
+    int column;
+    DWORD key; // a SortKey; any other number leaves the rows as they are
     HWND list;
     // Last-modified times by row parameter, read from the store when first asked for: a comparison sort asks
     // again and again. Without memory for them, or behind the last one, they are read each time.
