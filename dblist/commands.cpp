@@ -10,6 +10,7 @@
 #include "backup/restore.h"
 #include "dblist/databaselist.h"
 #include "dblist/management.h"
+#include "dblist/propertiesdialog.h"
 #include "dblist/viewmodify.h"
 #include "platform/menu.h"
 #include "platform/shell.h"

@@ -13,6 +13,3 @@ bool RenameDatabaseCommand(HWND owner, const WCHAR* name, bool prompt);
 // Renames without asking, as after an edit in place; the list shows the new name at once. False also when the
 // name is not a new one.
 bool RenameDatabaseTo(HWND owner, const WCHAR* name, const WCHAR* newName);
-
-// The properties of the database that is selected in the list.
-void ShowDatabaseProperties(HWND owner);

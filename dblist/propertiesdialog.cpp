@@ -1,8 +1,9 @@
+#include "dblist/propertiesdialog.h"
+
 #include "app/application.h"
 #include "app/dialogframe.h"
 #include "app/uiservices.h"
 #include "dblist/databaselist.h"
-#include "dblist/management.h"
 #include "platform/text.h"
 #include "resources/resource.h"
 #include "store/datetimetext.h"
@@ -60,6 +61,16 @@ void InitProperties(HWND dialog) {
     ShowNumber(dialog, IDC_PROPERTIES_RECORDS, info.wNumRecords);
 }
 
+bool OnPropertiesCommand(HWND dialog, UINT command) {
+    switch (command) {
+    case IDOK:
+    case IDCANCEL:
+        EndDialog(dialog, static_cast<int>(command));
+        return true;
+    }
+    return false;
+}
+
 LONG_PTR PropertiesProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     if (HandleFrameMessage(dialog, message, wParam, lParam, u"tarnwickscope.htm#propdlg"))
         return TRUE;
@@ -68,10 +79,7 @@ LONG_PTR PropertiesProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lP
         InitProperties(dialog);
         return TRUE;
     case WM_COMMAND:
-        if (LOWORD(wParam) != IDOK && LOWORD(wParam) != IDCANCEL)
-            return FALSE;
-        EndDialog(dialog, LOWORD(wParam));
-        return TRUE;
+        return OnPropertiesCommand(dialog, LOWORD(wParam));
     }
     return FALSE;
 }

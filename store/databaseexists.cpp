@@ -19,6 +19,17 @@ void InitDatabaseExists(HWND dialog, const WCHAR* name) {
     SetDlgItemTextW(dialog, IDC_EXISTS_TEXT, text);
 }
 
+bool OnDatabaseExistsCommand(HWND dialog, UINT command) {
+    switch (command) {
+    case IDOK:
+    case IDCANCEL:
+    case IDC_EXISTS_OVERWRITE:
+        EndDialog(dialog, static_cast<int>(command));
+        return true;
+    }
+    return false;
+}
+
 LONG_PTR DatabaseExistsProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     if (HandleFrameMessage(dialog, message, wParam, lParam, nullptr))
         return TRUE;
@@ -27,13 +38,7 @@ LONG_PTR DatabaseExistsProcedure(HWND dialog, UINT message, WPARAM wParam, LPARA
         InitDatabaseExists(dialog, reinterpret_cast<const WCHAR*>(lParam));
         return TRUE;
     case WM_COMMAND:
-        switch (LOWORD(wParam)) {
-        case IDOK:
-        case IDCANCEL:
-        case IDC_EXISTS_OVERWRITE:
-            EndDialog(dialog, LOWORD(wParam));
-            return TRUE;
-        }
+        return OnDatabaseExistsCommand(dialog, LOWORD(wParam));
     }
     return FALSE;
 }

@@ -39,7 +39,7 @@ bool IsTaken(const WCHAR* name) {
     return database.Open(name, 0, 0) != INVALID_HANDLE_VALUE;
 }
 
-void AcceptName(HWND dialog) {
+void AcceptNewName(HWND dialog) {
     WCHAR* name = TheNewName().newName;
     GetDlgItemTextW(dialog, IDC_NEW_NAME_TO, name, kNameCapacity);
     if (!name[0]) {
@@ -55,6 +55,18 @@ void AcceptName(HWND dialog) {
     SendDlgItemMessageW(dialog, IDC_NEW_NAME_TO, EM_SETSEL, 0, -1);
 }
 
+bool OnNewNameCommand(HWND dialog, UINT command) {
+    switch (command) {
+    case IDOK:
+        AcceptNewName(dialog);
+        return true;
+    case IDCANCEL:
+        EndDialog(dialog, IDCANCEL);
+        return true;
+    }
+    return false;
+}
+
 LONG_PTR NewNameProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     if (HandleFrameMessage(dialog, message, wParam, lParam, u"tarnwickscope.htm#namedlg"))
         return TRUE;
@@ -63,14 +75,7 @@ LONG_PTR NewNameProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPara
         InitNewName(dialog);
         return FALSE; // the focus is set
     case WM_COMMAND:
-        switch (LOWORD(wParam)) {
-        case IDOK:
-            AcceptName(dialog);
-            return TRUE;
-        case IDCANCEL:
-            EndDialog(dialog, IDCANCEL);
-            return TRUE;
-        }
+        return OnNewNameCommand(dialog, LOWORD(wParam));
     }
     return FALSE;
 }

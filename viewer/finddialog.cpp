@@ -15,11 +15,24 @@ void InitFind(HWND dialog) {
     CheckDlgButton(dialog, IDC_FIND_NUMERIC, options.searchNumProp != 0);
 }
 
-void StoreFind(HWND dialog) {
+void TakeFindOptions(HWND dialog) {
     FindOptions& options = *DialogState<FindOptions>(dialog);
     GetDlgItemTextW(dialog, IDC_FIND_TEXT, options.text, kFindTextCapacity);
     options.matchCase = IsDlgButtonChecked(dialog, IDC_FIND_MATCH_CASE) == BST_CHECKED;
     options.searchNumProp = IsDlgButtonChecked(dialog, IDC_FIND_NUMERIC) == BST_CHECKED;
+}
+
+bool OnFindCommand(HWND dialog, UINT command) {
+    switch (command) {
+    case IDOK:
+        TakeFindOptions(dialog);
+        EndDialog(dialog, IDOK);
+        return true;
+    case IDCANCEL:
+        EndDialog(dialog, IDCANCEL);
+        return true;
+    }
+    return false;
 }
 
 LONG_PTR FindProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -31,15 +44,7 @@ LONG_PTR FindProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) 
         InitFind(dialog);
         return TRUE;
     case WM_COMMAND:
-        switch (LOWORD(wParam)) {
-        case IDOK:
-            StoreFind(dialog);
-            EndDialog(dialog, IDOK);
-            return TRUE;
-        case IDCANCEL:
-            EndDialog(dialog, IDCANCEL);
-            return TRUE;
-        }
+        return OnFindCommand(dialog, LOWORD(wParam));
     }
     return FALSE;
 }

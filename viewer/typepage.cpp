@@ -88,6 +88,19 @@ void AcceptTypePage(HWND dialog) {
     EndDialog(dialog, IDOK);
 }
 
+bool OnTypePageCommand(HWND dialog, UINT command) {
+    switch (command) {
+    case IDOK:
+    case IDC_WIZARD_NEXT:
+        AcceptTypePage(dialog);
+        return true;
+    case IDCANCEL:
+        EndDialog(dialog, IDCANCEL);
+        return true;
+    }
+    return false;
+}
+
 LONG_PTR TypePageProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     if (HandleFrameMessage(dialog, message, wParam, lParam, u"tarnwickscope.htm#addprop"))
         return TRUE;
@@ -97,15 +110,7 @@ LONG_PTR TypePageProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
         InitTypePage(dialog);
         return TRUE;
     case WM_COMMAND:
-        switch (LOWORD(wParam)) {
-        case IDOK:
-        case IDC_WIZARD_NEXT:
-            AcceptTypePage(dialog);
-            return TRUE;
-        case IDCANCEL:
-            EndDialog(dialog, IDCANCEL);
-            return TRUE;
-        }
+        return OnTypePageCommand(dialog, LOWORD(wParam));
     }
     return FALSE;
 }

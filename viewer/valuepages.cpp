@@ -78,6 +78,23 @@ bool TakeValue(HWND dialog, CEPROPVAL* property) {
     return false;
 }
 
+bool OnValuePageCommand(HWND dialog, UINT command) {
+    switch (command) {
+    case IDOK:
+    case IDC_WIZARD_FINISH:
+        if (TakeValue(dialog, DialogState<AddPropertyWizard>(dialog)->property))
+            EndDialog(dialog, IDOK);
+        return true;
+    case IDC_WIZARD_BACK:
+        EndDialog(dialog, kWizardBack);
+        return true;
+    case IDCANCEL:
+        EndDialog(dialog, IDCANCEL);
+        return true;
+    }
+    return false;
+}
+
 LONG_PTR ValuePageProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     if (HandleFrameMessage(dialog, message, wParam, lParam, u"tarnwickscope.htm#addprop"))
         return TRUE;
@@ -86,19 +103,7 @@ LONG_PTR ValuePageProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPa
         SetDialogState(dialog, lParam);
         return !InitValuePage(dialog);
     case WM_COMMAND:
-        switch (LOWORD(wParam)) {
-        case IDOK:
-        case IDC_WIZARD_FINISH:
-            if (TakeValue(dialog, DialogState<AddPropertyWizard>(dialog)->property))
-                EndDialog(dialog, IDOK);
-            return TRUE;
-        case IDC_WIZARD_BACK:
-            EndDialog(dialog, kWizardBack);
-            return TRUE;
-        case IDCANCEL:
-            EndDialog(dialog, IDCANCEL);
-            return TRUE;
-        }
+        return OnValuePageCommand(dialog, LOWORD(wParam));
     }
     return FALSE;
 }
