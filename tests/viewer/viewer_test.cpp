@@ -32,6 +32,10 @@ constexpr char16_t kIntOutOfRange[] =
     u"Property data is incorrect: enter an integer number between -32768 and 32767.\nThe "
     u"database was not changed.";
 
+constexpr char16_t kPasteOver[] =
+    u"Property with the same ID already exists in this record, do you want to overwrite the "
+    u"existing property?";
+
 using Rows = std::vector<std::u16string>;
 
 class ViewerTest : public Session {
@@ -283,6 +287,24 @@ TEST_F(ViewerTest, ReadsNumbersAndNothingElseIntoAFloat) {
     });
 }
 
+TEST_F(ViewerTest, ChangesTruthValuesAndDates) {
+    MakeDatabase(u"Mixed", {{NumberValue(1, CEVT_BOOL, 1), NumberValue(2, CEVT_FILETIME, 0)}});
+    RunProgram([&] {
+        App().settings->showWarning = 0;
+        View(u"Mixed");
+        SelectType(u"BOOLEAN");
+        EXPECT_EQ(IsDlgButtonChecked(Window(), IDC_VALUE_TRUE), BST_CHECKED);
+        Tap(IDC_VALUE_FALSE);
+        SelectType(u"DATE");
+        EXPECT_EQ(Contents(u"Mixed"), u"1=False 2=1 Jan 1601 00:00\n");
+        Tap(IDC_VALUE_DATE);
+        Press(Qt::Key_Up);
+        SelectType(u"BOOLEAN");
+        EXPECT_EQ(Contents(u"Mixed"), u"1=False 2=2 Jan 1601 00:00\n");
+        CloseViewer();
+    });
+}
+
 TEST_F(ViewerTest, SaysThatMemoryIsShortWhenAddingAProperty) {
     MakeDatabase(u"Full", {{TextValue(1, u"a")}});
     RunProgram([&] {
@@ -342,10 +364,13 @@ TEST_F(ViewerTest, MovesAPropertyToAnotherDatabase) {
         View(u"To");
         Press(Qt::Key_V, Qt::ControlModifier); // the same id under another type is no clash
         EXPECT_EQ(Contents(u"To"), u"1=1 1=moved\n");
-        ExpectMessage(
-            u"Property with the same ID already exists in this record, do you want to overwrite the "
-            u"existing property?",
-            IDYES);
+        ExpectMessage(kOverwrite, IDYES);
+        TypeInto(IDC_VALUE_TEXT, u"own");
+        SelectType(u"LONG");
+        ExpectMessage(kPasteOver, IDNO);
+        Press(Qt::Key_V, Qt::ControlModifier);
+        EXPECT_EQ(Contents(u"To"), u"1=1 1=own\n");
+        ExpectMessage(kPasteOver, IDYES);
         Press(Qt::Key_V, Qt::ControlModifier);
         EXPECT_EQ(Shown(IDC_VALUE_TEXT), u"moved");
         CloseViewer();
