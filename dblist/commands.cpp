@@ -27,8 +27,8 @@ bool OnSelectedDatabase(HWND mainWindow, DatabaseCommand command) {
     return SelectedDatabaseName(name) && command(mainWindow, name);
 }
 
-// The selection is remembered by row numbers, and a database that was renamed or emptied may have its row
-// elsewhere by now: sorted first, the rows keep their selection.
+// The selection is remembered by row numbers, and a renamed or emptied database may belong into another row
+// now. So the rows, which take their selection with them, are sorted first.
 void SaveSelectionAndRebuild() {
     SortDatabaseList();
     SaveListSelection();
@@ -47,7 +47,7 @@ void ChooseView(DWORD style) {
     SortDatabaseList();
 }
 
-// The direction stays; only a tap on the column turns it.
+// Keeps the direction, which only a tap on the column turns.
 void Arrange(DWORD key) {
     if (App().settings->sortKey == key)
         return;
@@ -65,7 +65,7 @@ void ChangeOptions(HWND mainWindow) {
 void BackUpDatabases(HWND mainWindow) {
     const std::unique_ptr<BackupEngine> engine(new (std::nothrow) BackupEngine);
     int count = 0;
-    // What is meant is what was selected before the questions; the list may be read anew while they are open.
+    // The user means what was selected before the questions; the list may be read anew while they are open.
     const std::unique_ptr<ListedDatabase[]> rows = CopyRows(&count);
     if (!engine || !rows) {
         SHShowOutOfMemory(mainWindow, 0);
@@ -82,7 +82,7 @@ void BackUpDatabases(HWND mainWindow) {
     RebuildDatabaseList();
 }
 
-// The picker's proposal replaces the path even when the user turns back.
+// Quirk: the picker puts its proposal in place of the path, also when the user cancels.
 bool PickScript(HWND mainWindow) {
     WCHAR path[MAX_PATH] = {};
     const bool picked = PickFile(mainWindow, path, true, IDS_FILTER_SCRIPT, u"*.abk");

@@ -26,7 +26,7 @@ struct IconStrip {
 };
 
 int ColumnWidth(int width, int column) {
-    // The handheld kept the low 16 bits of this product.
+    // Quirk: only the low 16 bits of the width count, as on the handheld.
     return static_cast<WORD>(width / kPartsOfWidth * kColumnParts[column]);
 }
 

@@ -21,14 +21,14 @@ void ApplyListOptions();
 DWORD CurrentListStyle();
 void SetListStyle(DWORD listStyle);
 
-// Reads all databases from the store anew, sorts and selects as before. What the store cannot tell is
-// missing, and said to be so. Does nothing without a list.
+// Reads all databases from the store anew, sorts and selects as before. A database that the store cannot tell
+// is missing, which is reported. Does nothing without a list.
 void RebuildDatabaseList();
 // Reads icon, size and date of the selected rows' databases anew; the order of the rows stays.
 void UpdateSelectedRows();
 // Sorts by the settings' key and direction, under the wait cursor.
 void SortDatabaseList();
-// A column was tapped: its own key, or the other direction when it is the key already.
+// For a tap on a column: sorts by it, or in the other direction when the list is sorted by it already.
 void SortByColumn(int column);
 // Puts a new name into the row of the old one, so that what is chosen before the list is read anew finds the
 // database. The row stays where it is.

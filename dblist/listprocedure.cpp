@@ -36,7 +36,7 @@ POINT PointOf(LPARAM lParam) {
 LRESULT OnStylusDown(HWND list, WPARAM wParam, LPARAM lParam) {
     const POINT point = PointOf(lParam);
     if (IsTapAndHold(list, point)) {
-        // The list must not wait for a lift that the menu swallows.
+        // The list must not wait for the stylus to be lifted, for the menu gets that message.
         PostMessageW(list, WM_LBUTTONUP, wParam, lParam);
         const LRESULT result = PassOn(list, WM_LBUTTONDOWN, wParam, lParam);
         ShowContextMenu(list, point);
@@ -48,7 +48,7 @@ LRESULT OnStylusDown(HWND list, WPARAM wParam, LPARAM lParam) {
     return result;
 }
 
-// A mouse need not be held still: its other button asks for the menu at once.
+// The mouse's other button asks for the menu at once.
 LRESULT OnRightButtonDown(HWND list, WPARAM wParam, LPARAM lParam) {
     const POINT point = PointOf(lParam);
     const bool held = IsTapAndHold(list, point);

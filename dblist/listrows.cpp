@@ -60,7 +60,7 @@ bool InsertDatabase(CEOID oid, int* row) {
     return true;
 }
 
-// Inserts what the store tells of; returns the first error that keeps any of it back, ERROR_SUCCESS for none.
+// Inserts a row for every database that the store can tell; returns the first error, ERROR_SUCCESS for none.
 DWORD InsertAllRows() {
     const HANDLE databases = CeFindFirstDatabase(0);
     if (databases == INVALID_HANDLE_VALUE)
@@ -80,8 +80,8 @@ void SelectRow(int row, UINT state) {
     ListView_SetItemState(App().listView, row, state, state);
 }
 
-// True when the remembered selection selected a row. The byte of no selection is a row's number too, once
-// there are that many.
+// True when a remembered row was selected. Quirk: the byte for no selection is taken for a row's number when
+// there are that many rows.
 bool RestoreListSelection() {
     const int count = DatabaseRowCount();
     bool any = false;

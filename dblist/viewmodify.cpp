@@ -25,8 +25,7 @@ bool MakeFirstRecord(HWND owner, DbHandle& database, CEDBASEINFO* info) {
     return written != 0 && database.GetInfo(info) && info->wNumRecords != 0;
 }
 
-// False when the user was asked and there is nothing to view. A database that cannot be opened has been
-// reported, and goes on to the viewer.
+// False when the database has no records, also after the user was asked for a first one.
 bool HasRecords(HWND owner, const WCHAR* name) {
     DbHandle database(owner);
     CEDBASEINFO info;

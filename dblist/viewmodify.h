@@ -3,6 +3,6 @@
 
 #include "platform/types.h"
 
-// Opens the one selected database in the viewer and waits for it; an empty one is offered a first record
-// before.
+// Opens the one selected database in the viewer and waits for it. For an empty database it asks first whether
+// to add a record.
 void ViewSelectedDatabase(HWND mainWindow);

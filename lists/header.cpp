@@ -12,14 +12,14 @@ namespace {
 enum ArrowImage { kNoArrow = 0, kArrowDown = 1, kArrowUp = 2 };
 
 constexpr int kImageLeft = 2;    // pixels from the item's left edge
-constexpr int kImageHeight = 10; // that the image is centred by, whatever its real height
+constexpr int kImageHeight = 10; // Quirk: the larger image is centred as if it were as low as the small one
 constexpr int kPressedRight = 1;
 constexpr int kPressedDown = 2;
 constexpr int kEllipsisLength = 3;
 
 ArrowImage ArrowOf(UINT column) {
     const Settings& settings = *App().settings;
-    // Quirk: the second key for names sorts without an arrow.
+    // Quirk: the second key for names sorts without an arrow, as it always has.
     if (settings.sortKey == kSortByNameToo || settings.sortKey > kSortByInteger ||
         static_cast<int>(column) != ColumnOfSortKey(settings.sortKey))
         return kNoArrow;

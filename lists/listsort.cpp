@@ -33,7 +33,7 @@ WCHAR* LastDot(WCHAR* text) {
     return dot;
 }
 
-// Digits up to the first other character, after a sign.
+// The number at the start of a text, which may have a minus sign; 0 when there is none.
 std::int64_t ReadNumber(const WCHAR* text) {
     const bool negative = *text == u'-';
     if (negative)
@@ -49,7 +49,7 @@ int Compare(T first, T second) {
     return first < second ? -1 : first > second;
 }
 
-// What follows the last dot of a name does not count, as if it were a file's extension.
+// Quirk: what follows a name's last dot does not count, as if it were the extension of a file.
 int CompareNames(WCHAR* first, WCHAR* second) {
     for (WCHAR* text : {first, second})
         if (WCHAR* dot = LastDot(text))

@@ -6,14 +6,14 @@
 
 #include "platform/types.h"
 
-// What one sorting works with.
+// How a list is to be sorted, and what that needs meanwhile.
 struct ListSort {
     bool ascending;
     int column;
     DWORD key; // a SortKey; any other number leaves the rows as they are
     HWND list;
-    // Last-modified times by row parameter, read from the store when first asked for: a comparison sort asks
-    // again and again. Without memory for them, or behind the last one, they are read each time.
+    // Last-modified times by row parameter. Each is read from the store when it is first asked for, because a
+    // sort asks for it many times. Without memory for them they are read each time.
     struct Modified {
         bool known = false;
         std::optional<FILETIME> time; // none: the database cannot be opened
@@ -26,7 +26,7 @@ struct ListSort {
 int ColumnOfSortKey(DWORD key);
 // Sorts the list and repaints its header.
 void SortListView(ListSort& sort);
-// A sorting of the list by the settings' key and direction.
+// How the settings want the list sorted.
 ListSort SettingsSort(HWND list);
-// Makes a key the settings' own, or turns the direction when it is already.
+// Makes the settings sort by a key, or turns their direction when they already do.
 void SetSortKey(DWORD key);

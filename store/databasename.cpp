@@ -32,7 +32,7 @@ void InitNewName(HWND dialog) {
     SetFocus(GetDlgItem(dialog, IDC_NEW_NAME_TO));
 }
 
-// A name is taken when a database of that name opens; one that exists but cannot be opened passes as free.
+// Quirk: a database that exists but cannot be opened leaves its name free; the store then refuses it.
 bool IsTaken(const WCHAR* name) {
     DbHandle database(nullptr);
     const QuietReports quiet(database);

@@ -9,8 +9,7 @@ public:
     explicit DateTimeText(const FILETIME& utc);         // converted to local time
     explicit DateTimeText(const SYSTEMTIME& localTime); // local time as it stands
 
-    // The short date; the time with or without seconds. A text that needs more than 15 characters leaves the
-    // buffer as the platform's call left it.
+    // The short date; the time with or without seconds. Empty when the text takes more than 15 characters.
     const WCHAR* DateText();
     const WCHAR* TimeText(bool withSeconds);
 

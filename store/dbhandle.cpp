@@ -72,7 +72,7 @@ bool DbHandle::Close() {
     return closed;
 }
 
-// What every operation on an open database asks first.
+// The first thing that every operation on an open database asks.
 bool DbHandle::IsOpen() const {
     if (handle != INVALID_HANDLE_VALUE)
         return true;
@@ -86,7 +86,7 @@ bool DbHandle::GetInfo(CEDBASEINFO* info) {
         return false;
     CEOIDINFO object = {};
     if (!CeOidGetInfo(oid, &object) || object.wObjType != OBJTYPE_DATABASE) {
-        // Quirk: the text speaks of updating although this is a read; there is no other one.
+        // Quirk: the message speaks of updating although this is a read; the program has no other.
         Report(IDS_COULD_NOT_UPDATE);
         return false;
     }
@@ -97,7 +97,7 @@ bool DbHandle::GetInfo(CEDBASEINFO* info) {
 bool DbHandle::SetInfo(CEOID database, const CEDBASEINFO& info) {
     if (CeSetDatabaseInfo(database, &info))
         return true;
-    // A rename that failed is told of by the name that the database has kept.
+    // A failed rename is reported under the name that the database has kept.
     const DWORD error = GetLastError();
     CEOIDINFO object = {};
     const bool known = CeOidGetInfo(database, &object) && object.wObjType == OBJTYPE_DATABASE;
@@ -199,7 +199,7 @@ bool DbHandle::DeleteAllRecords() {
     CEOID record = 0;
     while (SeekLast(&index, &record) && CeDeleteRecord(handle, record)) {
     }
-    return true; // also when a record would not go: the caller is not to know
+    return true; // Quirk: also when a record cannot be deleted, as emptying has never reported one
 }
 
 bool DbHandle::DeleteDatabase(const WCHAR* databaseName) {

@@ -29,7 +29,7 @@ Digits ExactDigits(double value) {
     return {value < 0, std::string(1, text[0]) + std::string(text + 2, kExactDigits - 1), exponent + 1};
 }
 
-// Half a place goes up, never to the even digit: the handheld rounded the decimal digits.
+// Half of the last digit is rounded up and never to the even digit, for the handheld rounded decimal digits.
 Digits RoundedDigits(double value, int places) {
     Digits number = ExactDigits(value);
     const int wanted = number.point + places;
@@ -74,7 +74,7 @@ std::string FixedForm(const Digits& number) {
 std::string ExponentForm(const Digits& number) {
     std::string text = number.negative ? "-" : "";
     text += number.digits.substr(0, 1) + ".";
-    // Up to the first zero, not merely without the trailing ones.
+    // Quirk: up to the first zero, and not merely without the trailing ones.
     const std::string rest = number.digits.substr(1);
     text += rest.substr(0, rest.find('0'));
     if (text.back() == '.')

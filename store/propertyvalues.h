@@ -21,6 +21,6 @@ void SortMenuLabel(CEPROPID property, WCHAR (&text)[kLabelCapacity]);
 const WCHAR* FormatPropertyText(const CEPROPVAL& property, WCHAR (&buffer)[kValueTextCapacity]);
 
 // The display form of a floating value, rounded to `places` after the point: "12.5", "3.", "0." for zero,
-// "1.234e+014" when the fixed form would take more than twelve characters. A mantissa ends before its first
-// zero digit, a quirk that makes 105 look like 1.0 there.
+// "1.234e+014" when the fixed form would take more than twelve characters. Quirk: the exponent
+// form ends before the first zero digit, so that the digits 105 become 1.0 there.
 void FormatFloatText(double value, int places, WCHAR (&text)[kValueTextCapacity]);

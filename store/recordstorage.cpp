@@ -7,7 +7,7 @@
 
 namespace {
 
-// Where an entry's value holds a pointer: null for types that carry their value inline.
+// What an entry's value points to; types that carry their value inline point to nothing.
 enum class Pointer { None, Text, Blob };
 
 Pointer PointerOf(const CEPROPVAL& property) {
@@ -20,8 +20,8 @@ Pointer PointerOf(const CEPROPVAL& property) {
     return Pointer::None;
 }
 
-// An empty blob points nowhere, which offset 0 says: the entries stand there. For a text that offset is as
-// bad as any other among the entries.
+// The offset of an empty blob. No data can lie there, for a block begins with its entries; a text with this
+// offset is refused as one among the entries.
 constexpr DWORD kNowhere = 0;
 
 bool HoldsAbsentText(const RecordBuffer& buffer) {
@@ -32,8 +32,8 @@ bool HoldsAbsentText(const RecordBuffer& buffer) {
     return false;
 }
 
-// Adds an empty text to the end of the block, for all texts that are absent. 0 with the last error set when
-// memory is short; the block is as it was then.
+// Adds an empty text to the end of the block, which all absent texts are to share, and returns its offset. 0
+// with the last error set when memory is short; the block is then unchanged.
 DWORD AppendEmptyText(RecordBuffer& buffer) {
     const DWORD offset = buffer.size + buffer.size % sizeof(WCHAR);
     const DWORD size = offset + sizeof(WCHAR);
@@ -78,7 +78,7 @@ bool BlobFits(const RecordBuffer& buffer, DWORD offset, DWORD bytes, DWORD entri
     return offset >= entriesEnd && offset <= buffer.size && bytes <= buffer.size - offset;
 }
 
-// False when an entry's data does not lie in the block; the entry is then as it was.
+// False when an entry's data does not lie in the block; the entry is then unchanged.
 bool ToPointer(CEPROPVAL* property, const RecordBuffer& buffer, DWORD entriesEnd) {
     const DWORD base = ArenaAddress(buffer.data);
     CEVALUNION& value = property->val;
@@ -93,7 +93,7 @@ bool ToPointer(CEPROPVAL* property, const RecordBuffer& buffer, DWORD entriesEnd
         return true;
     }
     case Pointer::Blob: {
-        // The offset of a blob without bytes is whatever its writer left there.
+        // A blob without bytes may come with any offset.
         const DWORD offset = value.blob.dwCount == 0 ? kNowhere : value.blob.lpb.Address();
         if (value.blob.dwCount != 0 && !BlobFits(buffer, offset, value.blob.dwCount, entriesEnd))
             return false;
@@ -122,7 +122,7 @@ CEOID DbHandle::ReadRecordForStorage(RecordBuffer* buffer) {
     if (!record || buffer->propCount == 0)
         return record;
     const DWORD base = ArenaAddress(buffer->data);
-    const bool absent = HoldsAbsentText(*buffer); // as records of older devices have them
+    const bool absent = HoldsAbsentText(*buffer); // records of older devices do
     const DWORD emptyText = absent ? AppendEmptyText(*buffer) : 0;
     if (absent && !emptyText) {
         Report(IDS_COULD_NOT_READ_RECORD);

@@ -5,10 +5,10 @@
 
 struct SizeInKilobytes {
     explicit SizeInKilobytes(DWORD bytes) : whole(bytes / 1024), hundredths(bytes % 1024 * 100 / 1024) {}
-    int whole;
+    int whole; // kilobytes
     int hundredths;
 };
 
 constexpr int kSizeTextCapacity = 32;
-// "1.49KB"; a size whose sign bit is set reads as 0.00KB, as the handheld's signed arithmetic has it.
+// "1.49KB". Quirk: a size whose sign bit is set reads as 0.00KB, for the handheld took it for negative.
 void FormatSizeText(DWORD bytes, WCHAR (&text)[kSizeTextCapacity]);

@@ -22,9 +22,9 @@ void ReleasePropertyText(const CEPROPVAL& property) {
         LocalFree(property.val.lpwstr);
 }
 
-// Asks about a property of the current record; null unless the answer is Yes. While the question stands open,
-// another process's change can have the record read anew or another one in its place: then the property must
-// still be there.
+// Asks about a property of the current record; null unless the answer is Yes. While the question is open the
+// viewer may read its record anew, or move to another, because another process has changed the database: the
+// property is looked up again.
 CEPROPVAL* RecordViewer::ConfirmedProperty(const CEPROPVAL& property, UINT question) {
     const CEPROPID identifier = property.propid;
     const CEOID owner = recordId;

@@ -26,7 +26,7 @@ void RecordViewer::CopyProperty(HWND focus) {
     if (!property)
         return;
     const CEPROPID identifier = property->propid;
-    const CEOID owner = recordId; // the question of the save may outlive the record
+    const CEOID owner = recordId; // another record may be current after the question whether to save
     SaveEditedProperty(true, identifier);
     property = recordId == owner ? record.Find(identifier) : nullptr;
     if (property)
@@ -58,7 +58,7 @@ void RecordViewer::PasteProperty(HWND focus) {
         return;
     // A copy, for an update of the menus closes the clipboard while the question stands open.
     FlatProperty* taken = CopyPropertyFromClipboard();
-    const CEOID target = recordId; // questions may outlive it, and another record is not meant
+    const CEOID target = recordId; // another record may be current after the questions
     const bool clash = taken && record.Find(taken->property.propid);
     if (taken && (!clash || MessageFromString(dialog, IDS_CONFIRM_PASTE_OVER, kQuestionBox) == IDYES))
         WritePasted(target, &taken->property, clash);

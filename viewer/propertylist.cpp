@@ -105,7 +105,7 @@ int RecordViewer::SelectAndSort(CEPROPID propIdToSelect, int selectedBefore) {
     return row;
 }
 
-// A record that is gone, or a database that is closed, is no news; any other reason for an empty list is.
+// That a record is gone or a database closed is known; any other reason for an empty list is reported.
 void RecordViewer::ReportUnreadable(DWORD failure) {
     if (failure == ERROR_SUCCESS || failure == ERROR_NO_MORE_ITEMS ||
         database->handle == INVALID_HANDLE_VALUE)
@@ -114,8 +114,8 @@ void RecordViewer::ReportUnreadable(DWORD failure) {
     ReportAloud(*database, IDS_COULD_NOT_READ_RECORD, nullptr);
 }
 
-// To the editor that was hidden with the focus in it, so that one can type from record to record; to the list
-// when another kind of value has taken its place.
+// Gives the focus back to the editor that had it before it was hidden, so that one can type from record to
+// record; to the list when that editor is no longer shown.
 void RecordViewer::ReturnFocus(HWND focus) {
     if (focus && focus != GetFocus())
         SetFocus(IsWindowVisible(focus) && IsWindowEnabled(focus) ? focus : Control(IDC_VIEWER_LIST));

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Lowers the text in place unless case counts.
+// Changes the text to lower case unless case counts.
 bool Contains(WCHAR* text, std::u16string_view wanted, bool matchCase) {
     if (!matchCase)
         CharLowerW(text);

@@ -29,8 +29,8 @@ public:
 private:
     bool Step(DbHandle::SeekOperation seek);
     bool SearchOn();
-    // Whether the text form of a property contains the text; wildcards mean nothing. Lowers the record's
-    // texts unless case counts: the record is thrown away.
+    // Looks for a property whose text form contains the text; there are no wildcards. Changes the record's
+    // texts to lower case unless case counts.
     bool RecordContains();
 
     HWND owner;

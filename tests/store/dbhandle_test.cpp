@@ -52,7 +52,7 @@ const std::vector<BYTE> kRecord = {31,  0, 1,   0, 0, 0, 0,    0,    64,  0, 0, 
                                    65,  0, 4,   0, 0, 0, 0,    0,    0,   0, 0, 0, 0,  0, 0, 0, //
                                    'H', 0, 'i', 0, 0, 0, 0xAA, 0xBB, 0xCC};
 
-constexpr std::size_t kTextOffset = 8; // places in kRecord that the tests spoil
+constexpr std::size_t kTextOffset = 8; // indexes into kRecord, of what the tests spoil
 constexpr std::size_t kEmptyOffset = 16 + 8;
 constexpr std::size_t kBlobCount = 2 * 16 + 8;
 constexpr std::size_t kBlobOffset = 2 * 16 + 12;
@@ -159,7 +159,7 @@ TEST_F(DbHandleTest, ReportsInItsOwnWords) {
         u"Couldn't delete \"Nowhere\" database: The system cannot find the file specified",
         u"Couldn't delete \"Here\" database: The process cannot access the file because it is being used by "
         u"another process",
-        u"Unable to delete the current record: Here", // one place, and the name comes first
+        u"Unable to delete the current record: Here", // its one argument is the name
         u"Couldn't find record in \"Here\" database: No more data is available",
         u"Reason:x. Illegal operation attempted on a Registry key which has been marked for deletion"};
     EXPECT_EQ(messages, expected);
