@@ -4,7 +4,6 @@
 #include "resources/resource.h"
 #include "viewer/propertyclipboard.h"
 #include "viewer/recordviewer.h"
-#include "viewer/reporting.h"
 
 void RecordViewer::UndoCommand(HWND focus) {
     if (IsEditor(focus)) {
