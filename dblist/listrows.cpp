@@ -212,11 +212,6 @@ void SortDatabaseList() {
 }
 
 void SortByColumn(int column) {
-    DWORD key = kSortByName;
-    if (column == kSizeColumn)
-        key = kSortBySize;
-    else if (column == kDateColumn)
-        key = kSortByDate;
-    SetSortKey(key);
+    ChooseSortColumn(kDatabaseColumnKeys, column);
     SortDatabaseList();
 }

@@ -12,8 +12,6 @@
 namespace {
 
 constexpr int kNameColumn = 0;
-constexpr int kSizeColumn = 1;
-constexpr int kLastColumn = 2;   // dates, and the viewer's ids
 constexpr int kHundredths = 100; // in one kilobyte's text
 constexpr WCHAR kDot = u'.';
 
@@ -124,14 +122,10 @@ int CompareRows(LPARAM firstParameter, LPARAM secondParameter, LPARAM param) {
 } // namespace
 
 int ColumnOfSortKey(DWORD key) {
-    switch (key) {
-    case kSortBySize:
-        return kSizeColumn;
-    case kSortByDate:
-    case kSortByInteger:
-        return kLastColumn;
-    }
-    return kNameColumn;
+    for (int column = 0; column < kListColumns; ++column)
+        if (key == kDatabaseColumnKeys[column] || key == kPropertyColumnKeys[column])
+            return column;
+    return 0;
 }
 
 void SortListView(ListSort& sort) {
@@ -149,8 +143,9 @@ ListSort SettingsSort(HWND list) {
     return sort;
 }
 
-void SetSortKey(DWORD key) {
+void ChooseSortColumn(const ColumnKeys& keys, int column) {
     Settings& settings = *App().settings;
+    const SortKey key = keys[column];
     if (key == settings.sortKey)
         settings.sortAscending = !settings.sortAscending;
     settings.sortKey = key;

@@ -4,7 +4,14 @@
 #include <memory>
 #include <optional>
 
+#include "app/settings.h"
 #include "platform/types.h"
+
+// What the columns of the two lists sort by.
+constexpr int kListColumns = 3;
+using ColumnKeys = SortKey[kListColumns];
+constexpr ColumnKeys kDatabaseColumnKeys = {kSortByName, kSortBySize, kSortByDate};
+constexpr ColumnKeys kPropertyColumnKeys = {kSortByName, kSortBySize, kSortByInteger};
 
 // How a list is to be sorted, and what that needs meanwhile.
 struct ListSort {
@@ -22,11 +29,11 @@ struct ListSort {
     LPARAM modifiedCount = 0;
 };
 
-// The column that a key sorts by.
+// The column that a key sorts by; the first one for any other number.
 int ColumnOfSortKey(DWORD key);
 // Sorts the list and repaints its header.
 void SortListView(ListSort& sort);
 // How the settings want the list sorted.
 ListSort SettingsSort(HWND list);
-// Makes the settings sort by a key, or turns their direction when they already do.
-void SetSortKey(DWORD key);
+// For a tap on a column: makes the settings sort by its key, or turns their direction when they already do.
+void ChooseSortColumn(const ColumnKeys& keys, int column);

@@ -168,8 +168,7 @@ void RecordViewer::OnSelectionChanged() {
 }
 
 void RecordViewer::OnColumnClick(int column) {
-    constexpr DWORD kColumnKeys[] = {kSortByName, kSortBySize, kSortByInteger};
-    SetSortKey(kColumnKeys[column < kTypeColumn || column > kIdColumn ? kTypeColumn : column]);
+    ChooseSortColumn(kPropertyColumnKeys, column);
     SortProperties(Control(IDC_VIEWER_LIST));
     OnSelectionChanged();
 }
