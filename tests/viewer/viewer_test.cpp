@@ -109,14 +109,24 @@ TEST_F(ViewerTest, MovesTheFocusByKeysAndOpensItsHelp) {
     RunProgram([&] {
         View(u"People");
         SelectType(u"TEXT");
-        Tap(IDC_VALUE_TEXT); // which keeps Tab for itself
-        Press(Qt::Key_Tab, Qt::ControlModifier);
-        EXPECT_TRUE(HasFocus(IDC_VIEWER_LIST)); // past the end of the chain
-        Press(Qt::Key_Tab, Qt::ControlModifier);
-        EXPECT_TRUE(HasFocus(IDC_VIEWER_ADD));
-        Tap(IDC_VALUE_TEXT);
         Press(Qt::Key_Tab, Qt::ShiftModifier);
-        EXPECT_TRUE(HasFocus(IDC_VIEWER_DELETE));
+        EXPECT_TRUE(HasFocus(IDC_VALUE_TEXT)); // past the start of the chain
+        Press(Qt::Key_Tab, Qt::ControlModifier);
+        EXPECT_TRUE(HasFocus(IDC_VIEWER_LIST)); // and past its end
+        for (const int next : {IDC_VIEWER_ADD, IDC_VIEWER_DELETE, IDC_VALUE_TEXT}) {
+            Press(Qt::Key_Tab, Qt::ControlModifier);
+            EXPECT_TRUE(HasFocus(next));
+        }
+        Type(u"+"); // where the caret was: nothing is selected, as it is after Tab alone
+        EXPECT_EQ(Shown(IDC_VALUE_TEXT), u"+Ann");
+        Press(Qt::Key_Tab, Qt::ShiftModifier);
+        Press(Qt::Key_Tab);
+        Type(u"x");
+        EXPECT_EQ(Shown(IDC_VALUE_TEXT), u"x");
+        Press(Qt::Key_Tab);
+        Press(Qt::Key_Tab, Qt::ShiftModifier);
+        Type(u"y");
+        EXPECT_EQ(Shown(IDC_VALUE_TEXT), u"xy");
         CatchHelp();
         Choose(u"Record/Help");
         EXPECT_EQ(HelpShown(), "tarnwickscope.htm#fieldview");
