@@ -130,6 +130,8 @@ TEST_F(DatabaseListTest, MenusFollowTheSelection) {
         Press(Qt::Key_Down, Qt::ShiftModifier); // two rows
         for (const UINT command : kOneDatabaseCommands)
             EXPECT_FALSE(IsEnabled(command)) << command;
+        Choose(u"View/Refresh");
+        EXPECT_EQ(ListView_GetSelectedCount(Control(IDC_LIST)), 2);
         for (const UINT command : {IDM_VIEW_MODIFY, IDM_BACKUP, IDM_RESTORE, IDM_AUTOBACKUP})
             EXPECT_TRUE(IsEnabled(command)) << command;
         Press(Qt::Key_Return); // two databases open no viewer

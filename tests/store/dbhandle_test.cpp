@@ -35,12 +35,12 @@ protected:
     std::vector<std::u16string> messages;
 };
 
-// Writes a record in storage form, from a block of its own.
+// Writes a record in storage form, from a block that has room for a longer one, too.
 CEOID WriteStored(DbHandle& database, WORD properties, const std::vector<BYTE>& bytes) {
     RecordBuffer buffer;
     buffer.propCount = properties;
     buffer.size = static_cast<DWORD>(bytes.size());
-    buffer.data = static_cast<BYTE*>(LocalAlloc(LMEM_FIXED, bytes.size()));
+    buffer.data = static_cast<BYTE*>(LocalAlloc(LMEM_ZEROINIT, 2 * bytes.size()));
     std::memcpy(buffer.data, bytes.data(), bytes.size());
     return database.WriteRecordFromStorage(0, &buffer);
 }
