@@ -10,7 +10,7 @@
 #include "app/start/mainwindow.h"
 #include "platform/device.h"
 #include "platform/text.h"
-#include "platform/ui/testhooks.h"
+#include "platform/ui/core/testhooks.h"
 #include "resources/resource.h"
 #include "tools/sampledata/sampletable.h"
 #include "viewer/recordviewer.h"

@@ -7,7 +7,7 @@
 #include "app/application.h"
 #include "app/start/commandline.h"
 #include "platform/files.h"
-#include "platform/ui/testhooks.h"
+#include "platform/ui/core/testhooks.h"
 #include "tests/platform/hostsupport.h"
 #include "tests/support/sampledatabases.h"
 #include "tests/support/testdevice.h"

@@ -5,7 +5,7 @@
 
 #include "app/application.h"
 #include "platform/files.h"
-#include "platform/ui/testhooks.h"
+#include "platform/ui/core/testhooks.h"
 #include "tests/storage/storesupport.h"
 
 const char* const kPlainArchive = R"(

@@ -9,7 +9,7 @@
 #include "backup/restore.h"
 #include "platform/controls.h"
 #include "platform/text.h"
-#include "platform/ui/windowobject.h"
+#include "platform/ui/core/windowobject.h"
 #include "resources/resource.h"
 #include "tests/backup/backupfixture.h"
 #include "tests/support/usersession.h"

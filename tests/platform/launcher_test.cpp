@@ -16,7 +16,7 @@
 #include "platform/base/utf8.h"
 #include "platform/launcher/arguments.h"
 #include "platform/process.h"
-#include "platform/ui/windowobject.h"
+#include "platform/ui/core/windowobject.h"
 #include "platform/window.h"
 #include "tests/platform/hostsupport.h"
 #include "tests/platform/otherprocess.h"

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "app/application.h"
-#include "platform/ui/testhooks.h"
+#include "platform/ui/core/testhooks.h"
 #include "store/dbhandle.h"
 #include "tests/storage/storesupport.h"
 

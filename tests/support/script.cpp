@@ -5,7 +5,7 @@
 #include <memory>
 #include <ucontext.h>
 
-#include "platform/ui/messagequeue.h"
+#include "platform/ui/core/messagequeue.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <pthread.h>

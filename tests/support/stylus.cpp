@@ -15,10 +15,10 @@
 #include "platform/controls.h"
 #include "platform/resources.h"
 #include "platform/ui/controls/header.h"
-#include "platform/ui/menubarwidget.h"
-#include "platform/ui/messagequeue.h"
-#include "platform/ui/titlebar.h"
-#include "platform/ui/windowcore.h"
+#include "platform/ui/core/messagequeue.h"
+#include "platform/ui/core/windowcore.h"
+#include "platform/ui/menus/menubarwidget.h"
+#include "platform/ui/screen/titlebar.h"
 #include "tests/support/script.h"
 
 namespace {

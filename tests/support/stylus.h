@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "platform/dialog.h"
-#include "platform/ui/testhooks.h"
+#include "platform/ui/core/testhooks.h"
 
 class QMenu;
 class QWidget;

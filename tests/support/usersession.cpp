@@ -8,7 +8,7 @@
 #include "platform/base/utf8.h"
 #include "platform/controls.h"
 #include "platform/process.h"
-#include "platform/ui/windowobject.h"
+#include "platform/ui/core/windowobject.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/controls.h"
-#include "platform/ui/windowcore.h"
+#include "platform/ui/core/windowcore.h"
 #include "tests/support/stylus.h"
 #include "tests/ui/templatebuilder.h"
 

@@ -2,8 +2,8 @@
 #include <QImage>
 #include <gtest/gtest.h>
 
-#include "platform/ui/devicecontext.h"
-#include "platform/ui/windowobject.h"
+#include "platform/ui/core/windowobject.h"
+#include "platform/ui/drawing/devicecontext.h"
 #include "resources/resource.h"
 
 namespace {

@@ -9,7 +9,7 @@
 #include <functional>
 
 #include "platform/errors.h"
-#include "platform/ui/menubarwidget.h"
+#include "platform/ui/menus/menubarwidget.h"
 #include "resources/resource.h"
 #include "tests/support/scarcememory.h"
 #include "tests/ui/windowfixture.h"

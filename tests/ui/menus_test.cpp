@@ -2,7 +2,7 @@
 #include <QAction>
 
 #include "platform/resources.h"
-#include "platform/ui/menubarwidget.h"
+#include "platform/ui/menus/menubarwidget.h"
 #include "resources/resource.h"
 #include "tests/ui/windowfixture.h"
 

@@ -3,7 +3,7 @@
 
 #include "platform/menu.h"
 #include "platform/shell.h"
-#include "platform/ui/messagequeue.h"
+#include "platform/ui/core/messagequeue.h"
 #include "resources/resource.h"
 #include "tests/ui/windowfixture.h"
 

@@ -8,8 +8,8 @@
 #include <gtest/gtest.h>
 
 #include "platform/pickers.h"
-#include "platform/ui/pickerwidget.h"
-#include "platform/ui/testhooks.h"
+#include "platform/ui/core/testhooks.h"
+#include "platform/ui/dialogs/pickerwidget.h"
 #include "tests/support/testdevice.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/shell.h"
-#include "platform/ui/cursors.h"
+#include "platform/ui/drawing/cursors.h"
 #include "resources/resource.h"
 #include "tests/ui/windowfixture.h"
 

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "platform/controls.h"
-#include "platform/ui/windowcore.h"
+#include "platform/ui/core/windowcore.h"
 #include "tests/support/stylus.h"
 
 struct Command {

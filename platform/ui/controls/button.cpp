@@ -7,7 +7,7 @@
 #include <QRadioButton>
 
 #include "platform/ui/controls/controlsupport.h"
-#include "platform/ui/devicecontext.h"
+#include "platform/ui/drawing/devicecontext.h"
 
 namespace {
 

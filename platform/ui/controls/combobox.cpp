@@ -60,7 +60,7 @@ public:
     LRESULT Add(const WCHAR* text, bool sorted) {
         const int place = sorted ? SortedPlace(text) : count();
         const int before = currentIndex();
-        insertItem(place, TextOf(text));
+        insertItem(place, HostText(text));
         if (before < 0)
             setCurrentIndex(-1); // the host chooses the first item that comes
         changed = false;

@@ -16,6 +16,7 @@
 #include "platform/base/localepatterns.h"
 #include "platform/datetime.h"
 #include "platform/ui/controls/controlsupport.h"
+#include "platform/ui/drawing/look.h"
 
 namespace {
 

@@ -52,7 +52,7 @@ LRESULT EditMessage(EditBox& box, UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 LRESULT SetText(HWND window, EditBox& box, const WCHAR* text) {
-    box.SetText(TextOf(text));
+    box.SetText(HostText(text));
     CommandToParent(window, EN_CHANGE);
     return TRUE;
 }
@@ -72,7 +72,7 @@ LRESULT EditProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_SETTEXT:
         return SetText(window, *box, reinterpret_cast<const WCHAR*>(lParam));
     case WM_GETTEXT:
-        return CopyText(box->Text(), reinterpret_cast<WCHAR*>(lParam), static_cast<int>(wParam));
+        return CopyHostText(reinterpret_cast<WCHAR*>(lParam), static_cast<int>(wParam), box->Text());
     case WM_GETTEXTLENGTH:
         return box->Text().size();
     case WM_CUT:

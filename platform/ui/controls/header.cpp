@@ -5,8 +5,9 @@
 #include <algorithm>
 
 #include "platform/ui/controls/listviews.h"
-#include "platform/ui/devicecontext.h"
-#include "platform/ui/gdiobjects.h"
+#include "platform/ui/drawing/devicecontext.h"
+#include "platform/ui/drawing/gdiobjects.h"
+#include "platform/ui/drawing/look.h"
 
 namespace {
 
@@ -141,7 +142,7 @@ BOOL GetItem(const ListWidget& list, int item, HDITEMW& out) {
         return FALSE;
     const ListColumn& column = list.model->Columns()[static_cast<std::size_t>(item)];
     if (out.mask & HDI_TEXT)
-        CopyText(column.title, out.pszText, out.cchTextMax);
+        CopyHostText(out.pszText, out.cchTextMax, column.title);
     if (out.mask & HDI_FORMAT)
         out.fmt = column.headerFormat;
     return TRUE;
@@ -152,7 +153,7 @@ BOOL SetItem(ListWidget& list, int item, const HDITEMW& in) {
         return FALSE;
     ListColumn& column = list.model->Column(item);
     if (in.mask & HDI_TEXT)
-        column.title = TextOf(in.pszText);
+        column.title = HostText(in.pszText);
     if (in.mask & HDI_FORMAT)
         column.headerFormat = in.fmt;
     list.model->ColumnChanged(item);

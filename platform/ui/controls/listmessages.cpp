@@ -18,7 +18,7 @@ bool HasTextAt(const ListModel& model, int row, int column) {
 LRESULT InsertItem(ListWidget& list, const LVITEMW& item) {
     ListRow row;
     if (item.mask & LVIF_TEXT)
-        row.texts.push_back(TextOf(item.pszText));
+        row.texts.push_back(HostText(item.pszText));
     if (item.mask & LVIF_IMAGE)
         row.image = item.iImage;
     if (item.mask & LVIF_PARAM)
@@ -37,7 +37,7 @@ BOOL SetItem(ListWidget& list, const LVITEMW& item) {
     if (!HasTextAt(*list.model, item.iItem, item.iSubItem))
         return FALSE;
     if (item.mask & LVIF_TEXT)
-        list.model->SetText(item.iItem, item.iSubItem, TextOf(item.pszText));
+        list.model->SetText(item.iItem, item.iSubItem, HostText(item.pszText));
     if (item.mask & LVIF_IMAGE)
         list.model->SetImage(item.iItem, item.iImage);
     if (item.mask & LVIF_PARAM)
@@ -52,7 +52,7 @@ BOOL GetItem(const ListModel& model, LVITEMW& item) {
         return FALSE;
     const ListRow& row = model.Row(item.iItem);
     if (item.mask & LVIF_TEXT)
-        CopyText(model.Text(item.iItem, item.iSubItem), item.pszText, item.cchTextMax);
+        CopyHostText(item.pszText, item.cchTextMax, model.Text(item.iItem, item.iSubItem));
     if (item.mask & LVIF_IMAGE)
         item.iImage = row.image;
     if (item.mask & LVIF_PARAM)
@@ -77,7 +77,7 @@ BOOL SetItemState(ListWidget& list, int row, const LVITEMW& item) {
 LRESULT InsertColumn(ListWidget& list, int place, const LVCOLUMNW& in) {
     ListColumn column;
     if (in.mask & LVCF_TEXT)
-        column.title = TextOf(in.pszText);
+        column.title = HostText(in.pszText);
     if (in.mask & LVCF_WIDTH)
         column.width = in.cx;
     if (in.mask & LVCF_FMT)
@@ -117,12 +117,12 @@ ListAnswer RowMessage(ListWidget& list, UINT message, WPARAM wParam, LPARAM lPar
     case LVM_SETITEMTEXTW:
         if (!item || !HasTextAt(model, row, item->iSubItem))
             return FALSE;
-        model.SetText(row, item->iSubItem, TextOf(item->pszText));
+        model.SetText(row, item->iSubItem, HostText(item->pszText));
         return TRUE;
     case LVM_GETITEMTEXTW:
         if (!item || !HasTextAt(model, row, item->iSubItem))
-            return CopyText(QString(), item ? item->pszText : nullptr, item ? item->cchTextMax : 0);
-        return CopyText(model.Text(row, item->iSubItem), item->pszText, item->cchTextMax);
+            return CopyHostText(item ? item->pszText : nullptr, item ? item->cchTextMax : 0, QString());
+        return CopyHostText(item->pszText, item->cchTextMax, model.Text(row, item->iSubItem));
     case LVM_SETITEMSTATE:
         return item && SetItemState(list, row, *item);
     case LVM_GETITEMSTATE:

@@ -6,7 +6,8 @@
 #include <algorithm>
 
 #include "platform/ui/controls/listwidget.h"
-#include "platform/ui/gdiobjects.h"
+#include "platform/ui/drawing/gdiobjects.h"
+#include "platform/ui/drawing/look.h"
 
 namespace {
 

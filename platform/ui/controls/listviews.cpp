@@ -7,7 +7,7 @@
 #include <QStyledItemDelegate>
 #include <algorithm>
 
-#include "platform/ui/gdiobjects.h"
+#include "platform/ui/drawing/gdiobjects.h"
 
 namespace {
 

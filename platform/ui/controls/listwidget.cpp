@@ -6,7 +6,8 @@
 #include <algorithm>
 
 #include "platform/ui/controls/listviews.h"
-#include "platform/ui/gdiobjects.h"
+#include "platform/ui/drawing/gdiobjects.h"
+#include "platform/ui/drawing/look.h"
 
 ListWidget::ListWidget(WindowObject& window, QWidget* parent)
     : QWidget(parent), handle(&window), model(new ListModel(this)),

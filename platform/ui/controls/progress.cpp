@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/ui/controls/controlsupport.h"
+#include "platform/ui/drawing/look.h"
 
 namespace {
 

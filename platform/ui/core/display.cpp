@@ -1,0 +1,32 @@
+#include "platform/base/display.h"
+
+#include <QGuiApplication>
+#include <QStringList>
+#include <optional>
+
+#include "platform/ui/core/windowobject.h"
+
+namespace {
+
+std::optional<bool>& Settled() {
+    static std::optional<bool> settled;
+    return settled;
+}
+
+} // namespace
+
+bool NoDisplay() {
+    if (Settled())
+        return *Settled();
+    EnsureWindowSystem();
+    return ShowsNothing(QGuiApplication::platformName());
+}
+
+void SetNoDisplay(bool noDisplay) {
+    Settled() = noDisplay;
+}
+
+bool ShowsNothing(const QString& platform) {
+    static const QStringList names{"offscreen", "minimal", "minimalegl"};
+    return names.contains(platform);
+}

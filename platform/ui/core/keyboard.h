@@ -1,0 +1,19 @@
+// The host's keys and the handheld's, and which of them are held.
+#pragma once
+
+#include <QEvent>
+#include <Qt>
+
+#include "platform/window.h"
+
+struct KeyboardState {
+    Qt::KeyboardModifiers modifiers;
+    bool altAlone = false; // Alt went down and nothing else since
+};
+KeyboardState& Keyboard();
+// Follows the modifier keys, for GetKeyState: called with each input event that is retrieved.
+void NoteKeys(const QEvent& event);
+
+bool IsLetterOrDigit(WPARAM key); // these have the same number on the host as here
+UINT VirtualKeyOf(int hostKey);   // 0 for keys without one
+int HostKeyOf(UINT virtualKey);   // 0 for unknown ones

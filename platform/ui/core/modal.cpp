@@ -1,0 +1,33 @@
+// What all that waits for the user has in common: dialogs, message boxes, pickers, tracked menus.
+#include <vector>
+
+#include "platform/ui/core/testhooks.h"
+#include "platform/ui/core/windowcore.h"
+
+void RunModal(const bool& done) {
+    std::vector<int> quits; // in their order: each is meant for one of the loops around this one
+    MSG message;
+    while (!done) {
+        if (!GetMessageW(&message, nullptr, 0, 0)) {
+            quits.push_back(static_cast<int>(message.wParam));
+            continue;
+        }
+        const HWND top = TopLevelOf(message.hwnd);
+        if (top && top->dialog && IsDialogMessageW(top, &message))
+            continue;
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+    for (const int exitCode : quits)
+        PostQuitMessage(exitCode);
+}
+
+void EndDialogLoop(DialogData& data) {
+    data.ended = true;
+    PostMessageW(nullptr, WM_NULL, 0, 0); // the loop may be waiting for something to happen
+}
+
+ModalHooks& TestHooks() {
+    static auto* hooks = new ModalHooks;
+    return *hooks;
+}

@@ -1,0 +1,156 @@
+// What a window is inside the platform: a class, a procedure, extra bytes and the host widget that shows it.
+#pragma once
+
+#include <QPointer>
+#include <QRect>
+#include <QScrollBar>
+#include <QSize>
+#include <QString>
+#include <QWidget>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "platform/dialog.h"
+
+// A host widget for a new window of a built-in class, already a child of `parentWidget`; the window object's
+// style, id and text are set. Null for a class that the program registered: the platform makes a plain one.
+using WidgetFactory = QWidget* (*)(WindowObject& window, QWidget* parentWidget);
+
+struct WindowClass {
+    QString name; // as registered; found without regard to case
+    WNDPROC procedure = nullptr;
+    int extraBytes = 0;
+    UINT style = 0;
+    HBRUSH background = nullptr;
+    HICON icon = nullptr;
+    WidgetFactory makeWidget = nullptr;
+    bool builtIn = false;
+};
+
+// A control's own state, owned by its window.
+struct ControlState {
+    virtual ~ControlState() = default;
+};
+
+// Where a control stood when its dialog was made.
+struct HomePlace {
+    HWND control;
+    QRect place;
+};
+
+// What only dialogs have.
+struct DialogData {
+    DLGPROC procedure = nullptr;
+    bool modal = false;
+    bool ended = false;
+    LONG_PTR result = 0;
+    UINT defaultId = 0; // the default push button's id, 0 for none
+    // How the controls follow the screen: the template's size, the places it gave, and those of controls that
+    // the program added, counted from the screen's right side.
+    QSize natural;
+    std::vector<HomePlace> homes;
+    std::vector<HomePlace> added;
+    QPointer<QScrollBar> scrollBars[2]; // across and down, made when first needed
+    QRect shown;                        // the part of the frame that shows the dialog
+    // Set by the dialog manager; null in a dialog that does not care.
+    void (*layOut)(HWND dialog,
+                   const QRect& client) = nullptr; // a full-screen dialog gets that part of its frame
+    void (*focusMoved)(HWND dialog) = nullptr;     // to or within the dialog
+};
+
+enum class TitleButton { None, Ok, Close };
+
+// What only top-level windows have.
+struct TopLevelState {
+    QPointer<QWidget> frame; // stands on the screen's area, around the window's own widget
+    HWND lastFocus = nullptr;
+    TitleButton button = TitleButton::None;
+    bool fullScreen = true; // else a card of `cardSize` in the middle of the screen
+    QSize cardSize;
+    std::function<void(const QSize& area)>
+        fitCard; // chooses the card's size for a screen of that size, or null
+};
+
+struct WindowObject {
+    const WindowClass* windowClass = nullptr;
+    WNDPROC procedure = nullptr;
+    HWND parent = nullptr; // of a child
+    HWND owner = nullptr;  // of a top-level window
+    UINT id = 0;
+    DWORD style = 0;
+    DWORD exStyle = 0;
+    LONG_PTR userData = 0;
+    std::vector<std::byte> extra;
+    QString text; // for classes without a text of their own
+    HFONT font = nullptr;
+    HICON icon = nullptr;
+    QPointer<QWidget> widget;   // its client area; for the built-in classes the control itself
+    std::vector<HWND> children; // in creation order, which is the Tab order
+    std::unique_ptr<TopLevelState> topLevel;
+    std::shared_ptr<DialogData> dialog;    // dialogs only
+    std::unique_ptr<ControlState> control; // built-in classes only
+    bool destroying = false;
+};
+
+// Starts the host's window system at first use; every window function comes through here.
+void EnsureWindowSystem();
+bool WindowSystemStarted();
+
+// Built-in classes register themselves once, at the start of the window system.
+void RegisterBuiltInClass(const char16_t* name, WNDPROC procedure, WidgetFactory makeWidget);
+void RegisterButtonClass();
+void RegisterStaticClass();
+void RegisterEditClass();
+void RegisterListViewClass();
+void RegisterProgressClass();
+void RegisterMenuBarClass();
+void RegisterComboBoxClass();
+void RegisterDatePickerClass();
+
+// Text as it is, lone surrogates and byte order marks included, which the host's own conversions would mend.
+// Null: empty.
+QString HostText(const WCHAR* text);
+// At most capacity - 1 characters and a terminator, as WM_GETTEXT and its relatives answer; returns the
+// characters copied.
+int CopyHostText(WCHAR* out, int capacity, const QString& text);
+
+// The live window, or null for null and destroyed handles: handles are never used unchecked.
+WindowObject* LiveWindow(HWND window);
+// The window that shows the widget: itself or the nearest ancestor that is one.
+HWND WindowOfWidget(const QWidget* widget);
+// The window's top-level ancestor.
+HWND TopLevelOf(HWND window);
+
+// Sent by SetWindowLongPtrW(GWL_STYLE) after the style has changed.
+constexpr UINT WM_STYLECHANGED = 0x007D;
+
+// The end of every built-in control's procedure: hands the host event behind the message to the widget that
+// it was meant for (making one for messages that the program posted itself), and answers what all controls
+// share: WM_SETFONT, WM_GETFONT, WM_ENABLE, WM_SETFOCUS, WM_SETTEXT, WM_GETTEXT, WM_GETTEXTLENGTH on `text`,
+// WM_SETREDRAW.
+LRESULT DefaultControlProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+// WM_NOTIFY to the parent; fills in the NMHDR's window and id. WM_COMMAND to the parent with a notification
+// code.
+LRESULT NotifyParent(HWND control, NMHDR* header, UINT code);
+void CommandToParent(HWND control, UINT notification);
+
+// Runs the message loop until `done` is true: the base of every modal thing. A quit message is put aside
+// meanwhile and posted again for the loops around this one: what is asked is seen and answered first. `done`
+// is looked at after each message, so whatever sets it while none is being dispatched posts a WM_NULL.
+constexpr UINT WM_NULL = 0;
+void RunModal(const bool& done);
+
+// The edit of a row's label that is going on, if any, ends with its new text, as a tap beside it makes it.
+// For what a user chooses without moving the focus: menus, the buttons of the bars.
+void EndLabelEdit();
+
+// The widget under which top-level windows stand, and its size.
+QWidget* ScreenArea();
+// Gives a top-level window its place on the screen, its menu bar the top of it, and sends WM_SIZE when the
+// client area changed. For a bar whose height changed.
+void LayOutTopLevel(HWND window);
+
+// The id that every menu bar has. In a dialog it stands above the client area, elsewhere at its top.
+constexpr UINT kMenuBarId = 10005;

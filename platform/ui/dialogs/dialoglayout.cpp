@@ -1,0 +1,218 @@
+// A full-screen dialog's controls follow the screen: what is wide or tall by nature takes the room there is,
+// rows of buttons keep together, and what does not fit can be scrolled to.
+#include <QScrollBar>
+#include <algorithm>
+#include <cmath>
+
+#include "platform/controls.h"
+#include "platform/ui/dialogs/dialogcore.h"
+#include "platform/ui/screen/screen.h"
+
+namespace {
+
+// Shares of the template's width: edges beyond the first follow the right side, those nearer to the middle
+// than the second follow the middle, and a row that begins before the third keeps to the left.
+constexpr double kRightZone = 0.82;
+constexpr double kMiddleZone = 0.09;
+constexpr double kLeftZone = 0.05;
+constexpr double kCentredWithin = 0.01;
+// What may be taken from a template before it is scrolled: texts have some slack, lists and editors a lot.
+constexpr double kLeastWidth = 0.9;
+constexpr double kLeastTall = 0.5;
+
+constexpr int kScrollStep = 24; // pixels at 96 to the inch
+constexpr int kWheelNotch = 120;
+
+bool IsOfClass(const WindowObject& window, const char* name) {
+    return window.windowClass->name.compare(QLatin1String(name), Qt::CaseInsensitive) == 0;
+}
+
+bool IsButtonOfKind(const WindowObject& window, DWORD kind) {
+    return IsOfClass(window, "BUTTON") && (window.style & BS_TYPEMASK) == kind;
+}
+
+bool IsPushButton(const WindowObject& window) {
+    return IsButtonOfKind(window, BS_PUSHBUTTON) || IsButtonOfKind(window, BS_DEFPUSHBUTTON);
+}
+
+// Takes all the height that it gets.
+bool IsTall(const WindowObject& window) {
+    return IsOfClass(window, "SysListView32") || (IsOfClass(window, "EDIT") && window.style & ES_MULTILINE);
+}
+
+// Where an edge goes when the dialog is `extra` pixels wider than its template.
+int EdgeShift(int edge, int width, int extra) {
+    if (edge > kRightZone * width)
+        return extra;
+    return std::abs(edge - width / 2.0) < kMiddleZone * width ? extra / 2 : 0;
+}
+
+// Buttons side by side stay so: how far their row goes.
+int RowShift(const std::vector<HomePlace>& homes, const HomePlace& member, int width, int extra) {
+    QRect row = member.place;
+    for (const HomePlace& other : homes)
+        if (LiveWindow(other.control) && IsPushButton(*other.control) && other.place.top() == row.top())
+            row |= other.place;
+    const int rightGap = width - row.x() - row.width();
+    if (std::abs(row.x() - rightGap) <= kCentredWithin * width)
+        return extra / 2;
+    return row.x() < kLeftZone * width ? 0 : EdgeShift(row.x() + row.width(), width, extra);
+}
+
+// A line across the dialog where it grows: whatever is tall and crosses it grows by the line's share.
+struct GrowLine {
+    int top;    // of what grows
+    int bottom; // the line itself
+    int tallest;
+};
+
+std::vector<GrowLine> GrowLinesOf(const std::vector<HomePlace>& homes) {
+    std::vector<GrowLine> lines;
+    for (const HomePlace& home : homes) {
+        if (!LiveWindow(home.control) || !IsTall(*home.control))
+            continue;
+        const int top = home.place.y();
+        const int bottom = top + home.place.height();
+        const auto beside = std::find_if(lines.begin(), lines.end(), [&](const GrowLine& line) {
+            return top < line.bottom && line.top < bottom;
+        });
+        if (beside == lines.end())
+            lines.push_back({top, bottom, home.place.height()});
+        else
+            *beside = {std::max(beside->top, top), std::min(beside->bottom, bottom),
+                       std::min(beside->tallest, home.place.height())};
+    }
+    return lines;
+}
+
+int ShiftDown(const std::vector<GrowLine>& lines, int edge, int extra) {
+    const auto crossed = std::count_if(lines.begin(), lines.end(),
+                                       [edge](const GrowLine& line) { return line.bottom <= edge; });
+    return crossed ? extra * static_cast<int>(crossed) / static_cast<int>(lines.size()) : 0;
+}
+
+QRect PlaceOf(const std::vector<HomePlace>& homes, const HomePlace& home, const QSize& natural,
+              const QSize& extra, const std::vector<GrowLine>& lines) {
+    const WindowObject& control = *home.control;
+    QRect place = home.place;
+    const int right = place.x() + place.width();
+    if (IsPushButton(control)) {
+        place.translate(RowShift(homes, home, natural.width(), extra.width()), 0);
+    } else {
+        place.setLeft(place.x() + EdgeShift(place.x(), natural.width(), extra.width()));
+        place.setWidth(right + EdgeShift(right, natural.width(), extra.width()) - place.x());
+    }
+    const bool grows = IsTall(control) || IsButtonOfKind(control, BS_GROUPBOX);
+    const int down = ShiftDown(lines, place.y(), extra.height());
+    const int bottom = place.y() + place.height();
+    place.setHeight(place.height() + (grows ? ShiftDown(lines, bottom, extra.height()) - down : 0));
+    place.translate(0, down);
+    return place;
+}
+
+// What the program adds by itself it placed on the screen that there was: it keeps its distance to the right
+// side.
+void ArrangeAdded(HWND dialog, int visibleWidth) {
+    std::vector<HomePlace>& added = dialog->dialog->added;
+    const int screen = dialog->topLevel->frame->width();
+    for (HWND child : dialog->children) {
+        const auto isChild = [child](const HomePlace& home) { return home.control == child; };
+        if (child->id != kMenuBarId && child->widget &&
+            std::none_of(dialog->dialog->homes.begin(), dialog->dialog->homes.end(), isChild) &&
+            std::none_of(added.begin(), added.end(), isChild))
+            added.push_back({child, child->widget->geometry().translated(-screen, 0)});
+    }
+    for (const HomePlace& home : added) {
+        const int left = std::min(screen + home.place.x(), visibleWidth - home.place.width());
+        if (LiveWindow(home.control))
+            PlaceWindow(home.control, QRect(QPoint(std::max(0, left), home.place.y()), home.place.size()));
+    }
+}
+
+QSize LeastSize(const DialogData& dialog) {
+    int least = dialog.natural.height();
+    for (const GrowLine& line : GrowLinesOf(dialog.homes))
+        least -= static_cast<int>(line.tallest * (1 - kLeastTall));
+    return QSize(static_cast<int>(std::ceil(dialog.natural.width() * kLeastWidth)), least);
+}
+
+QScrollBar* BarOf(HWND dialog, Qt::Orientation orientation) {
+    QPointer<QScrollBar>& bar = dialog->dialog->scrollBars[orientation == Qt::Vertical];
+    if (!bar) {
+        bar = new QScrollBar(orientation, dialog->topLevel->frame);
+        QObject::connect(bar, &QScrollBar::valueChanged, bar, [dialog] { LayOutTopLevel(dialog); });
+    }
+    return bar;
+}
+
+// Returns how far that bar has scrolled.
+int ShowBar(HWND dialog, Qt::Orientation orientation, const QRect& place, int shown, int whole) {
+    if (whole <= shown && !dialog->dialog->scrollBars[orientation == Qt::Vertical])
+        return 0;
+    QScrollBar* bar = BarOf(dialog, orientation);
+    const QSignalBlocker quiet(bar);
+    bar->setRange(0, std::max(0, whole - shown));
+    bar->setPageStep(shown);
+    bar->setSingleStep(Scaled(kScrollStep));
+    bar->setGeometry(place);
+    bar->setVisible(whole > shown);
+    bar->raise();
+    return bar->value();
+}
+
+} // namespace
+
+void RememberLayout(HWND dialog) {
+    dialog->dialog->natural = dialog->topLevel->cardSize;
+    for (HWND child : dialog->children)
+        if (child->widget)
+            dialog->dialog->homes.push_back({child, child->widget->geometry()});
+}
+
+void LayOutDialog(HWND dialog, const QRect& client) {
+    const std::shared_ptr<DialogData> data = dialog->dialog;
+    const QSize least = LeastSize(*data);
+    const int thickness = ScrollBarWidth();
+    QSize shown = client.size();
+    bool across = false;
+    bool down = false;
+    for (int pass = 0; pass < 2; ++pass) { // the one bar can make the other necessary
+        across = shown.width() < least.width();
+        down = shown.height() < least.height();
+        shown = client.size() - QSize(down ? thickness : 0, across ? thickness : 0);
+    }
+    const QSize whole = shown.expandedTo(least);
+    const QRect acrossPlace(client.x(), client.y() + shown.height(), shown.width(), thickness);
+    const QRect downPlace(client.x() + shown.width(), client.y(), thickness, shown.height());
+    const QPoint scrolled(ShowBar(dialog, Qt::Horizontal, acrossPlace, shown.width(), whole.width()),
+                          ShowBar(dialog, Qt::Vertical, downPlace, shown.height(), whole.height()));
+    data->shown = QRect(client.topLeft(), shown);
+    PlaceWindow(dialog, QRect(client.topLeft() - scrolled, whole));
+    const QSize extra = whole - data->natural;
+    const std::vector<GrowLine> lines = GrowLinesOf(data->homes);
+    for (const HomePlace& home : data->homes)
+        if (LiveWindow(home.control))
+            PlaceWindow(home.control, PlaceOf(data->homes, home, data->natural, extra, lines));
+    if (LiveWindow(dialog))
+        ArrangeAdded(dialog, shown.width());
+}
+
+void ScrollIntoView(HWND control) {
+    const HWND dialog = TopLevelOf(control);
+    if (!LiveWindow(dialog) || dialog == control || !dialog->dialog || !control->widget)
+        return;
+    const QRect& shown = dialog->dialog->shown;
+    const QRect place(control->widget->mapTo(dialog->topLevel->frame.data(), QPoint(0, 0)),
+                      control->widget->size());
+    const auto scroll = [](QScrollBar* bar, int before, int after) {
+        if (bar && (before < 0 || after > 0))
+            bar->setValue(bar->value() + (before < 0 ? before : std::min(before, after)));
+    };
+    scroll(dialog->dialog->scrollBars[0], place.left() - shown.left(), place.right() - shown.right());
+    scroll(dialog->dialog->scrollBars[1], place.top() - shown.top(), place.bottom() - shown.bottom());
+}
+
+void ScrollByWheel(HWND dialog, int delta) {
+    if (QScrollBar* bar = dialog->dialog->scrollBars[1])
+        bar->setValue(bar->value() - delta * Scaled(kScrollStep) / kWheelNotch);
+}

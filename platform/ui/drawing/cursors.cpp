@@ -1,0 +1,114 @@
+#include "platform/ui/drawing/cursors.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QtEndian>
+#include <memory>
+#include <vector>
+
+#include "platform/resources.h"
+#include "platform/ui/core/windowobject.h"
+
+struct CursorObject {
+    Qt::CursorShape shape;
+};
+
+struct IconObject {
+    QImage image;
+};
+
+namespace {
+
+CursorObject waitCursor{Qt::WaitCursor};
+HCURSOR currentCursor = nullptr;
+
+// Resource types that only icons use: one picture, and the group that lists an icon's pictures.
+const WCHAR* const kIconPicture = MAKEINTRESOURCEW(3);
+const WCHAR* const kIconGroup = MAKEINTRESOURCEW(14);
+
+constexpr int kGroupHeader = 6;
+constexpr int kGroupEntry = 14;
+
+struct PictureEntry {
+    const uchar* bytes; // as in the group: width, height, colours, 0, planes, bits, size, id
+    int Width() const { return bytes[0] ? bytes[0] : 256; }
+    int BitsPerPixel() const { return qFromLittleEndian<quint16>(bytes + 6); }
+    WORD Id() const { return qFromLittleEndian<quint16>(bytes + 12); }
+};
+
+// A file of the one picture, which is what the host's decoder reads.
+QImage DecodePicture(const PictureEntry& entry, HRSRC picture) {
+    const DWORD size = SizeofResource(nullptr, picture);
+    QByteArray file;
+    file.append("\0\0\1\0\1\0", kGroupHeader);
+    file.append(reinterpret_cast<const char*>(entry.bytes), 8);
+    uchar sizeAndOffset[8];
+    qToLittleEndian<quint32>(size, sizeAndOffset);
+    qToLittleEndian<quint32>(kGroupHeader + 16, sizeAndOffset + 4);
+    file.append(reinterpret_cast<const char*>(sizeAndOffset), sizeof(sizeAndOffset));
+    file.append(static_cast<const char*>(LoadResource(nullptr, picture)), static_cast<qsizetype>(size));
+    return QImage::fromData(file, "ICO");
+}
+
+// Nearest in size, then the one with the most colours.
+bool FitsBetter(const PictureEntry& candidate, const PictureEntry& best, int width) {
+    const int candidateOff = std::abs(candidate.Width() - width);
+    const int bestOff = std::abs(best.Width() - width);
+    return candidateOff < bestOff ||
+           (candidateOff == bestOff && candidate.BitsPerPixel() > best.BitsPerPixel());
+}
+
+HICON LoadIconOfSize(const WCHAR* name, int width) {
+    const HRSRC group = FindResourceW(nullptr, name, kIconGroup);
+    const DWORD size = group ? SizeofResource(nullptr, group) : 0;
+    if (size < kGroupHeader + kGroupEntry)
+        return nullptr;
+    const auto* bytes = static_cast<const uchar*>(LoadResource(nullptr, group));
+    const int count = std::min<int>(qFromLittleEndian<quint16>(bytes + 4),
+                                    static_cast<int>(size - kGroupHeader) / kGroupEntry);
+    PictureEntry best{bytes + kGroupHeader};
+    for (int i = 1; i < count; ++i) {
+        const PictureEntry candidate{bytes + kGroupHeader + i * kGroupEntry};
+        if (FitsBetter(candidate, best, width))
+            best = candidate;
+    }
+    const HRSRC picture = FindResourceW(nullptr, MAKEINTRESOURCEW(best.Id()), kIconPicture);
+    if (!picture)
+        return nullptr;
+    auto icon = std::make_unique<IconObject>(IconObject{DecodePicture(best, picture)});
+    if (icon->image.isNull())
+        return nullptr;
+    // Icons are a handful, and live as long as the program.
+    static auto* icons = new std::vector<std::unique_ptr<IconObject>>;
+    icons->push_back(std::move(icon));
+    return icons->back().get();
+}
+
+} // namespace
+
+HCURSOR LoadCursorW(HINSTANCE instance, const WCHAR* name) {
+    return !instance && name == IDC_WAIT ? &waitCursor : nullptr;
+}
+
+HCURSOR SetCursor(HCURSOR cursor) {
+    const HCURSOR previous = currentCursor;
+    currentCursor = cursor;
+    if (previous != cursor && WindowSystemStarted())
+        ShowCursorOnHost();
+    return previous;
+}
+
+void ShowCursorOnHost() {
+    while (QApplication::overrideCursor())
+        QApplication::restoreOverrideCursor();
+    if (currentCursor)
+        QApplication::setOverrideCursor(currentCursor->shape);
+}
+
+HICON LoadImageW(HINSTANCE, const WCHAR* name, UINT type, int width, int height, UINT) {
+    return type == IMAGE_ICON ? LoadIconOfSize(name, std::max(width, height)) : nullptr;
+}
+
+QIcon HostIcon(HICON icon) {
+    return icon ? QIcon(QPixmap::fromImage(icon->image)) : QIcon();
+}

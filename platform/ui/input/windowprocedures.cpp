@@ -1,0 +1,124 @@
+// What windows do with the messages that their procedures leave to the platform.
+#include "platform/ui/core/windowcore.h"
+#include "platform/ui/drawing/gdiobjects.h"
+#include "platform/ui/input/inputtranslation.h"
+#include "platform/ui/screen/screen.h"
+
+namespace {
+
+LRESULT SetText(HWND window, LPARAM lParam) {
+    window->text = HostText(reinterpret_cast<const WCHAR*>(lParam));
+    if (window->topLevel)
+        UpdateTitleBar();
+    else if (window->widget)
+        window->widget->update();
+    return TRUE;
+}
+
+LRESULT SetFont(HWND window, WPARAM wParam) {
+    window->font = reinterpret_cast<HFONT>(wParam);
+    if (window->widget)
+        window->widget->setFont(FontOf(window->font));
+    return 0;
+}
+
+// Help is where the focus is: the message climbs to whoever has an answer.
+bool HandleHelpKey(HWND window, UINT message, WPARAM wParam) {
+    if (message != WM_KEYDOWN || wParam != VK_F1)
+        return false;
+    SendMessageW(window, WM_HELP, 0, 0);
+    return true;
+}
+
+// Common to all windows; false: not one of these.
+bool DefaultProperties(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
+    switch (message) {
+    case WM_SETTEXT:
+        result = SetText(window, lParam);
+        return true;
+    case WM_GETTEXT:
+        result = CopyHostText(reinterpret_cast<WCHAR*>(lParam), static_cast<int>(wParam), window->text);
+        return true;
+    case WM_GETTEXTLENGTH:
+        result = window->text.size();
+        return true;
+    case WM_SETFONT:
+        result = SetFont(window, wParam);
+        return true;
+    case WM_GETFONT:
+        result = reinterpret_cast<LRESULT>(window->font);
+        return true;
+    case WM_SETREDRAW:
+        if (window->widget)
+            window->widget->setUpdatesEnabled(wParam != 0);
+        result = 0;
+        return true;
+    case WM_HELP:
+        result = window->parent ? SendMessageW(window->parent, message, wParam, lParam) : 0;
+        return true;
+    }
+    return false;
+}
+
+void SetWindowIcon(HWND window, WPARAM wParam, LPARAM lParam) {
+    const auto icon = reinterpret_cast<HICON>(lParam);
+    if (icon && (wParam == ICON_BIG || !window->icon))
+        window->icon = icon;
+    if (window->topLevel && icon)
+        SetScreenIcon(icon);
+}
+
+} // namespace
+
+LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    LRESULT result = 0;
+    if (!LiveWindow(window) || DefaultProperties(window, message, wParam, lParam, result))
+        return result;
+    switch (message) {
+    case WM_CLOSE:
+        DestroyWindow(window);
+        break;
+    case WM_SETICON:
+        SetWindowIcon(window, wParam, lParam);
+        break;
+    case WM_SYSKEYDOWN:
+    case WM_SYSKEYUP:
+    case WM_KEYUP:
+    case WM_KEYDOWN:
+        if (!HandleHelpKey(window, message, wParam))
+            HandleMenuKey(window, message, wParam);
+        break;
+    }
+    return 0;
+}
+
+LRESULT DefaultControlProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    LRESULT result = 0;
+    if (!LiveWindow(window) || DefaultProperties(window, message, wParam, lParam, result))
+        return result;
+    if (message == WM_ENABLE) {
+        if (window->widget)
+            window->widget->setEnabled(wParam != 0);
+    } else if (IsInputMessage(message)) {
+        if (!HandleHelpKey(window, message, wParam) && !HandleMenuKey(window, message, wParam))
+            ReplayInput(window, message, wParam, lParam);
+    }
+    return 0;
+}
+
+LRESULT NotifyParent(HWND control, NMHDR* header, UINT code) {
+    const WindowObject* object = LiveWindow(control);
+    if (!object)
+        return 0;
+    header->hwndFrom = control;
+    header->idFrom = object->id;
+    header->code = code;
+    return SendMessageW(object->parent, WM_NOTIFY, object->id, reinterpret_cast<LPARAM>(header));
+}
+
+void CommandToParent(HWND control, UINT notification) {
+    if (const WindowObject* object = LiveWindow(control))
+        SendMessageW(object->parent, WM_COMMAND,
+                     MAKELONG(static_cast<WORD>(object->id), static_cast<WORD>(notification)),
+                     reinterpret_cast<LPARAM>(control));
+}

@@ -1,0 +1,108 @@
+#include "platform/ui/screen/titlebar.h"
+
+#include <QLinearGradient>
+#include <QPainter>
+
+#include "platform/ui/core/windowcore.h"
+#include "platform/ui/screen/screen.h"
+
+namespace {
+
+// Pixels at 96 to the inch.
+constexpr int kTitleMargin = 6;
+constexpr int kTitleIconSize = 16;
+constexpr int kButtonInset = 3;
+constexpr int kOkWidth = 34;
+
+} // namespace
+
+TitleBarButton::TitleBarButton(QWidget* parent) : QAbstractButton(parent) {
+    setFocusPolicy(Qt::NoFocus);
+    setAttribute(Qt::WA_Hover);
+    hide();
+}
+
+void TitleBarButton::SetKind(TitleButton kind) {
+    shown = kind;
+    setAccessibleName(kind == TitleButton::Ok ? QStringLiteral("OK") : QStringLiteral("Close"));
+    setVisible(kind != TitleButton::None);
+    update();
+}
+
+void TitleBarButton::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF outline = QRectF(rect()).adjusted(1, 1, -1, -1);
+    const int fill = isDown() ? 120 : underMouse() ? 80 : 40;
+    painter.setPen(QPen(QColor(255, 255, 255, 200), 1.4));
+    painter.setBrush(QColor(255, 255, 255, fill));
+    painter.drawRoundedRect(outline, outline.height() / 2, outline.height() / 2);
+    painter.setPen(QPen(Qt::white, 1.8, Qt::SolidLine, Qt::RoundCap));
+    if (shown == TitleButton::Ok) {
+        QFont bold = font();
+        bold.setBold(true);
+        painter.setFont(bold);
+        painter.drawText(rect(), Qt::AlignCenter, QStringLiteral("ok"));
+    } else {
+        const qreal arm = outline.height() / 5;
+        const QPointF centre = outline.center();
+        painter.drawLine(centre + QPointF(-arm, -arm), centre + QPointF(arm, arm));
+        painter.drawLine(centre + QPointF(-arm, arm), centre + QPointF(arm, -arm));
+    }
+}
+
+TitleBar::TitleBar(QWidget* parent) : QWidget(parent), button(new TitleBarButton(this)) {
+    connect(
+        button, &QAbstractButton::clicked, this, [this] { Tapped(); });
+}
+
+void TitleBar::Show(const QString& title, TitleButton kind) {
+    text = title;
+    setAccessibleName(title);
+    if (button->Kind() != kind)
+        button->SetKind(kind);
+    resizeEvent(nullptr);
+    update();
+}
+
+void TitleBar::SetIcon(const QIcon& icon) {
+    picture = icon;
+    update();
+}
+
+void TitleBar::resizeEvent(QResizeEvent*) {
+    const int side = height() - 2 * Scaled(kButtonInset);
+    const int wide = button->Kind() == TitleButton::Ok ? std::max(side, Scaled(kOkWidth)) : side;
+    button->setGeometry(width() - wide - Scaled(kTitleMargin), Scaled(kButtonInset), wide, side);
+}
+
+void TitleBar::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    QLinearGradient shade(0, 0, 0, height());
+    shade.setColorAt(0, QColor(0x2a, 0x52, 0x8f));
+    shade.setColorAt(1, QColor(0x17, 0x33, 0x62));
+    painter.fillRect(rect(), shade);
+    QRect place = rect().adjusted(Scaled(kTitleMargin), 0, -Scaled(kTitleMargin), 0);
+    if (!picture.isNull()) {
+        const int side = Scaled(kTitleIconSize);
+        picture.paint(&painter, QRect(place.left(), (height() - side) / 2, side, side));
+        place.setLeft(place.left() + side + Scaled(kTitleMargin));
+    }
+    if (button->Kind() != TitleButton::None)
+        place.setRight(button->x() - Scaled(kTitleMargin));
+    QFont bold = font();
+    bold.setBold(true);
+    painter.setFont(bold);
+    painter.setPen(Qt::white);
+    painter.drawText(place, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
+                     painter.fontMetrics().elidedText(text, Qt::ElideRight, place.width()));
+}
+
+void TitleBar::Tapped() {
+    EndLabelEdit();
+    const HWND active = ActiveTopLevel();
+    if (button->Kind() == TitleButton::Ok)
+        PostMessageW(active, WM_COMMAND, IDOK, 0);
+    else
+        PostMessageW(active, WM_CLOSE, 0, 0);
+}
