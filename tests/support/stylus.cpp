@@ -1,10 +1,7 @@
 #include "tests/support/stylus.h"
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QLineEdit>
-#include <QMenu>
 #include <QTest>
 #include <QTimer>
 #include <QWindow>
@@ -13,7 +10,6 @@
 
 #include "platform/base/utf8.h"
 #include "platform/controls.h"
-#include "platform/resources.h"
 #include "platform/ui/controls/header.h"
 #include "platform/ui/core/messagequeue.h"
 #include "platform/ui/core/windowcore.h"
@@ -29,24 +25,6 @@ QWidget* HandheldDisplay() {
     return ScreenArea()->window();
 }
 
-bool IsTemplate(const DLGTEMPLATE* dialogTemplate, int id) {
-    const HRSRC resource = FindResourceW(nullptr, MAKEINTRESOURCEW(static_cast<WORD>(id)), RT_DIALOG);
-    return resource && LoadResource(nullptr, resource) == dialogTemplate;
-}
-
-std::string Utf8(const std::u16string& text) {
-    return ToUtf8(text);
-}
-
-QAction* FindAction(const QMenu* menu, const QString& text) {
-    for (QAction* action : menu->actions()) {
-        QString shown = action->text().section(QLatin1Char('\t'), 0, 0);
-        if (shown.remove(QLatin1Char('&')) == text)
-            return action;
-    }
-    return nullptr;
-}
-
 QPoint OnDisplay(HWND window, const QPoint& clientPoint) {
     return window->widget->mapTo(HandheldDisplay(), clientPoint);
 }
@@ -58,7 +36,7 @@ QRect HeaderSection(HWND list, const std::u16string& title) {
         if (header->model()->headerData(section, Qt::Horizontal).toString().toStdU16String() == title)
             return {header->sectionViewportPosition(section), 0, header->sectionSize(section),
                     header->height()};
-    ADD_FAILURE() << "no column " << Utf8(title);
+    ADD_FAILURE() << "no column " << ToUtf8(title);
     return {};
 }
 
@@ -188,7 +166,7 @@ QPoint Stylus::RowPoint(HWND list, const std::u16string& text) {
     const auto found = std::find(rows.begin(), rows.end(), text);
     auto* widget = dynamic_cast<ListWidget*>(list->widget.data());
     if (found == rows.end() || !widget) {
-        ADD_FAILURE() << "no row " << Utf8(text);
+        ADD_FAILURE() << "no row " << ToUtf8(text);
         return {};
     }
     const int row = static_cast<int>(found - rows.begin());
@@ -224,7 +202,7 @@ void Stylus::ChooseFromBar(HWND window, const std::u16string& path) {
             ExpectMenuFirst(path.substr(slash + 1));
         return Tap(bar, button->geometry().center());
     }
-    ADD_FAILURE() << "not in the menu bar: " << Utf8(name);
+    ADD_FAILURE() << "not in the menu bar: " << ToUtf8(name);
 }
 
 void Stylus::ChooseFromPopup(HWND list, const std::u16string& rowText, const std::u16string& item) {
@@ -252,168 +230,6 @@ void Stylus::Resize(int width, int height) {
 void Stylus::CloseDisplay() {
     HandheldDisplay()->close();
     Settle();
-}
-
-// ---- expecting ----
-
-void Stylus::ExpectBox(const std::u16string& text, int answer) {
-    expected.push_back({Kind::Box, text, answer, nullptr});
-}
-
-void Stylus::ExpectDialog(int templateId, std::function<void(HWND)> act) {
-    expected.push_back({Kind::Dialog, {}, templateId, std::move(act)});
-}
-
-void Stylus::AllowDialog(int templateId) {
-    allowed.insert(templateId);
-}
-
-void Stylus::ExpectMenu(const std::u16string& item) {
-    expected.push_back({Kind::Menu, item, 0, nullptr});
-}
-
-// For what opens a menu itself: what the item is to open is expected already.
-void Stylus::ExpectMenuFirst(const std::u16string& item) {
-    expected.push_front({Kind::Menu, item, 0, nullptr});
-}
-
-void Stylus::ExpectPicker(bool save, const std::u16string& name) {
-    expected.push_back({Kind::Picker, name, save, nullptr});
-}
-
-bool Stylus::Take(Kind kind, const std::function<bool(const Expected&)>& fits, Expected& taken) {
-    ++opened;
-    if (expected.empty() || expected.front().kind != kind || !fits(expected.front()))
-        return false;
-    taken = std::move(expected.front());
-    expected.pop_front();
-    return true;
-}
-
-// Beside the loop of what has opened.
-void Stylus::Answer(std::function<void()> act) {
-    ++answering;
-    StartScript([this, act = std::move(act)] {
-        act();
-        --answering;
-    });
-}
-
-std::string Stylus::Waiting() const {
-    if (expected.empty())
-        return "nothing";
-    static const char* const kKinds[] = {"box", "dialog", "menu", "picker"};
-    const Expected& next = expected.front();
-    return std::string(kKinds[static_cast<int>(next.kind)]) + " \"" + Utf8(next.text) + "\" " +
-           std::to_string(next.number);
-}
-
-void Stylus::BoxOpened(const MessageBoxSeen& box) {
-    Expected taken;
-    const HWND window = box.window;
-    if (Take(
-            Kind::Box, [&](const Expected& next) { return next.text == box.text; }, taken)) {
-        EXPECT_TRUE(GetDlgItem(window, taken.number)) << "no such answer: " << taken.number;
-        Answer([this, window, answer = taken.number] {
-            if (LiveWindow(window))
-                Tap(window, answer);
-        });
-        return;
-    }
-    ADD_FAILURE() << "unexpected message box: " << Utf8(box.text) << "; expected was " << Waiting();
-    StartScript([] { AnswerMessageBox(IDCANCEL); });
-}
-
-void Stylus::DialogOpened(const DialogSeen& dialog) {
-    Expected taken;
-    const HWND window = dialog.window;
-    if (Take(
-            Kind::Dialog,
-            [&](const Expected& next) { return IsTemplate(dialog.dialogTemplate, next.number); }, taken)) {
-        Answer([window, act = taken.act] {
-            if (LiveWindow(window) && act)
-                act(window);
-            else
-                PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
-        });
-        return;
-    }
-    for (const int id : allowed)
-        if (IsTemplate(dialog.dialogTemplate, id))
-            return;
-    ADD_FAILURE() << "unexpected dialog: " << Utf8(TextOf(window)) << "; expected was " << Waiting();
-    PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
-}
-
-void Stylus::MenuOpened(QMenu* menu) {
-    Expected taken;
-    const QPointer<QMenu> shown(menu);
-    if (Take(
-            Kind::Menu, [](const Expected&) { return true; }, taken)) {
-        Answer([this, shown, item = taken.text] {
-            if (shown)
-                ChooseItem(shown, item);
-        });
-        return;
-    }
-    ADD_FAILURE() << "unexpected menu; expected was " << Waiting();
-    StartScript([shown] {
-        if (shown)
-            shown->close();
-    });
-}
-
-void Stylus::ChooseItem(QMenu* menu, const std::u16string& item) {
-    const QStringList path = QString::fromStdU16String(item).split(QLatin1Char('/'));
-    QPointer<QMenu> shown(menu);
-    // An item may have a slash of its own, as may the way to it: the whole text comes first.
-    QAction* action = FindAction(menu, QString::fromStdU16String(item));
-    for (qsizetype i = 0; !action && i < path.size() && shown; ++i) {
-        QAction* step = FindAction(shown, path[i]);
-        if (!step || !step->menu()) {
-            action = step;
-            break;
-        }
-        const QPointer<QMenu> submenu(step->menu());
-        QTest::mouseClick(shown, Qt::LeftButton, {}, shown->actionGeometry(step).center());
-        if (!QTest::qWaitFor([&submenu] { return submenu && submenu->isVisible(); }))
-            break;
-        shown = submenu;
-    }
-    if (!action || !action->isEnabled()) {
-        ADD_FAILURE() << (action ? "greyed in the menu: " : "not in the menu: ") << Utf8(item);
-        menu->close();
-        return;
-    }
-    QTest::mouseClick(shown, Qt::LeftButton, {}, shown->actionGeometry(action).center());
-}
-
-void Stylus::PickerOpened(const PickerSeen& picker) {
-    Expected taken;
-    const QPointer<QWidget> shown(picker.widget);
-    if (Take(
-            Kind::Picker, [&](const Expected& next) { return (next.number != 0) == picker.save; }, taken)) {
-        Answer([this, shown, name = taken.text] {
-            if (shown)
-                FinishPicker(shown, name);
-        });
-        return;
-    }
-    ADD_FAILURE() << "unexpected picker; expected was " << Waiting();
-    StartScript([this, shown] {
-        if (shown)
-            FinishPicker(shown, u"");
-    });
-}
-
-void Stylus::FinishPicker(QWidget* picker, const std::u16string& name) {
-    const char* buttonName = name.empty() ? "pickerCancel" : "pickerAccept";
-    auto* edit = picker->findChild<QLineEdit*>(QStringLiteral("pickerName"));
-    auto* button = picker->findChild<QAbstractButton*>(QLatin1String(buttonName));
-    ASSERT_TRUE(edit && button);
-    edit->selectAll();
-    QTest::keyClicks(edit, QString::fromStdU16String(name));
-    QTest::mouseClick(button, Qt::LeftButton);
 }
 
 void Stylus::Beside(const std::function<void()>& program, std::function<void()> steps) {

@@ -2,6 +2,7 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QMenu>
+#include <QTimer>
 #include <QWindow>
 #include <algorithm>
 #include <cstdlib>
@@ -403,8 +404,10 @@ TEST_F(ListTest, ADoubleTapIsToldAndEditsNothing) {
     stylus.Tap(list, Spot(1));
     stylus.TapTwice(list, Spot(1));
     EXPECT_EQ(doubleTaps, 1);
-    QTest::qWait(QApplication::doubleClickInterval() + 100); // longer than an edit would take to begin
-    stylus.Settle();
+    bool rung = false; // later than an edit would begin
+    QTimer::singleShot(
+        QApplication::doubleClickInterval() + 100, [&rung] { rung = true; });
+    stylus.WaitFor([&rung] { return rung; }, "the later timer");
     EXPECT_EQ(list->widget->findChild<QLineEdit*>(), nullptr);
 }
 

@@ -1,4 +1,5 @@
 // The queue, timers, keys, accelerators and gestures.
+#include <QTimer>
 #include <QWindow>
 
 #include "platform/menu.h"
@@ -52,6 +53,14 @@ protected:
         return queued;
     }
 
+    // Until a timer of the host has rung, which every shorter one has done before.
+    static void PumpUntilRung(int milliseconds) {
+        bool rung = false;
+        QTimer::singleShot(milliseconds, [&rung] { rung = true; });
+        while (!rung)
+            PumpHost(true);
+    }
+
     HWND edit = nullptr;
     int timers = 0;
     DWORD gesture = 12345;
@@ -83,14 +92,13 @@ TEST_F(Messages, PostedOnesAndInputKeepTheirOrder) {
 
 TEST_F(Messages, ATimerWaitsInTheQueueOnce) {
     SetTimer(main, 5, 1, nullptr);
-    QTest::qWait(30);
-    PumpHost(false);
+    PumpUntilRung(30);
     MSG message;
     ASSERT_TRUE(PeekMessageW(&message, nullptr, WM_TIMER, WM_TIMER, PM_REMOVE));
     EXPECT_EQ(FindQueued(WM_TIMER, WM_TIMER), nullptr);
     stylus.WaitFor([this] { return timers >= 2; }, "the timer goes on");
-    QTest::qWait(10);
-    PumpHost(false);
+    PumpUntilRung(10);
+    ASSERT_TRUE(FindQueued(WM_TIMER, WM_TIMER));
     KillTimer(main, 5);
     EXPECT_TRUE(Queued().empty()); // not even what had fired already
     EXPECT_FALSE(KillTimer(main, 5));
