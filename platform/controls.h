@@ -1,5 +1,6 @@
-// The built-in controls: "BUTTON", "STATIC", "EDIT", "SysListView32" with its "SysHeader32",
-// "msctls_progress32". Messages, styles and notifications in the platform's own names and numbers.
+// The built-in controls: "BUTTON", "STATIC", "EDIT", "ComboBox", "SysDateTimePick32", "SysListView32" with
+// its "SysHeader32", "msctls_progress32". Messages, styles and notifications in the platform's own names and
+// numbers.
 #pragma once
 
 #include "platform/window.h"
@@ -59,12 +60,12 @@ constexpr UINT EN_CHANGE = 0x0300; // after typing and after WM_SETTEXT alike
 // ---- drop-down list: "ComboBox" ----
 constexpr DWORD CBS_DROPDOWNLIST = 0x0003;
 constexpr DWORD CBS_SORT = 0x0100;
-constexpr UINT CB_ADDSTRING = 0x0143; // lParam text; returns the item's place
+constexpr UINT CB_ADDSTRING = 0x0143; // lParam text; returns the item's index
 constexpr UINT CB_GETCOUNT = 0x0146;
 constexpr UINT CB_GETCURSEL = 0x0147; // CB_ERR for none
-constexpr UINT CB_SETCURSEL = 0x014E; // wParam place, -1 for none
+constexpr UINT CB_SETCURSEL = 0x014E; // wParam index, -1 for none
 constexpr UINT CB_GETITEMDATA = 0x0150;
-constexpr UINT CB_SETITEMDATA = 0x0151; // wParam place, lParam data
+constexpr UINT CB_SETITEMDATA = 0x0151; // wParam index, lParam data
 constexpr LRESULT CB_ERR = -1;
 constexpr UINT CBN_SELCHANGE = 1;
 
@@ -169,7 +170,7 @@ constexpr UINT LVM_GETTOPINDEX = 0x1027;
 constexpr UINT LVM_GETCOUNTPERPAGE = 0x1028;
 constexpr UINT LVM_SETITEMSTATE = 0x102B; // wParam row or -1 for all, lParam LVITEMW with state and stateMask
 constexpr UINT LVM_GETITEMSTATE = 0x102C; // wParam row, lParam mask
-// wParam for the comparison, lParam PFNLVCOMPARE. Stable; rows keep their places until it is done, so the
+// wParam for the comparison, lParam PFNLVCOMPARE. Stable; rows keep their indexes until it is done, so the
 // comparison may look them up. Selection and focus go with their rows.
 constexpr UINT LVM_SORTITEMS = 0x1030;
 constexpr UINT LVM_GETSELECTEDCOUNT = 0x1032;

@@ -1,4 +1,5 @@
 // The keys of dialogs.
+#include <QPushButton>
 #include <gtest/gtest.h>
 
 #include "platform/controls.h"
@@ -49,6 +50,15 @@ protected:
         stylus.Settle();
     }
     UINT FocusId() const { return GetFocus() ? GetFocus()->id : 0; }
+    // The buttons that look like the default one.
+    std::vector<UINT> Marked() const {
+        std::vector<UINT> marked;
+        for (const HWND child : dialog->children)
+            if (const auto* button = qobject_cast<const QPushButton*>(child->widget);
+                button && button->isDefault())
+                marked.push_back(child->id);
+        return marked;
+    }
     std::vector<UINT> Stops(Qt::KeyboardModifiers modifiers) {
         std::vector<UINT> stops;
         do {
@@ -87,9 +97,11 @@ TEST_F(DialogKeys, ArrowsChooseWithinTheGroup) {
 }
 
 TEST_F(DialogKeys, EnterAndEscapePressWhatTheyStandFor) {
+    EXPECT_EQ(Marked(), std::vector<UINT>{IDOK});
     stylus.Key(Qt::Key_Return);
     EXPECT_EQ(commands, std::vector<UINT>{IDOK});
     SetFocus(GetDlgItem(dialog, kApply));
+    EXPECT_EQ(Marked(), std::vector<UINT>{kApply});
     stylus.Key(Qt::Key_Return);
     stylus.Key(Qt::Key_Space);
     stylus.Key(Qt::Key_Escape);

@@ -95,6 +95,14 @@ protected:
         return static_cast<int>(Send(list, LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED));
     }
 
+    // Until the edit that a tap begins would have begun.
+    void AwaitEdit() {
+        bool rung = false;
+        QTimer::singleShot(
+            QApplication::doubleClickInterval() + 100, [&rung] { rung = true; });
+        stylus.WaitFor([&rung] { return rung; }, "the later timer");
+    }
+
     static QPoint OnDisplay(HWND window, QPoint point) {
         return window->widget->mapTo(ScreenArea()->window(), point);
     }
@@ -390,6 +398,10 @@ TEST_F(ListTest, ADoubleTapOnADividerFitsTheColumnToItsContents) {
     EXPECT_GT(view->sectionSize(1),
               metrics.horizontalAdvance(QStringLiteral("Column"))); // its title is cut never
     EXPECT_LT(view->sectionSize(1), 100);
+    // The width stays when the program fits another column.
+    const int fitted = view->sectionSize(1);
+    Send(list, LVM_SETCOLUMNWIDTH, 2, 90);
+    EXPECT_EQ(view->sectionSize(1), fitted);
     // Every text of the first column is whole; an empty list has its titles.
     stylus.TapTwice(header, QPoint(119, 10));
     EXPECT_GT(view->sectionSize(0), metrics.horizontalAdvance(QStringLiteral("row 0")));
@@ -404,10 +416,12 @@ TEST_F(ListTest, ADoubleTapIsToldAndEditsNothing) {
     stylus.Tap(list, Spot(1));
     stylus.TapTwice(list, Spot(1));
     EXPECT_EQ(doubleTaps, 1);
-    bool rung = false; // later than an edit would begin
-    QTimer::singleShot(
-        QApplication::doubleClickInterval() + 100, [&rung] { rung = true; });
-    stylus.WaitFor([&rung] { return rung; }, "the later timer");
+    AwaitEdit();
+    EXPECT_EQ(list->widget->findChild<QLineEdit*>(), nullptr);
+    // Nor does a tap that only gives the list the focus.
+    Focus(main);
+    stylus.Tap(list, Spot(1));
+    AwaitEdit();
     EXPECT_EQ(list->widget->findChild<QLineEdit*>(), nullptr);
 }
 

@@ -88,7 +88,7 @@ TEST(MenuData, BrokenResourcesMakeNoMenu) {
     const auto* const bytes = static_cast<const std::byte*>(LoadResource(nullptr, resource));
     const std::size_t size = SizeofResource(nullptr, resource);
     EXPECT_NE(ParseMenu(bytes, size), nullptr);
-    for (std::size_t cut = 0; cut < size; cut++)
+    for (std::size_t cut = 0; cut < size; ++cut)
         EXPECT_EQ(ParseMenu(std::vector<std::byte>(bytes, bytes + cut).data(), cut), nullptr) << cut;
     // Popups within popups without end.
     std::vector<WORD> deep(2000, 0);
@@ -182,7 +182,7 @@ TEST_F(Menus, KeysOpenPopupsAndMoveAlongTheBar) {
 
     EXPECT_TRUE(EnterMenuMode(bar));
     SendMessageW(bar, TB_ENABLEBUTTON, IDM_DELETE, FALSE);
-    for (int step = 0; step < 3; step++)
+    for (int step = 0; step < 3; ++step)
         QTest::keyClick(widget->window(), Qt::Key_Right);
     EXPECT_EQ(widget->Marked(), widget->Buttons()[4]); // past the greyed one
     QTest::keyClick(widget->window(), Qt::Key_Return);

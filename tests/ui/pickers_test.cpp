@@ -117,7 +117,7 @@ TEST_F(Pickers, FoldersAndFilesOfTheListAreOpened) {
         auto* const files = picker->findChild<QTreeView*>(QStringLiteral("pickerFiles"));
         const auto rowsOf = [files] {
             QStringList rows;
-            for (int i = 0; i < files->model()->rowCount(files->rootIndex()); i++)
+            for (int i = 0; i < files->model()->rowCount(files->rootIndex()); ++i)
                 rows += files->model()->index(i, 0, files->rootIndex()).data().toString();
             return rows;
         };

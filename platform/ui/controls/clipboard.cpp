@@ -121,16 +121,16 @@ void* Fetch(UINT format) {
 UINT RegisterClipboardFormatW(const WCHAR* name) {
     const QString wanted = HostText(name);
     QStringList& names = FormatNames();
-    qsizetype place = names.indexOf(wanted);
-    if (wanted.isEmpty() || (place < 0 && names.size() == kMostRegistered)) {
+    qsizetype index = names.indexOf(wanted);
+    if (wanted.isEmpty() || (index < 0 && names.size() == kMostRegistered)) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
-    if (place < 0) {
-        place = names.size();
+    if (index < 0) {
+        index = names.size();
         names.append(wanted);
     }
-    return kFirstRegistered + static_cast<UINT>(place);
+    return kFirstRegistered + static_cast<UINT>(index);
 }
 
 BOOL OpenClipboard(HWND window) {

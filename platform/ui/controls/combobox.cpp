@@ -58,20 +58,20 @@ public:
     }
 
     LRESULT Add(const WCHAR* text, bool sorted) {
-        const int place = sorted ? SortedPlace(text) : count();
+        const int index = sorted ? SortedIndex(text) : count();
         const int before = currentIndex();
-        insertItem(place, HostText(text));
+        insertItem(index, HostText(text));
         if (before < 0)
             setCurrentIndex(-1); // the host chooses the first item that comes
         changed = false;
-        return place;
+        return index;
     }
 
-    LRESULT Choose(int place) {
-        const bool valid = place >= 0 && place < count();
-        setCurrentIndex(valid ? place : -1);
+    LRESULT Choose(int index) {
+        const bool valid = index >= 0 && index < count();
+        setCurrentIndex(valid ? index : -1);
         changed = false;
-        return valid ? place : CB_ERR;
+        return valid ? index : CB_ERR;
     }
 
 protected:
@@ -89,11 +89,11 @@ private:
     }
 
     // Behind everything that is not greater.
-    int SortedPlace(const WCHAR* text) const {
-        int place = count();
-        while (place > 0 && lstrcmpiW(reinterpret_cast<const WCHAR*>(itemText(place - 1).utf16()), text) > 0)
-            --place;
-        return place;
+    int SortedIndex(const WCHAR* text) const {
+        int index = count();
+        while (index > 0 && lstrcmpiW(reinterpret_cast<const WCHAR*>(itemText(index - 1).utf16()), text) > 0)
+            --index;
+        return index;
     }
 
     bool changed = false; // by the user, and the parent does not know yet
@@ -109,8 +109,8 @@ LRESULT ComboBoxProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lPara
     DropList* list = WidgetOf<DropList>(window);
     if (!list)
         return DefaultControlProcedure(window, message, wParam, lParam);
-    const int place = static_cast<int>(wParam);
-    const bool exists = place >= 0 && place < list->count();
+    const int index = static_cast<int>(wParam);
+    const bool exists = index >= 0 && index < list->count();
     switch (message) {
     case WM_GETDLGCODE:
         return DLGC_WANTARROWS | DLGC_WANTCHARS;
@@ -123,12 +123,12 @@ LRESULT ComboBoxProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lPara
     case CB_GETCURSEL:
         return list->currentIndex() < 0 ? CB_ERR : list->currentIndex();
     case CB_SETCURSEL:
-        return list->Choose(place);
+        return list->Choose(index);
     case CB_GETITEMDATA:
-        return exists ? static_cast<LRESULT>(list->itemData(place).toLongLong()) : CB_ERR;
+        return exists ? static_cast<LRESULT>(list->itemData(index).toLongLong()) : CB_ERR;
     case CB_SETITEMDATA:
         if (exists)
-            list->setItemData(place, static_cast<qlonglong>(lParam));
+            list->setItemData(index, static_cast<qlonglong>(lParam));
         return exists ? 0 : CB_ERR;
     }
     return DefaultControlProcedure(window, message, wParam, lParam);

@@ -95,10 +95,10 @@ void HeaderView::paintSection(QPainter* painter, const QRect& rect, int section)
         int alignment = column.headerFormat & HDF_CENTER  ? Qt::AlignHCenter
                         : column.headerFormat & HDF_RIGHT ? Qt::AlignRight
                                                           : Qt::AlignLeft;
-        QRect place = inside.adjusted(kTitleMargin, 0, -kTitleMargin, 0);
+        QRect titleRect = inside.adjusted(kTitleMargin, 0, -kTitleMargin, 0);
         painter->setPen(palette().color(QPalette::WindowText));
-        painter->drawText(place, alignment | Qt::AlignVCenter | Qt::TextSingleLine,
-                          QFontMetrics(font()).elidedText(column.title, Qt::ElideRight, place.width()));
+        painter->drawText(titleRect, alignment | Qt::AlignVCenter | Qt::TextSingleLine,
+                          QFontMetrics(font()).elidedText(column.title, Qt::ElideRight, titleRect.width()));
     }
     painter->restore();
 }

@@ -1,4 +1,4 @@
-// Editing a row's label in its place.
+// Editing a row's label where it is shown.
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QKeyEvent>
@@ -52,13 +52,13 @@ bool ListWidget::EditLabel(int row) {
     QAbstractItemView* view = CurrentView();
     view->scrollTo(model->index(row, 0));
     QRect cell = view->visualRect(model->index(row, 0));
-    QRect place = LayOutCell(*this, cell, row, 0).label;
-    place.setWidth(std::max(place.width() + 40, 120));
-    place.setRight(std::min(place.right(), std::max(cell.right(), view->viewport()->width() - 1)));
+    QRect area = LayOutCell(*this, cell, row, 0).label;
+    area.setWidth(std::max(area.width() + 40, 120));
+    area.setRight(std::min(area.right(), std::max(cell.right(), view->viewport()->width() - 1)));
     editor = new LabelEditor(*this, view->viewport(), model->Text(row, 0));
     editedRow = row;
-    place.setHeight(std::max(place.height(), editor->sizeHint().height()));
-    editor->setGeometry(place);
+    area.setHeight(std::max(area.height(), editor->sizeHint().height()));
+    editor->setGeometry(area);
     editor->show();
     editor->setFocus();
     return true;
@@ -71,7 +71,7 @@ void ListWidget::FinishLabelEdit(bool accept) {
     QLineEdit* ended = std::exchange(editor, nullptr);
     int row = std::exchange(editedRow, -1);
     QString text = ended->text();
-    // Where the focus is on its way elsewhere, the host must not look for another place by itself.
+    // When the focus is moving to another window, the host must not give it to the next widget by itself.
     if (HasKeyboard())
         CurrentView()->setFocus();
     else

@@ -27,10 +27,10 @@ LRESULT InsertItem(ListWidget& list, const LVITEMW& item) {
     row.state = state & LVIS_STATEIMAGEMASK;
     if (list.CheckBoxes() && !row.state)
         row.state = kUnchecked;
-    int place = list.model->InsertRow(item.iItem, std::move(row));
+    const int inserted = list.model->InsertRow(item.iItem, std::move(row));
     if (UINT begins = state & (LVIS_SELECTED | LVIS_FOCUSED))
-        list.SetRowState(place, begins, begins);
-    return place;
+        list.SetRowState(inserted, begins, begins);
+    return inserted;
 }
 
 BOOL SetItem(ListWidget& list, const LVITEMW& item) {
@@ -74,7 +74,7 @@ BOOL SetItemState(ListWidget& list, int row, const LVITEMW& item) {
     return TRUE;
 }
 
-LRESULT InsertColumn(ListWidget& list, int place, const LVCOLUMNW& in) {
+LRESULT InsertColumn(ListWidget& list, int index, const LVCOLUMNW& in) {
     ListColumn column;
     if (in.mask & LVCF_TEXT)
         column.title = HostText(in.pszText);
@@ -84,10 +84,10 @@ LRESULT InsertColumn(ListWidget& list, int place, const LVCOLUMNW& in) {
         column.alignment = in.fmt & HDF_JUSTIFYMASK;
     column.headerFormat = column.alignment;
     int top = list.TopRow();
-    place = list.model->InsertColumn(place, std::move(column));
+    index = list.model->InsertColumn(index, std::move(column));
     list.ApplyColumnWidths();
     list.ShowRows(top);
-    return place;
+    return index;
 }
 
 void SetExtendedStyle(ListWidget& list, DWORD mask, DWORD bits) {

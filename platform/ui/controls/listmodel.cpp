@@ -41,8 +41,8 @@ QVariant ListModel::headerData(int section, Qt::Orientation orientation, int rol
 
 QString ListModel::Text(int row, int column) const {
     const std::vector<QString>& texts = Row(row).texts;
-    auto place = static_cast<std::size_t>(column);
-    return column >= 0 && place < texts.size() ? texts[place] : QString();
+    auto index = static_cast<std::size_t>(column);
+    return column >= 0 && index < texts.size() ? texts[index] : QString();
 }
 
 int ListModel::FocusedRow() const {
@@ -70,7 +70,7 @@ int ListModel::RowOfParam(LPARAM param) {
 int ListModel::InsertRow(int position, ListRow row) {
     Detach();
     position = std::clamp(position, 0, RowCount());
-    // What may find no memory comes first; the rows stay as they were then.
+    // Whatever may run out of memory is done first, so that the rows stay as they were when it does.
     if (rows.size() == rows.capacity())
         rows.reserve(std::max<std::size_t>(kFirstRows, 2 * rows.size()));
     const bool paramsKnown = !std::exchange(paramsStale, true) && position == RowCount();
@@ -115,10 +115,10 @@ int ListModel::InsertColumn(int position, ListColumn column) {
 
 void ListModel::SetText(int row, int column, const QString& text) {
     std::vector<QString>& texts = RowAt(row).texts;
-    auto place = static_cast<std::size_t>(column);
-    if (place >= texts.size())
-        texts.resize(place + 1);
-    texts[place] = text;
+    auto index = static_cast<std::size_t>(column);
+    if (index >= texts.size())
+        texts.resize(index + 1);
+    texts[index] = text;
     Changed(row, column);
 }
 

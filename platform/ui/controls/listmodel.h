@@ -51,7 +51,7 @@ public:
     void SetImage(int row, int image);
     void SetParam(int row, LPARAM param);
     void SetState(int row, UINT state); // tells the views nothing about selection and focus
-    // order[i] is the old place of what becomes row i.
+    // order[i] is the old index of what becomes row i.
     void Reorder(const std::vector<int>& order);
     void ColumnChanged(int column);
 

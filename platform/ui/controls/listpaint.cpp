@@ -30,9 +30,9 @@ CellLayout LayOutLargeIcon(const ListWidget& list, const QRect& cell, const QStr
     return layout;
 }
 
-void PaintCheck(QPainter& painter, const ListWidget& list, const QRect& place, bool checked) {
+void PaintCheck(QPainter& painter, const ListWidget& list, const QRect& rect, bool checked) {
     QStyleOptionViewItem option;
-    option.rect = place;
+    option.rect = rect;
     option.palette = list.palette();
     option.state = (list.isEnabled() ? QStyle::State_Enabled : QStyle::State_None) |
                    (checked ? QStyle::State_On : QStyle::State_Off);
@@ -44,35 +44,35 @@ QString Shortened(const QFontMetrics& metrics, const QString& text, int room) {
 }
 
 // Two lines at the most, broken between words where that is possible.
-void PaintIconLabel(QPainter& painter, const QFont& font, const QRect& place, const QString& text) {
+void PaintIconLabel(QPainter& painter, const QFont& font, const QRect& rect, const QString& text) {
     QFontMetrics metrics(font);
-    QRect line(place.x(), place.y(), place.width(), metrics.lineSpacing());
+    QRect line(rect.x(), rect.y(), rect.width(), metrics.lineSpacing());
     int broken = static_cast<int>(text.size());
-    if (metrics.horizontalAdvance(text) > place.width()) {
+    if (metrics.horizontalAdvance(text) > rect.width()) {
         QTextLayout layout(text, font);
         QTextOption option;
         option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
         layout.setTextOption(option);
         layout.beginLayout();
         QTextLine first = layout.createLine();
-        first.setLineWidth(place.width());
+        first.setLineWidth(rect.width());
         layout.endLayout();
         broken = first.textLength();
     }
     int flags = Qt::AlignHCenter | Qt::AlignTop | Qt::TextSingleLine;
     painter.drawText(line, flags, text.left(broken).trimmed());
     line.translate(0, line.height());
-    painter.drawText(line, flags, Shortened(metrics, text.mid(broken), place.width()));
+    painter.drawText(line, flags, Shortened(metrics, text.mid(broken), rect.width()));
 }
 
-void PaintLabel(QPainter& painter, const ListWidget& list, const QRect& place, const QString& text,
+void PaintLabel(QPainter& painter, const ListWidget& list, const QRect& rect, const QString& text,
                 int alignment) {
     QFont font = list.CurrentView()->font();
     if (list.View() == LVS_ICON)
-        PaintIconLabel(painter, font, place, text);
+        PaintIconLabel(painter, font, rect, text);
     else
-        painter.drawText(place, alignment | Qt::AlignVCenter | Qt::TextSingleLine,
-                         Shortened(QFontMetrics(font), text, place.width()));
+        painter.drawText(rect, alignment | Qt::AlignVCenter | Qt::TextSingleLine,
+                         Shortened(QFontMetrics(font), text, rect.width()));
 }
 
 // A text in the last column may run on into the empty space behind it, since nothing stands there.

@@ -60,7 +60,7 @@ void ListWidget::TakeViewSelection() {
             wanted[static_cast<std::size_t>(row)] |= LVIS_SELECTED;
     if (selection->currentIndex().isValid())
         wanted[static_cast<std::size_t>(selection->currentIndex().row())] |= LVIS_FOCUSED;
-    // Rows that lose something come first, so that never two seem to be selected where it can be only one.
+    // Rows that lose a state come first, so that a list for one selected row never shows two.
     std::vector<std::pair<int, UINT>> losses, gains;
     for (int row = 0; row < model->RowCount(); ++row) {
         UINT old = model->Row(row).state;

@@ -54,7 +54,7 @@ LRESULT MoveTo(ProgressBar& bar, qint64 position) {
     return previous;
 }
 
-// A step past the end starts again from the low end, as the platform has it.
+// Quirk: a step past the end starts again from the low end, as on the handheld.
 LRESULT StepIt(ProgressBar& bar) {
     qint64 next = static_cast<qint64>(bar.value()) + bar.step;
     return MoveTo(bar, next > bar.maximum() ? bar.minimum() : next);

@@ -10,7 +10,7 @@ struct KeyPair {
     UINT virtualKey;
 };
 
-// A virtual key's first entry is the one that stands for it on the way back.
+// HostKeyOf takes a virtual key's first entry.
 constexpr std::array kKeys = {
     KeyPair{Qt::Key_Backspace, VK_BACK},  KeyPair{Qt::Key_Tab, VK_TAB},
     KeyPair{Qt::Key_Backtab, VK_TAB},     KeyPair{Qt::Key_Return, VK_RETURN},
@@ -71,7 +71,7 @@ void NoteKeys(const QEvent& event) {
                                      : key == Qt::Key_Alt     ? Qt::AltModifier
                                                               : Qt::NoModifier;
     keys.modifiers.setFlag(own, event.type() == QEvent::KeyPress);
-    // Here, for a key that a dialog or an accelerator takes never comes to the menu bar.
+    // Done here, because the menu bar never sees a key that a dialog or an accelerator takes.
     if (key != Qt::Key_Alt)
         keys.altAlone = false;
 }

@@ -11,7 +11,7 @@
 
 namespace {
 
-// With messages waiting, the host still gets its turn this often; without, it need not be asked more often.
+// How often the host handles its events while messages are waiting.
 constexpr qint64 kPumpInterval = 10; // milliseconds
 
 struct Entry {

@@ -1,4 +1,4 @@
-// What all that waits for the user has in common: dialogs, message boxes, pickers, tracked menus.
+// The message loop of everything that waits for the user: dialogs, message boxes, pickers, tracked menus.
 #include <vector>
 
 #include "platform/ui/core/testhooks.h"

@@ -1,5 +1,5 @@
-// Told when something modal opens, before its message loop starts: the place where a test answers it. All
-// empty in the program itself.
+// Called when something modal opens, before its message loop starts, so that a test can answer it. All empty
+// in the program itself.
 #pragma once
 
 #include <functional>

@@ -26,8 +26,8 @@ void DeleteBuriedWidgets(int dispatchDepth);
 // ---- stacking ----
 // Puts the window above all others but those that it owns, which come along above it.
 void RaiseFamily(HWND window);
-// The shown window that stands in front of this one because it is owned by it, through any number of owners;
-// the window itself when there is none. Only the front one can be used: it covers the others.
+// The topmost shown window that this one owns, directly or through other windows; the window itself when
+// there is none. Only that one can be used: it covers the others.
 HWND FrontOfFamily(HWND window);
 // What a full-screen window covers need not be painted, nor be found by assistive programs.
 void HideCoveredFrames();
@@ -35,7 +35,7 @@ void HideCoveredFrames();
 // ---- focus and activation ----
 HWND ActiveTopLevel();
 // Brings the window to the front, tells both windows, and gives the focus back to the child that had it.
-// Where a window that it owns stands before it, that one becomes active.
+// When it owns a shown window, that one becomes active instead.
 void ActivateTopLevel(HWND window);
 // After a window was hidden, disabled or destroyed: whoever comes next becomes active.
 void PassActivationOn(HWND from);
@@ -50,7 +50,7 @@ void DropFocusInside(HWND window);
 
 // ---- geometry ----
 // Client coordinates of the parent; sends WM_SIZE when the size changed.
-void PlaceWindow(HWND window, const QRect& place);
+void PlaceWindow(HWND window, const QRect& rect);
 // All top-level windows, after the screen changed.
 void LayOutScreen();
 void UpdateTitleBar();

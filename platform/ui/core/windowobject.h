@@ -33,10 +33,10 @@ struct ControlState {
     virtual ~ControlState() = default;
 };
 
-// Where a control stood when its dialog was made.
-struct HomePlace {
+// A control's rectangle when its dialog was made.
+struct ControlHome {
     HWND control;
-    QRect place;
+    QRect rect;
 };
 
 // What only dialogs have.
@@ -46,11 +46,11 @@ struct DialogData {
     bool ended = false;
     LONG_PTR result = 0;
     UINT defaultId = 0; // the default push button's id, 0 for none
-    // How the controls follow the screen: the template's size, the places it gave, and those of controls that
-    // the program added, counted from the screen's right side.
+    // How the controls follow the screen: the template's size, the controls' rectangles in it, and those of
+    // controls that the program added, counted from the screen's right side.
     QSize natural;
-    std::vector<HomePlace> homes;
-    std::vector<HomePlace> added;
+    std::vector<ControlHome> homes;
+    std::vector<ControlHome> added;
     QPointer<QScrollBar> scrollBars[2]; // across and down, made when first needed
     QRect shown;                        // the part of the frame that shows the dialog
     // Set by the dialog manager; null in a dialog that does not care.
@@ -63,7 +63,7 @@ enum class TitleButton { None, Ok, Close };
 
 // What only top-level windows have.
 struct TopLevelState {
-    QPointer<QWidget> frame; // stands on the screen's area, around the window's own widget
+    QPointer<QWidget> frame; // fills the screen's area, around the window's own widget
     HWND lastFocus = nullptr;
     TitleButton button = TitleButton::None;
     bool fullScreen = true; // else a card of `cardSize` in the middle of the screen
@@ -148,9 +148,9 @@ void EndLabelEdit();
 
 // The widget under which top-level windows stand, and its size.
 QWidget* ScreenArea();
-// Gives a top-level window its place on the screen, its menu bar the top of it, and sends WM_SIZE when the
-// client area changed. For a bar whose height changed.
+// Lays out a top-level window on the screen with its menu bar at its top, and sends WM_SIZE when the client
+// area changed. Also called when the bar's height changed.
 void LayOutTopLevel(HWND window);
 
-// The id that every menu bar has. In a dialog it stands above the client area, elsewhere at its top.
+// The id that every menu bar has. In a dialog the bar is above the client area, elsewhere at its top.
 constexpr UINT kMenuBarId = 10005;

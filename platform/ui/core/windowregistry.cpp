@@ -9,7 +9,7 @@
 
 namespace {
 
-// So many destroyed windows are remembered before their memory is used again.
+// How many destroyed windows keep their memory, so that a handle that is still in use reads a dead window.
 constexpr std::size_t kRememberedWindows = 512;
 
 struct BuriedWidget {
@@ -27,7 +27,7 @@ struct Registry {
     ATOM lastAtom = 0xC000;
 };
 
-// Never destroyed: widgets that go at process end still look themselves up.
+// Never destroyed: widgets that are deleted at process end still look themselves up.
 Registry& TheRegistry() {
     static auto* registry = new Registry;
     return *registry;

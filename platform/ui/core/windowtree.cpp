@@ -19,8 +19,8 @@ HWND GetWindow(HWND window, UINT relation) {
         return object->children.empty() ? nullptr : object->children.front();
     WindowObject* parent = LiveWindow(object->parent);
     const std::vector<HWND>& siblings = parent ? parent->children : TopLevelWindows();
-    const auto place = std::find(siblings.begin(), siblings.end(), window);
-    if (place == siblings.end())
+    const auto found = std::find(siblings.begin(), siblings.end(), window);
+    if (found == siblings.end())
         return nullptr;
     switch (relation) {
     case GW_HWNDFIRST:
@@ -28,9 +28,9 @@ HWND GetWindow(HWND window, UINT relation) {
     case GW_HWNDLAST:
         return siblings.back();
     case GW_HWNDNEXT:
-        return place + 1 == siblings.end() ? nullptr : *(place + 1);
+        return found + 1 == siblings.end() ? nullptr : *(found + 1);
     case GW_HWNDPREV:
-        return place == siblings.begin() ? nullptr : *(place - 1);
+        return found == siblings.begin() ? nullptr : *(found - 1);
     }
     return nullptr;
 }
@@ -51,7 +51,7 @@ int GetClassNameW(HWND window, WCHAR* name, int capacity) {
 
 namespace {
 
-// Where the extra bytes hold a value at that offset; null outside.
+// The extra bytes at that offset; null when no value fits there.
 std::byte* ExtraValue(WindowObject& window, int offset) {
     const bool inside =
         offset >= 0 && static_cast<std::size_t>(offset) + sizeof(LONG_PTR) <= window.extra.size();
@@ -75,8 +75,8 @@ LONG_PTR GetWindowLongPtrW(HWND window, int index) {
         return object->userData;
     }
     LONG_PTR value = 0;
-    if (const std::byte* place = ExtraValue(*object, index))
-        std::memcpy(&value, place, sizeof(value));
+    if (const std::byte* bytes = ExtraValue(*object, index))
+        std::memcpy(&value, bytes, sizeof(value));
     return value;
 }
 
@@ -100,8 +100,8 @@ LONG_PTR SetWindowLongPtrW(HWND window, int index, LONG_PTR value) {
         object->userData = value;
         break;
     default:
-        if (std::byte* place = ExtraValue(*object, index))
-            std::memcpy(place, &value, sizeof(value));
+        if (std::byte* bytes = ExtraValue(*object, index))
+            std::memcpy(bytes, &value, sizeof(value));
     }
     return previous;
 }

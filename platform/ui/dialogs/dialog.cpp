@@ -35,7 +35,7 @@ HFONT DialogFont(int pointSize) {
     return font;
 }
 
-// Pixels that four units across and eight units down stand for.
+// The size in pixels of four dialog units across and eight down.
 QSize BaseUnits(HFONT font) {
     const QFontMetrics metrics(FontOf(font));
     const QString alphabet = QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz");

@@ -8,7 +8,7 @@ std::shared_ptr<DialogData> NewDialogData(DLGPROC procedure, bool modal);
 // Shows a finished dialog and runs it until EndDialog, with the owner's top-level window disabled; destroys
 // it and returns EndDialog's result, 0 when it was destroyed before.
 LONG_PTR RunDialog(HWND dialog, HWND owner);
-// Keeps the places that the template gave to the controls.
+// Remembers the rectangles that the template gave to the controls.
 void RememberLayout(HWND dialog);
 // Gives a full-screen dialog that part of its frame, and its controls their places in it. What does not fit
 // is scrolled.

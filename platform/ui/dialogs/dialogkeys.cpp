@@ -81,9 +81,9 @@ bool MoveInGroup(HWND dialog, HWND control, bool backwards) {
         if (member == control ||
             (CanBeReached(member) && CodeOf(member) & DLGC_BUTTON && IsRadio(member) == radio))
             group.push_back(member);
-    const auto place = std::find(group.begin(), group.end(), control) - group.begin();
+    const auto index = std::find(group.begin(), group.end(), control) - group.begin();
     const auto count = static_cast<std::ptrdiff_t>(group.size());
-    const HWND next = group[static_cast<std::size_t>((place + (backwards ? count - 1 : 1)) % count)];
+    const HWND next = group[static_cast<std::size_t>((index + (backwards ? count - 1 : 1)) % count)];
     if (next != control) {
         SetFocus(next);
         if (radio)

@@ -47,12 +47,12 @@ int EdgeShift(int edge, int width, int extra) {
     return std::abs(edge - width / 2.0) < kMiddleZone * width ? extra / 2 : 0;
 }
 
-// Buttons side by side stay so: how far their row goes.
-int RowShift(const std::vector<HomePlace>& homes, const HomePlace& member, int width, int extra) {
-    QRect row = member.place;
-    for (const HomePlace& other : homes)
-        if (LiveWindow(other.control) && IsPushButton(*other.control) && other.place.top() == row.top())
-            row |= other.place;
+// How far a row of buttons moves; buttons side by side stay together.
+int RowShift(const std::vector<ControlHome>& homes, const ControlHome& member, int width, int extra) {
+    QRect row = member.rect;
+    for (const ControlHome& other : homes)
+        if (LiveWindow(other.control) && IsPushButton(*other.control) && other.rect.top() == row.top())
+            row |= other.rect;
     const int rightGap = width - row.x() - row.width();
     if (std::abs(row.x() - rightGap) <= kCentredWithin * width)
         return extra / 2;
@@ -66,21 +66,21 @@ struct GrowLine {
     int tallest;
 };
 
-std::vector<GrowLine> GrowLinesOf(const std::vector<HomePlace>& homes) {
+std::vector<GrowLine> GrowLinesOf(const std::vector<ControlHome>& homes) {
     std::vector<GrowLine> lines;
-    for (const HomePlace& home : homes) {
+    for (const ControlHome& home : homes) {
         if (!LiveWindow(home.control) || !IsTall(*home.control))
             continue;
-        const int top = home.place.y();
-        const int bottom = top + home.place.height();
+        const int top = home.rect.y();
+        const int bottom = top + home.rect.height();
         const auto beside = std::find_if(lines.begin(), lines.end(), [&](const GrowLine& line) {
             return top < line.bottom && line.top < bottom;
         });
         if (beside == lines.end())
-            lines.push_back({top, bottom, home.place.height()});
+            lines.push_back({top, bottom, home.rect.height()});
         else
             *beside = {std::max(beside->top, top), std::min(beside->bottom, bottom),
-                       std::min(beside->tallest, home.place.height())};
+                       std::min(beside->tallest, home.rect.height())};
     }
     return lines;
 }
@@ -91,41 +91,41 @@ int ShiftDown(const std::vector<GrowLine>& lines, int edge, int extra) {
     return crossed ? extra * static_cast<int>(crossed) / static_cast<int>(lines.size()) : 0;
 }
 
-QRect PlaceOf(const std::vector<HomePlace>& homes, const HomePlace& home, const QSize& natural,
-              const QSize& extra, const std::vector<GrowLine>& lines) {
+QRect RectOf(const std::vector<ControlHome>& homes, const ControlHome& home, const QSize& natural,
+             const QSize& extra, const std::vector<GrowLine>& lines) {
     const WindowObject& control = *home.control;
-    QRect place = home.place;
-    const int right = place.x() + place.width();
+    QRect rect = home.rect;
+    const int right = rect.x() + rect.width();
     if (IsPushButton(control)) {
-        place.translate(RowShift(homes, home, natural.width(), extra.width()), 0);
+        rect.translate(RowShift(homes, home, natural.width(), extra.width()), 0);
     } else {
-        place.setLeft(place.x() + EdgeShift(place.x(), natural.width(), extra.width()));
-        place.setWidth(right + EdgeShift(right, natural.width(), extra.width()) - place.x());
+        rect.setLeft(rect.x() + EdgeShift(rect.x(), natural.width(), extra.width()));
+        rect.setWidth(right + EdgeShift(right, natural.width(), extra.width()) - rect.x());
     }
     const bool grows = IsTall(control) || IsButtonOfKind(control, BS_GROUPBOX);
-    const int down = ShiftDown(lines, place.y(), extra.height());
-    const int bottom = place.y() + place.height();
-    place.setHeight(place.height() + (grows ? ShiftDown(lines, bottom, extra.height()) - down : 0));
-    place.translate(0, down);
-    return place;
+    const int down = ShiftDown(lines, rect.y(), extra.height());
+    const int bottom = rect.y() + rect.height();
+    rect.setHeight(rect.height() + (grows ? ShiftDown(lines, bottom, extra.height()) - down : 0));
+    rect.translate(0, down);
+    return rect;
 }
 
-// What the program adds by itself it placed on the screen that there was: it keeps its distance to the right
-// side.
+// A control that the program adds was placed for the screen's width at that time: it keeps its distance to
+// the right side.
 void ArrangeAdded(HWND dialog, int visibleWidth) {
-    std::vector<HomePlace>& added = dialog->dialog->added;
+    std::vector<ControlHome>& added = dialog->dialog->added;
     const int screen = dialog->topLevel->frame->width();
     for (HWND child : dialog->children) {
-        const auto isChild = [child](const HomePlace& home) { return home.control == child; };
+        const auto isChild = [child](const ControlHome& home) { return home.control == child; };
         if (child->id != kMenuBarId && child->widget &&
             std::none_of(dialog->dialog->homes.begin(), dialog->dialog->homes.end(), isChild) &&
             std::none_of(added.begin(), added.end(), isChild))
             added.push_back({child, child->widget->geometry().translated(-screen, 0)});
     }
-    for (const HomePlace& home : added) {
-        const int left = std::min(screen + home.place.x(), visibleWidth - home.place.width());
+    for (const ControlHome& home : added) {
+        const int left = std::min(screen + home.rect.x(), visibleWidth - home.rect.width());
         if (LiveWindow(home.control))
-            PlaceWindow(home.control, QRect(QPoint(std::max(0, left), home.place.y()), home.place.size()));
+            PlaceWindow(home.control, QRect(QPoint(std::max(0, left), home.rect.y()), home.rect.size()));
     }
 }
 
@@ -146,16 +146,16 @@ QScrollBar* BarOf(HWND dialog, Qt::Orientation orientation) {
 }
 
 // Returns how far that bar has scrolled.
-int ShowBar(HWND dialog, Qt::Orientation orientation, const QRect& place, int shown, int whole) {
-    if (whole <= shown && !dialog->dialog->scrollBars[orientation == Qt::Vertical])
+int ShowBar(HWND dialog, Qt::Orientation orientation, const QRect& rect, int shown, int wanted) {
+    if (wanted <= shown && !dialog->dialog->scrollBars[orientation == Qt::Vertical])
         return 0;
     QScrollBar* bar = BarOf(dialog, orientation);
     const QSignalBlocker quiet(bar);
-    bar->setRange(0, std::max(0, whole - shown));
+    bar->setRange(0, std::max(0, wanted - shown));
     bar->setPageStep(shown);
     bar->setSingleStep(Scaled(kScrollStep));
-    bar->setGeometry(place);
-    bar->setVisible(whole > shown);
+    bar->setGeometry(rect);
+    bar->setVisible(wanted > shown);
     bar->raise();
     return bar->value();
 }
@@ -181,18 +181,18 @@ void LayOutDialog(HWND dialog, const QRect& client) {
         down = shown.height() < least.height();
         shown = client.size() - QSize(down ? thickness : 0, across ? thickness : 0);
     }
-    const QSize whole = shown.expandedTo(least);
-    const QRect acrossPlace(client.x(), client.y() + shown.height(), shown.width(), thickness);
-    const QRect downPlace(client.x() + shown.width(), client.y(), thickness, shown.height());
-    const QPoint scrolled(ShowBar(dialog, Qt::Horizontal, acrossPlace, shown.width(), whole.width()),
-                          ShowBar(dialog, Qt::Vertical, downPlace, shown.height(), whole.height()));
+    const QSize wanted = shown.expandedTo(least);
+    const QRect acrossRect(client.x(), client.y() + shown.height(), shown.width(), thickness);
+    const QRect downRect(client.x() + shown.width(), client.y(), thickness, shown.height());
+    const QPoint scrolled(ShowBar(dialog, Qt::Horizontal, acrossRect, shown.width(), wanted.width()),
+                          ShowBar(dialog, Qt::Vertical, downRect, shown.height(), wanted.height()));
     data->shown = QRect(client.topLeft(), shown);
-    PlaceWindow(dialog, QRect(client.topLeft() - scrolled, whole));
-    const QSize extra = whole - data->natural;
+    PlaceWindow(dialog, QRect(client.topLeft() - scrolled, wanted));
+    const QSize extra = wanted - data->natural;
     const std::vector<GrowLine> lines = GrowLinesOf(data->homes);
-    for (const HomePlace& home : data->homes)
+    for (const ControlHome& home : data->homes)
         if (LiveWindow(home.control))
-            PlaceWindow(home.control, PlaceOf(data->homes, home, data->natural, extra, lines));
+            PlaceWindow(home.control, RectOf(data->homes, home, data->natural, extra, lines));
     if (LiveWindow(dialog))
         ArrangeAdded(dialog, shown.width());
 }
@@ -202,14 +202,14 @@ void ScrollIntoView(HWND control) {
     if (!LiveWindow(dialog) || dialog == control || !dialog->dialog || !control->widget)
         return;
     const QRect& shown = dialog->dialog->shown;
-    const QRect place(control->widget->mapTo(dialog->topLevel->frame.data(), QPoint(0, 0)),
-                      control->widget->size());
+    const QRect rect(control->widget->mapTo(dialog->topLevel->frame.data(), QPoint(0, 0)),
+                     control->widget->size());
     const auto scroll = [](QScrollBar* bar, int before, int after) {
         if (bar && (before < 0 || after > 0))
             bar->setValue(bar->value() + (before < 0 ? before : std::min(before, after)));
     };
-    scroll(dialog->dialog->scrollBars[0], place.left() - shown.left(), place.right() - shown.right());
-    scroll(dialog->dialog->scrollBars[1], place.top() - shown.top(), place.bottom() - shown.bottom());
+    scroll(dialog->dialog->scrollBars[0], rect.left() - shown.left(), rect.right() - shown.right());
+    scroll(dialog->dialog->scrollBars[1], rect.top() - shown.top(), rect.bottom() - shown.bottom());
 }
 
 void ScrollByWheel(HWND dialog, int delta) {

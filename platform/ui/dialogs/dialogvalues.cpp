@@ -16,22 +16,22 @@ std::u16string TextOfItem(HWND dialog, int id) {
 }
 
 bool ParseNumber(const std::u16string& text, bool isSigned, UINT* number) {
-    std::size_t place = 0;
-    while (place < text.size() && IsSpaceCharacter(text[place]))
-        ++place;
-    const bool negative = isSigned && place < text.size() && text[place] == u'-';
+    std::size_t index = 0;
+    while (index < text.size() && IsSpaceCharacter(text[index]))
+        ++index;
+    const bool negative = isSigned && index < text.size() && text[index] == u'-';
     if (negative)
-        ++place;
-    if (place == text.size())
+        ++index;
+    if (index == text.size())
         return false;
     constexpr std::uint64_t kLargestSigned = std::numeric_limits<LONG>::max();
     const std::uint64_t limit =
         isSigned ? kLargestSigned + (negative ? 1 : 0) : std::numeric_limits<UINT>::max();
     std::uint64_t magnitude = 0;
-    for (; place < text.size(); ++place) {
-        if (text[place] < u'0' || text[place] > u'9')
+    for (; index < text.size(); ++index) {
+        if (text[index] < u'0' || text[index] > u'9')
             return false;
-        magnitude = magnitude * 10 + (text[place] - u'0');
+        magnitude = magnitude * 10 + (text[index] - u'0');
         if (magnitude > limit)
             return false;
     }

@@ -114,9 +114,9 @@ protected:
         painter.setPen(QColor(0x17, 0x33, 0x62));
         painter.drawRect(rect().adjusted(0, 0, -1, -1));
         painter.setFont(CaptionFont());
-        const QRect place(Scaled(kMargin), 0, width() - 2 * Scaled(kMargin), CaptionHeight());
-        painter.drawText(place, Qt::AlignVCenter | Qt::TextSingleLine,
-                         painter.fontMetrics().elidedText(caption, Qt::ElideRight, place.width()));
+        const QRect captionRect(Scaled(kMargin), 0, width() - 2 * Scaled(kMargin), CaptionHeight());
+        painter.drawText(captionRect, Qt::AlignVCenter | Qt::TextSingleLine,
+                         painter.fontMetrics().elidedText(caption, Qt::ElideRight, captionRect.width()));
         painter.drawLine(0, CaptionHeight(), width(), CaptionHeight());
         if (!icon.isNull())
             icon.paint(&painter, Scaled(kMargin), TextTop(), Scaled(kIconSize), Scaled(kIconSize));
@@ -150,7 +150,7 @@ std::vector<HWND>& OpenBoxes() {
     return *boxes;
 }
 
-// The escape key arrives as IDCANCEL whether there is such a button or not.
+// Escape arrives as IDCANCEL even when there is no Cancel button.
 LONG_PTR BoxProcedure(HWND box, UINT message, WPARAM wParam, LPARAM) {
     if (message != WM_COMMAND)
         return FALSE;
@@ -169,14 +169,14 @@ void MakeButtons(HWND box, UINT style) {
     SetFocus(GetDlgItem(box, static_cast<int>(box->dialog->defaultId)));
 }
 
-// Card and buttons take the places that suit a screen of that size.
+// Lays out the card and its buttons for a screen of that size.
 void FitBox(HWND box, Card* card, const QSize& area) {
     const int count = static_cast<int>(box->children.size());
     const int widest = std::min(Scaled(kWidest), area.width() - 2 * Scaled(kGap));
     const int gaps = (count - 1) * Scaled(kGap);
     const int buttonWidth =
         std::min(Scaled(kButtonWidth), (widest - 2 * Scaled(kMargin) - gaps) / std::max(1, count));
-    // Where even that is too high, the text gives way and not the buttons.
+    // When the text is too high for the screen it is cut, so that the buttons stay visible.
     const QSize size = card->Fit(widest, count * buttonWidth + gaps).boundedTo(area);
     card->setGeometry(QRect(QPoint(0, 0), size));
     box->topLevel->cardSize = size;
@@ -205,7 +205,7 @@ HWND MakeBox(HWND owner, const QString& text, const WCHAR* caption, UINT style) 
     return unfinished.release();
 }
 
-// For a question the line ends with the answer that the program takes silence for.
+// For a question the line ends with the answer that is assumed.
 void PrintBox(const QString& text, const WCHAR* caption, UINT style) {
     QString line = HostText(caption) + QStringLiteral(": ") + text;
     line.remove(u'\r').replace(u'\n', u' ');

@@ -44,7 +44,7 @@ QString DateText(const QDateTime& date) {
     return QLocale().toString(date, QLocale::ShortFormat);
 }
 
-// Rows that a stylus can hit; pictures that do not hang on the host's theme.
+// Rows high enough for a stylus; pictures that do not depend on the host's theme.
 class FileModel : public QFileSystemModel {
 public:
     using QFileSystemModel::QFileSystemModel;
@@ -86,12 +86,12 @@ QWidget* PickerWidget::MakePlaces() {
     layout->setContentsMargins({});
     layout->setSpacing(Scaled(kPickerMargin));
     const auto add = [&](const QString& name, const QString& hostFolder) {
-        auto* const place = new QPushButton(name, row);
-        place->setMinimumHeight(Scaled(kPickerButtonHeight));
-        place->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-        place->setToolTip(DevicePathOf(hostFolder));
-        connect(place, &QPushButton::clicked, this, [this, hostFolder] { ShowFolder(hostFolder); });
-        layout->addWidget(place);
+        auto* const button = new QPushButton(name, row);
+        button->setMinimumHeight(Scaled(kPickerButtonHeight));
+        button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        button->setToolTip(DevicePathOf(hostFolder));
+        connect(button, &QPushButton::clicked, this, [this, hostFolder] { ShowFolder(hostFolder); });
+        layout->addWidget(button);
     };
     add(tr("Documents"), HostPathOf(kDocuments));
     add(tr("Device"), HostPathOf(kDevice));
@@ -241,8 +241,8 @@ void PickerWidget::Complain(const QString& problem) {
 }
 
 QString PickerWidget::HostPathOfName(const QString& name) const {
-    const bool whole = name.startsWith(u'\\') || name.startsWith(u'/');
-    return HostPathOf(whole ? name : folder + u'/' + name);
+    const bool absolute = name.startsWith(u'\\') || name.startsWith(u'/');
+    return HostPathOf(absolute ? name : folder + u'/' + name);
 }
 
 void PickerWidget::Accept() {

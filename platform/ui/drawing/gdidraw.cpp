@@ -35,19 +35,19 @@ HGDIOBJ SelectObject(HDC dc, HGDIOBJ object) {
     DeviceContext* const context = LiveContext(dc);
     if (!context)
         return nullptr;
-    HGDIOBJ* place = nullptr;
+    HGDIOBJ* selected = nullptr;
     if (LiveGdiObjectAs<FontObject>(object))
-        place = &context->state.font;
+        selected = &context->state.font;
     else if (LiveGdiObjectAs<BrushObject>(object))
-        place = &context->state.brush;
+        selected = &context->state.brush;
     else if (LiveGdiObjectAs<BitmapObject>(object) && context->memory)
-        place = &context->state.bitmap;
-    if (!place)
+        selected = &context->state.bitmap;
+    if (!selected)
         return nullptr;
-    const HGDIOBJ previous = std::exchange(*place, object);
-    if (previous || place == &context->state.bitmap)
+    const HGDIOBJ previous = std::exchange(*selected, object);
+    if (previous || selected == &context->state.bitmap)
         return previous;
-    return GetStockObject(place == &context->state.font ? SYSTEM_FONT : WHITE_BRUSH);
+    return GetStockObject(selected == &context->state.font ? SYSTEM_FONT : WHITE_BRUSH);
 }
 
 int SetBkMode(HDC dc, int mode) {
@@ -136,15 +136,15 @@ int DrawTextW(HDC dc, const WCHAR* text, int length, RECT* rect, UINT format) {
     const QFont font = FontOf(context->state.font);
     const int flags = AlignmentOf(format);
     if (DrawingSurface surface(*context); surface) {
-        const QRect place = RectOf(*rect);
+        const QRect bounds = RectOf(*rect);
         surface->save();
-        surface->setClipRect(place, Qt::IntersectClip);
+        surface->setClipRect(bounds, Qt::IntersectClip);
         surface->setFont(font);
         if (context->state.backMode == OPAQUE)
-            surface->fillRect(surface->boundingRect(place, flags, shown) & place,
+            surface->fillRect(surface->boundingRect(bounds, flags, shown) & bounds,
                               ColourOf(context->state.backColour));
         surface->setPen(ColourOf(context->state.textColour));
-        surface->drawText(place, flags, shown);
+        surface->drawText(bounds, flags, shown);
         surface->restore();
     }
     return QFontMetrics(font).boundingRect(RectOf(*rect), flags, shown).height();

@@ -49,7 +49,8 @@ DWORD SHRecognizeGesture(SHRGINFO* info) {
         return GN_CONTEXTMENU;
     if (current->message != WM_LBUTTONDOWN || !current->input)
         return 0; // no stylus behind it that could be held
-    // Waiting must end without input, too. One alarm at the end would not do: the host may ring it too early.
+    // Wakes the wait below when there is no input. A single timer would not do: the host may fire it too
+    // early.
     QTimer wakeUp;
     wakeUp.start(kWakeInterval);
     QElapsedTimer held;

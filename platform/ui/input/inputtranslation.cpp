@@ -31,7 +31,7 @@ bool IsKey(QEvent::Type type) {
     return type == QEvent::KeyPress || type == QEvent::KeyRelease;
 }
 
-// Some parts of a control manage their own input: an editor inside a list's row, and what says so.
+// Some parts of a control handle their own input: an editor in a list's row, and what TakeOwnInput marks.
 bool TakesOwnInput(const QWidget* widget, const QWidget* control) {
     for (; widget && widget != control; widget = widget->parentWidget()) {
         const QWidget* parent = widget->parentWidget();
@@ -48,7 +48,7 @@ HWND InputWindow(QWidget*& widget, bool key) {
         return nullptr;
     HWND window = WindowOfWidget(widget);
     if (!window && key) {
-        // No widget of the host has the focus, so ours decides alone.
+        // No widget of the host has the focus: the platform's own focus decides.
         window = GetFocus() ? GetFocus() : ActiveTopLevel();
         if (LiveWindow(window) && window->widget)
             widget = window->widget;
@@ -147,7 +147,7 @@ public:
         auto* widget = static_cast<QWidget*>(receiver);
         if (const HWND replaying = ReplayingWindow();
             replaying && widget->window() == ScreenArea()->window()) {
-            // What a control leaves unhandled climbs to its parents on the host, not on the handheld.
+            // The host passes an event that a control ignores on to its parents; the handheld does not.
             return WindowOfWidget(widget) != replaying;
         }
         const HWND window = InputWindow(widget, key);
@@ -165,20 +165,20 @@ public:
 
 // ---- messages that have no host event behind them ----
 
-void SendMouse(QWidget* target, QEvent::Type type, Qt::MouseButton button, const QPoint& place) {
+void SendMouse(QWidget* target, QEvent::Type type, Qt::MouseButton button, const QPoint& point) {
     const Qt::MouseButtons held =
         type == QEvent::MouseButtonRelease ? Qt::MouseButtons() : Qt::MouseButtons(button);
-    QMouseEvent event(type, QPointF(place), QPointF(target->mapToGlobal(place)), button, held,
+    QMouseEvent event(type, QPointF(point), QPointF(target->mapToGlobal(point)), button, held,
                       Keyboard().modifiers);
     QCoreApplication::sendEvent(target, &event);
 }
 
 void MakeMouseEvent(HWND window, UINT message, LPARAM lParam) {
-    const QPoint place(SignedLoWord(lParam), SignedHiWord(lParam));
-    QWidget* target = window->widget->childAt(place);
+    const QPoint point(SignedLoWord(lParam), SignedHiWord(lParam));
+    QWidget* target = window->widget->childAt(point);
     if (!target || WindowOfWidget(target) != window)
         target = window->widget;
-    const QPoint inTarget = target->mapFrom(window->widget, place);
+    const QPoint inTarget = target->mapFrom(window->widget, point);
     switch (message) {
     case WM_LBUTTONDOWN:
         return SendMouse(target, QEvent::MouseButtonPress, Qt::LeftButton, inTarget);

@@ -22,7 +22,7 @@ LRESULT SetFont(HWND window, WPARAM wParam) {
     return 0;
 }
 
-// Help is where the focus is: the message climbs to whoever has an answer.
+// WM_HELP goes to the window with the focus, and from there to its parents until one answers.
 bool HandleHelpKey(HWND window, UINT message, WPARAM wParam) {
     if (message != WM_KEYDOWN || wParam != VK_F1)
         return false;

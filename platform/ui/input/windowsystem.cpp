@@ -65,7 +65,7 @@ private:
 QByteArray Platforms() {
     QByteArrayList names;
     if (const QByteArray chosen = qgetenv("QT_QPA_PLATFORM"); !chosen.isEmpty()) {
-        // One kind of showing nothing is as good as another, and not all of them start everywhere.
+        // All platforms without a display are alike, and only "offscreen" starts everywhere.
         if (!ShowsNothing(chosen))
             names << chosen;
     } else {
@@ -82,9 +82,9 @@ void StartHost() {
     if (QCoreApplication::instance())
         return;
     const StartVariable platforms("QT_QPA_PLATFORM", Platforms());
-    // Pixels are the display's own: the program picks its pictures by their density itself.
+    // No scaling by the host: the program chooses its pictures by the display's density itself.
     const StartVariable scaling("QT_ENABLE_HIGHDPI_SCALING", "0");
-    // That the next platform is tried is no news. Why a display could not be used is said by the platform.
+    // Silences that the next platform is tried; why a display could not be used is still printed.
     QLoggingCategory::setFilterRules(QStringLiteral("qt.qpa.plugin=false"));
     static int argumentCount = 1;
     static char name[] = "pocket-strandview";

@@ -107,7 +107,7 @@ bool FillBar(MenuBarWidget& widget, MenuBarState& state, const SHMENUBARINFO& in
     const WCHAR* const bitmap = MAKEINTRESOURCEW(static_cast<WORD>(info.nBmpId));
     if (const QImage strip = LoadBitmapImage(bitmap); !strip.isNull() && info.cBmpImages > 0)
         pictures = LoadImageStrip(bitmap, strip.width() / info.cBmpImages, kTransparent);
-    for (std::size_t i = 0; i < words[1]; i++)
+    for (std::size_t i = 0; i < words[1]; ++i)
         AddBarButton(widget, state.menu, &words[kWordsInHeader + i * kWordsInButton], pictures);
     return true;
 }
@@ -139,7 +139,7 @@ void MenuMode::Step(int step) {
     const auto count = static_cast<int>(buttons.size());
     const auto marked = std::find(buttons.begin(), buttons.end(), bar->Marked());
     int index = marked == buttons.end() ? -1 : static_cast<int>(marked - buttons.begin());
-    for (int tried = 0; tried < count; tried++) {
+    for (int tried = 0; tried < count; ++tried) {
         index = (index + step + count) % count;
         if (buttons[static_cast<std::size_t>(index)]->isEnabled()) {
             bar->Mark(buttons[static_cast<std::size_t>(index)]);

@@ -203,7 +203,7 @@ bool MenuBarWidget::eventFilter(QObject* watched, QEvent* event) {
 
 // ---- layout ----
 
-int MenuBarWidget::LayOut(int width, bool place) const {
+int MenuBarWidget::LayOut(int width, bool move) const {
     const int edge = Scaled(kEdge);
     int x = edge;
     int y = 1;
@@ -218,7 +218,7 @@ int MenuBarWidget::LayOut(int width, bool place) const {
             y += rowHeight;
             rowHeight = 0;
         }
-        if (place)
+        if (move)
             button->setGeometry(x, y, size.width(), size.height());
         x += size.width();
         rowHeight = std::max(rowHeight, size.height());

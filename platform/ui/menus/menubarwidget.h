@@ -57,7 +57,7 @@ protected:
 
 private:
     BarButton* AddButton();
-    int LayOut(int width, bool place) const; // returns the height
+    int LayOut(int width, bool move) const; // returns the height
     void OpenPopup(BarButton* button);
     void ClosePopup();
     bool PopupEvent(QMenu* popup, QEvent* event);

@@ -3,21 +3,21 @@
 #include "platform/ui/menus/menus.h"
 
 BOOL ModifyMenuW(HMENU menu, UINT item, UINT flags, WPARAM newCommand, const WCHAR* text) {
-    const ItemPlace place = PlaceOfItem(menu, item, flags);
-    if (!place.menu)
+    const ItemPosition found = PositionOfItem(menu, item, flags);
+    if (!found.menu)
         return FALSE;
     MenuItem changed;
     changed.id = static_cast<UINT>(newCommand);
     changed.text = HostText(text);
     changed.enabled = !(flags & MF_GRAYED);
-    place.menu->items[place.index] = std::move(changed);
+    found.menu->items[found.index] = std::move(changed);
     return TRUE;
 }
 
 BOOL DeleteMenu(HMENU menu, UINT item, UINT flags) {
-    const ItemPlace place = PlaceOfItem(menu, item, flags);
-    if (!place.menu)
+    const ItemPosition found = PositionOfItem(menu, item, flags);
+    if (!found.menu)
         return FALSE;
-    place.menu->items.erase(place.menu->items.begin() + static_cast<std::ptrdiff_t>(place.index));
+    found.menu->items.erase(found.menu->items.begin() + static_cast<std::ptrdiff_t>(found.index));
     return TRUE;
 }

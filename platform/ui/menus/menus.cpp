@@ -73,11 +73,11 @@ std::unordered_map<HMENU, std::unique_ptr<MenuObject>>& LoadedMenus() {
 }
 
 // A popup has no command of its own.
-ItemPlace PlaceOfCommand(MenuObject& menu, UINT command) {
+ItemPosition PositionOfCommand(MenuObject& menu, UINT command) {
     for (std::size_t index = 0; index < menu.items.size(); ++index) {
         const MenuItem& item = menu.items[index];
         if (item.popup) {
-            const ItemPlace inside = PlaceOfCommand(*item.popup, command);
+            const ItemPosition inside = PositionOfCommand(*item.popup, command);
             if (inside.menu)
                 return inside;
         } else if (!item.separator && item.id == command) {
@@ -122,18 +122,18 @@ std::unique_ptr<MenuObject> ParseMenu(const void* bytes, std::size_t size) {
     return ReadItems(reader, *menu, 0) ? std::move(menu) : nullptr;
 }
 
-ItemPlace PlaceOfItem(HMENU menu, UINT item, UINT flags) {
+ItemPosition PositionOfItem(HMENU menu, UINT item, UINT flags) {
     MenuObject* const object = LiveMenu(menu);
     if (!object)
         return {};
     if (!(flags & MF_BYPOSITION))
-        return PlaceOfCommand(*object, item);
-    return item < object->items.size() ? ItemPlace{object, item} : ItemPlace{};
+        return PositionOfCommand(*object, item);
+    return item < object->items.size() ? ItemPosition{object, item} : ItemPosition{};
 }
 
 MenuItem* FindMenuItem(HMENU menu, UINT item, UINT flags) {
-    const ItemPlace place = PlaceOfItem(menu, item, flags);
-    return place.menu ? &place.menu->items[place.index] : nullptr;
+    const ItemPosition found = PositionOfItem(menu, item, flags);
+    return found.menu ? &found.menu->items[found.index] : nullptr;
 }
 
 HMENU LoadMenuW(HINSTANCE instance, const WCHAR* name) {

@@ -34,12 +34,12 @@ MenuObject* LiveMenu(HMENU menu);
 // Parses a MENU resource; null when its bytes make no menu.
 std::unique_ptr<MenuObject> ParseMenu(const void* bytes, std::size_t size);
 
-struct ItemPlace {
+struct ItemPosition {
     MenuObject* menu = nullptr; // null: there is no such item
     std::size_t index = 0;
 };
 // By command, searching the submenus too, or by position (MF_BYPOSITION).
-ItemPlace PlaceOfItem(HMENU menu, UINT item, UINT flags);
+ItemPosition PositionOfItem(HMENU menu, UINT item, UINT flags);
 MenuItem* FindMenuItem(HMENU menu, UINT item, UINT flags); // null when absent
 
 // A host menu that shows the popup at `position` of its parent menu. Each time it or a submenu is about to

@@ -57,7 +57,7 @@ void FillPopup(QMenu* popup, HMENU menu, HWND owner) {
             QObject::connect(action, &QAction::triggered, popup,
                              [owner, id = item.id] { PostMessageW(owner, WM_COMMAND, id, 0); });
         }
-        position++;
+        ++position;
     }
 }
 
@@ -85,7 +85,7 @@ BOOL TrackPopupMenuEx(HMENU menu, UINT flags, int x, int y, HWND owner, const vo
         return FALSE;
     POINT corner = {x, y};
     ScreenToClient(owner, &corner);
-    QPoint place = window->widget->mapToGlobal(QPoint(corner.x, corner.y));
+    QPoint point = window->widget->mapToGlobal(QPoint(corner.x, corner.y));
     QMenu* const popup = MakePopup(menu, owner, 0);
     bool done = false;
     QObject::connect(popup, &QMenu::aboutToHide, popup, [&done] {
@@ -96,9 +96,9 @@ BOOL TrackPopupMenuEx(HMENU menu, UINT flags, int x, int y, HWND owner, const vo
                      &QWidget::close); // nobody is left to choose for
     if (flags & TPM_RIGHTALIGN) {
         const int leftEdge = ScreenArea()->mapToGlobal(QPoint(0, 0)).x();
-        place.setX(std::max(leftEdge, place.x() - popup->sizeHint().width()));
+        point.setX(std::max(leftEdge, point.x() - popup->sizeHint().width()));
     }
-    popup->popup(place);
+    popup->popup(point);
     if (TestHooks().menu)
         TestHooks().menu(popup);
     if (popup->isVisible())

@@ -36,14 +36,14 @@ void MoveHostFocus(HWND window) {
     state.moving = false;
 }
 
-// The child that activation gives the focus to.
+// The next activation of the top-level window gives the focus to this child.
 void RememberFocus(HWND window) {
     WindowObject* top = TopLevelOf(window);
     if (top && top != window)
         top->topLevel->lastFocus = window;
 }
 
-// The focus is there from now on; tells both windows.
+// Moves the focus to the window, and tells it and the one that had it.
 void TakeFocus(HWND window) {
     FocusState& state = State();
     const HWND before = LiveWindow(state.focus);
@@ -122,7 +122,7 @@ HWND SetFocus(HWND window) {
         return before;
     const HWND top = TopLevelOf(window);
     RememberFocus(window);
-    // What stands behind a window of its own gets the focus when that one goes.
+    // A window behind one that it owns gets the focus when that one is closed.
     if (FrontOfFamily(top) != top)
         return before;
     if (!(top->style & WS_VISIBLE) || ChangeActive(top)) {
@@ -163,8 +163,8 @@ void HostFocusMoved(QWidget* widget) {
     const HWND window = WindowOfWidget(widget);
     if (State().moving || !window || window == GetFocus())
         return;
-    // The host looks for a new place when a widget goes away: only within the active window can that be
-    // right.
+    // When a widget is deleted the host gives the focus to another one by itself, which can only be right
+    // within the active window.
     if (CanHaveFocus(window) && TopLevelOf(window) == ActiveTopLevel())
         TakeFocus(window);
 }
@@ -201,7 +201,7 @@ BOOL SetForegroundWindow(HWND window) {
         return FALSE;
     RaiseScreen();
     const HWND front = FrontOfFamily(top);
-    // A disabled one waits for a dialog that it does not own: that one keeps the front.
+    // A disabled window waits for a dialog that it does not own: the dialog stays active.
     if (!(front->style & WS_DISABLED))
         ActivateTopLevel(front);
     return TRUE;

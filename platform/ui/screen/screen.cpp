@@ -103,8 +103,8 @@ private:
     HWND window;
 };
 
-// The host takes no picture before it has said that the window can be seen. Waited for once: a display that
-// is covered or on another desktop may never be.
+// The host drops what is painted before it has reported the window as exposed. Waits only once: a display
+// that is covered or on another desktop may never be exposed.
 void AwaitFirstExposure() {
     static bool awaited = false;
     if (std::exchange(awaited, true))

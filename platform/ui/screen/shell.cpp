@@ -61,7 +61,7 @@ std::int32_t SHGetMalloc(IMalloc** allocator) {
 
 namespace {
 
-// The shell keeps its folders in being; on a device that cannot be written the folder may stay away.
+// The folder exists from its first use; on a device that cannot be written it stays missing.
 void MakeDocumentsFolder() {
     std::string host;
     std::error_code ignored;

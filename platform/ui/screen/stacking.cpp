@@ -1,4 +1,4 @@
-// Which window stands above which. An owned window never falls below its owner.
+// Which window is above which. An owned window is always above its owner.
 #include <algorithm>
 
 #include "platform/ui/core/windowcore.h"

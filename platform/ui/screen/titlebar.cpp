@@ -82,20 +82,20 @@ void TitleBar::paintEvent(QPaintEvent*) {
     shade.setColorAt(0, QColor(0x2a, 0x52, 0x8f));
     shade.setColorAt(1, QColor(0x17, 0x33, 0x62));
     painter.fillRect(rect(), shade);
-    QRect place = rect().adjusted(Scaled(kTitleMargin), 0, -Scaled(kTitleMargin), 0);
+    QRect textRect = rect().adjusted(Scaled(kTitleMargin), 0, -Scaled(kTitleMargin), 0);
     if (!picture.isNull()) {
         const int side = Scaled(kTitleIconSize);
-        picture.paint(&painter, QRect(place.left(), (height() - side) / 2, side, side));
-        place.setLeft(place.left() + side + Scaled(kTitleMargin));
+        picture.paint(&painter, QRect(textRect.left(), (height() - side) / 2, side, side));
+        textRect.setLeft(textRect.left() + side + Scaled(kTitleMargin));
     }
     if (button->Kind() != TitleButton::None)
-        place.setRight(button->x() - Scaled(kTitleMargin));
+        textRect.setRight(button->x() - Scaled(kTitleMargin));
     QFont bold = font();
     bold.setBold(true);
     painter.setFont(bold);
     painter.setPen(Qt::white);
-    painter.drawText(place, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
-                     painter.fontMetrics().elidedText(text, Qt::ElideRight, place.width()));
+    painter.drawText(textRect, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
+                     painter.fontMetrics().elidedText(text, Qt::ElideRight, textRect.width()));
 }
 
 void TitleBar::Tapped() {

@@ -76,7 +76,8 @@ int Coordinate(int value) {
     return value == CW_USEDEFAULT ? 0 : value;
 }
 
-// The window stands where it shall and its procedure has agreed to live; false: it is gone again.
+// Gives the window its rectangle, sends WM_CREATE and shows it. False when its procedure refused or destroyed
+// it.
 bool CompleteCreation(HWND window, const CREATESTRUCTW& create) {
     if (!window->topLevel)
         window->widget->setGeometry(Coordinate(create.x), Coordinate(create.y),
@@ -154,7 +155,7 @@ BOOL DestroyWindow(HWND window) {
     if (!object || object->destroying)
         return FALSE;
     if (object->topLevel) {
-        // What it owns goes first, as it cannot stay without it.
+        // Windows that it owns are destroyed first: they cannot stay without their owner.
         const std::vector<HWND> others = TopLevelWindows();
         for (HWND other : others)
             if (LiveWindow(other) && other->owner == window)

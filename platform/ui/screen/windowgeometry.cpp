@@ -44,12 +44,12 @@ void ShowTopLevel(HWND window, bool show) {
 
 } // namespace
 
-void PlaceWindow(HWND window, const QRect& place) {
+void PlaceWindow(HWND window, const QRect& rect) {
     QWidget* widget = LiveWidget(window);
     if (!widget)
         return;
     const QSize before = widget->size();
-    widget->setGeometry(place);
+    widget->setGeometry(rect);
     if (before != widget->size())
         SendMessageW(window, WM_SIZE, 0, PackSize(widget->size()));
 }
@@ -157,7 +157,7 @@ BOOL InvalidateRect(HWND window, const RECT* rect, BOOL) {
         return TRUE;
     }
     widget->update();
-    // A control may be made of several widgets of the host: they are the window, too.
+    // A control may be made of several widgets of the host.
     for (QWidget* part : widget->findChildren<QWidget*>())
         if (WindowOfWidget(part) == window)
             part->update();
