@@ -5,11 +5,11 @@
 #include <cstdlib>
 #include <string>
 
-#include "platform/base/display.h"
 #include "platform/device.h"
 #include "platform/errors.h"
 #include "platform/launcher/arguments.h"
 #include "platform/process.h"
+#include "platform/ui/input/display.h"
 #include "platform/window.h"
 
 namespace {

@@ -1,10 +1,10 @@
 // Dialogs from templates, what runs them, and message boxes.
 #include <set>
 
-#include "platform/base/display.h"
 #include "platform/menu.h"
 #include "platform/pickers.h"
 #include "platform/shell.h"
+#include "platform/ui/input/display.h"
 #include "resources/resource.h"
 #include "tests/ui/templatebuilder.h"
 #include "tests/ui/windowfixture.h"

@@ -1,4 +1,4 @@
-#include "platform/base/display.h"
+#include "platform/ui/input/display.h"
 
 #include <QGuiApplication>
 #include <QStringList>

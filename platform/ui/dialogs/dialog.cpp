@@ -5,7 +5,6 @@
 #include <QFontMetrics>
 #include <map>
 
-#include "platform/base/display.h"
 #include "platform/base/outofmemory.h"
 #include "platform/base/utf8.h"
 #include "platform/ui/controls/controlsupport.h"
@@ -14,6 +13,7 @@
 #include "platform/ui/dialogs/dialogcore.h"
 #include "platform/ui/dialogs/dialogtemplate.h"
 #include "platform/ui/drawing/gdiobjects.h"
+#include "platform/ui/input/display.h"
 #include "platform/ui/screen/screen.h"
 
 namespace {

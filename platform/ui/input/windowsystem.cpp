@@ -4,7 +4,6 @@
 #include <QPalette>
 #include <QStyleFactory>
 
-#include "platform/base/display.h"
 #include "platform/storage/watch.h"
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/drawing/cursors.h"
