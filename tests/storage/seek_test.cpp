@@ -75,6 +75,15 @@ TEST(SortOrders, FollowTypeDirectionCaseAndAbsence) {
         return Scalar(CEVT_I2, [=](CEVALUNION& to) { to.iVal = static_cast<short>(value); });
     };
     EXPECT_EQ(OrderOf({Prop(1, CEVT_I2), 0}, {small(256), small(-1), small(2)}), (std::vector<int>{1, 2, 0}));
+    const auto large = [](DWORD value) {
+        return Scalar(CEVT_UI4, [=](CEVALUNION& to) { to.ulVal = value; });
+    };
+    EXPECT_EQ(OrderOf({Prop(1, CEVT_UI4), 0}, {large(0x80000001), large(2), large(1), large(0x7FFFFFFF)}),
+              (std::vector<int>{2, 1, 3, 0}));
+    const auto blob = [](std::string bytes) { return [=](Values& values) { values.Blob(1, bytes); }; };
+    EXPECT_EQ(OrderOf({Prop(1, CEVT_BLOB), 0}, {blob("ab"), blob("c"), blob("aa"), blob("\xFF"), blob("")}),
+              (std::vector<int>{4, 1, 3, 2, 0}))
+        << "shorter ones first, then by their bytes";
     const auto truth = [](BOOL value) {
         return Scalar(CEVT_BOOL, [=](CEVALUNION& to) { to.boolVal = value; });
     };
