@@ -1,0 +1,80 @@
+#include "platform/storage/registrypaths.h"
+
+#include "platform/errors.h"
+#include "platform/storage/fold.h"
+
+namespace storage {
+
+namespace {
+
+constexpr std::size_t kLongestKeyName = 255;
+
+// Takes the first part off a path. Empty when none is left.
+std::u16string_view NextPart(std::u16string_view& path) {
+    while (!path.empty() && path.front() == u'\\')
+        path.remove_prefix(1);
+    const std::u16string_view part = path.substr(0, path.find(u'\\'));
+    path.remove_prefix(part.size());
+    return part;
+}
+
+// kNoKey with the last error set when there is none.
+std::int64_t FindChild(Store& store, std::int64_t parent, std::u16string_view name) {
+    const std::u16string folded = Fold(name);
+    Statement select(store.connection, "SELECT id FROM keys WHERE parent = ?1 AND folded = ?2");
+    if (select.Bind(parent).BindText(folded).Row())
+        return select.Number(0);
+    if (!select.Failed())
+        SetLastError(ERROR_FILE_NOT_FOUND);
+    return kNoKey;
+}
+
+std::int64_t MakeChild(Store& store, std::int64_t parent, std::u16string_view name,
+                       std::u16string_view keyClass) {
+    const std::u16string folded = Fold(name);
+    Statement insert(store.connection,
+                     "INSERT INTO keys (parent, name, folded, class) VALUES (?1, ?2, ?3, ?4) RETURNING id");
+    insert.Bind(parent).BindText(name).BindText(folded).BindText(keyClass);
+    const std::int64_t id = insert.Row() ? insert.Number(0) : kNoKey;
+    return insert.Run() ? id : kNoKey;
+}
+
+} // namespace
+
+DWORD MeasurePath(std::u16string_view path, std::size_t& length) {
+    for (std::u16string_view part = NextPart(path); !part.empty(); part = NextPart(path)) {
+        if (part.size() > kLongestKeyName)
+            return ERROR_INVALID_PARAMETER;
+        length += (length != 0 ? 1 : 0) + part.size();
+    }
+    return ERROR_SUCCESS;
+}
+
+std::int64_t FindPath(Store& store, std::int64_t key, std::u16string_view path) {
+    for (std::u16string_view part = NextPart(path); key != kNoKey && !part.empty(); part = NextPart(path))
+        key = FindChild(store, key, part);
+    return key;
+}
+
+std::int64_t MakePath(Store& store, std::int64_t parent, std::u16string_view path,
+                      std::u16string_view keyClass) {
+    std::int64_t key = kNoKey;
+    const bool made = InTransaction(store, [&] {
+        key = parent;
+        std::u16string_view rest = path;
+        for (std::u16string_view part = NextPart(rest); key != kNoKey && !part.empty();) {
+            const std::u16string_view next = NextPart(rest);
+            const std::int64_t child = FindChild(store, key, part);
+            if (child == kNoKey && GetLastError() != ERROR_FILE_NOT_FOUND)
+                return false;
+            key = child != kNoKey
+                      ? child
+                      : MakeChild(store, key, part, next.empty() ? keyClass : std::u16string_view());
+            part = next;
+        }
+        return key != kNoKey;
+    });
+    return made ? key : kNoKey;
+}
+
+} // namespace storage
