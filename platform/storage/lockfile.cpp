@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/base/hosterror.h"
 #include "platform/errors.h"
 #include "platform/storage/waiting.h"
 
@@ -35,23 +36,13 @@ DWORD ErrorOfLock(int cause) {
 }
 
 DWORD ErrorOfOpening(int cause) {
-    switch (cause) {
-    case ENOSPC:
-    case EDQUOT:
-        return ERROR_DISK_FULL;
-    case EROFS:
-    case EACCES:
-    case EPERM:
+    if (cause == EROFS || cause == EACCES || cause == EPERM)
         return ERROR_WRITE_PROTECT;
-    case EMFILE:
-    case ENFILE:
-    case ENOMEM:
-        return ERROR_NOT_ENOUGH_MEMORY;
-    case EIO:
-        return ERROR_GEN_FAILURE;
-    default:
-        return ERROR_ACCESS_DENIED;
-    }
+    const DWORD error = ErrorOfHost(cause);
+    const bool tellsWhy =
+        error == ERROR_DISK_FULL || error == ERROR_NOT_ENOUGH_MEMORY || error == ERROR_GEN_FAILURE;
+    // Not ERROR_FILE_NOT_FOUND, which would say that a database is missing.
+    return tellsWhy ? error : ERROR_ACCESS_DENIED;
 }
 
 // Real bytes, since a hole that cannot be filled later would kill the process that touches it.
