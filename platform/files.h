@@ -2,10 +2,10 @@
 //
 // `\folder\name` is below the device's root, `\Storage Card\...` is the host's file system from its root on.
 // A path without a leading separator is relative to the host's working folder; one with a leading `/` is a
-// path of the host. Both separators do. Names keep their case and are found without regard to it, an exact
-// match first. A path that is empty, climbs above the device's root, begins with two backslashes (another
-// machine) or is too long for the host is ERROR_PATH_NOT_FOUND. What lies in the folder of a device but not
-// below its root/, its store above all, is ERROR_ACCESS_DENIED by whatever path or link.
+// path of the host. Both separators may be used anywhere. Names keep their case and are found without regard
+// to it, an exact match first. A path that is empty, climbs above the device's root, begins with two
+// backslashes (another machine) or is too long for the host is ERROR_PATH_NOT_FOUND. What lies in the folder
+// of a device but not below its root/, its store above all, is ERROR_ACCESS_DENIED by whatever path or link.
 #pragma once
 
 #include "platform/handles.h"
@@ -49,9 +49,10 @@ constexpr DWORD FILE_END = 2;
 constexpr DWORD INVALID_SET_FILE_POINTER = 0xFFFFFFFF;
 constexpr DWORD INVALID_FILE_SIZE = 0xFFFFFFFF;
 // Moves by `distance`: 64 signed bits of which `distanceHigh` is the upper half, or 32 signed bits when that
-// is null. So a place from 2 GiB on needs an upper half, be it 0. Returns the low half of the new place and
-// puts the high half into `distanceHigh`. INVALID_SET_FILE_POINTER on failure: ERROR_INVALID_PARAMETER before
-// the start or beyond what the result can hold; where that is a place, the last error is ERROR_SUCCESS.
+// is null. So an offset from 2 GiB on needs an upper half, be it 0. Returns the low half of the new offset
+// and puts the high half into `distanceHigh`. INVALID_SET_FILE_POINTER on failure: ERROR_INVALID_PARAMETER
+// before the start or beyond what the result can hold; where that is an offset, the last error is
+// ERROR_SUCCESS.
 DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD method);
 // Bytes; `high` may be null for files that are known to be below 4 GiB. INVALID_FILE_SIZE likewise.
 DWORD GetFileSize(HANDLE file, DWORD* high);

@@ -168,7 +168,7 @@ constexpr DWORD CEDB_SEEK_END = 4;       // `value` records before the last
 constexpr DWORD CEDB_SEEK_CURRENT = 8;   // `value`, signed, records after the current one
 
 // Moves the handle to a record; its identifier, or 0 with ERROR_NO_MORE_ITEMS when there is none there, the
-// handle then staying where it was. `index`, unless null, gets its place in the handle's order, counted from
+// handle then staying where it was. `index`, unless null, gets its index in the handle's order, counted from
 // 0. The handle goes with its record when a change moves that in the order. When the current record has been
 // deleted the handle stands in the gap that it left: there is nothing to read, and one step either way finds
 // the neighbour.

@@ -205,25 +205,25 @@ DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD metho
     const HostFile* target = FindFile(file);
     if (!target)
         return INVALID_SET_FILE_POINTER;
-    std::int64_t place = distanceHigh
-                             ? static_cast<std::int64_t>((static_cast<std::uint64_t>(*distanceHigh) << 32) |
-                                                         static_cast<DWORD>(distance))
-                             : distance;
+    std::int64_t offset = distanceHigh
+                              ? static_cast<std::int64_t>((static_cast<std::uint64_t>(*distanceHigh) << 32) |
+                                                          static_cast<DWORD>(distance))
+                              : distance;
     struct stat status;
     std::int64_t origin = 0;
     if (method == FILE_CURRENT)
         origin = lseek(target->Number(), 0, SEEK_CUR);
     else if (method == FILE_END)
         origin = fstat(target->Number(), &status) == 0 ? status.st_size : -1;
-    if (method > FILE_END || origin < 0 || __builtin_add_overflow(place, origin, &place) || place < 0 ||
-        (!distanceHigh && place > 0xFFFFFFFF) || lseek(target->Number(), place, SEEK_SET) < 0) {
+    if (method > FILE_END || origin < 0 || __builtin_add_overflow(offset, origin, &offset) || offset < 0 ||
+        (!distanceHigh && offset > 0xFFFFFFFF) || lseek(target->Number(), offset, SEEK_SET) < 0) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return INVALID_SET_FILE_POINTER;
     }
     if (distanceHigh)
-        *distanceHigh = static_cast<LONG>(place >> 32);
+        *distanceHigh = static_cast<LONG>(offset >> 32);
     SetLastError(ERROR_SUCCESS);
-    return static_cast<DWORD>(place);
+    return static_cast<DWORD>(offset);
 }
 
 DWORD GetFileSize(HANDLE file, DWORD* high) {

@@ -15,7 +15,7 @@ struct WindowClaim {
 // tell: then each process has its window.
 WindowClaim ClaimWindow(const WCHAR* className);
 // Takes what has arrived at that listener, be it from before the window was there; never waits long. True
-// when the window shall come to the front.
+// when the window is to come to the front.
 bool AcceptForegroundRequests(int listener);
 
 // Asks the process that claimed that window, this one not excepted, to bring it to the front. False when

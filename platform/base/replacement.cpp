@@ -42,7 +42,8 @@ int Rename(const std::string& from, const std::string& to) {
     return rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
 }
 
-// Whatever comes of it, a power cut leaves either file whole under the name, so that it is no failure.
+// A failure is not reported: whatever comes of it, a power cut leaves one of the two files complete under the
+// name.
 void SyncFolder(const std::string& folder) {
     const Descriptor open(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (open.Valid())

@@ -55,7 +55,7 @@ bool WriteAllSortKeys(Store& store, const DatabaseRow& row) {
             const std::string key =
                 SortKey(row.info.rgSortSpecs[order], static_cast<WORD>(select.Number(1)), select.Bytes(2));
             Statement insert(store.connection, "INSERT INTO sortkeys VALUES (?1, ?2, ?3)");
-            insert.Bind(std::int64_t{row.oid} * CEDB_MAXSORTORDER + order).BindBytes(key);
+            insert.Bind(SortOrderNumber(row.oid, order)).BindBytes(key);
             if (!insert.Bind(static_cast<CEOID>(select.Number(0))).Run())
                 return false;
         }

@@ -54,7 +54,6 @@ bool DeleteInSteps(Store& store, const char* sql, std::int64_t first, std::int64
 }
 
 bool DeleteContents(Store& store, CEOID database) {
-    const std::int64_t place = std::int64_t{database} * CEDB_MAXSORTORDER;
     return DeleteInSteps(store,
                          "DELETE FROM records WHERE id IN (SELECT id FROM records "
                          "WHERE id >= ?1 AND id <= ?2 ORDER BY id LIMIT ?3)",
@@ -63,15 +62,14 @@ bool DeleteContents(Store& store, CEOID database) {
                          "DELETE FROM sortkeys WHERE (place, key, record) IN "
                          "(SELECT place, key, record FROM sortkeys WHERE place >= ?1 AND place <= ?2 "
                          "ORDER BY place, key, record LIMIT ?3)",
-                         place, place + CEDB_MAXSORTORDER - 1);
+                         SortOrderNumber(database, 0), SortOrderNumber(database, CEDB_MAXSORTORDER - 1));
 }
 
 } // namespace
 
 bool DeleteSortKeys(Store& store, CEOID database) {
     Statement remove(store.connection, "DELETE FROM sortkeys WHERE place >= ?1 AND place < ?2");
-    const std::int64_t first = std::int64_t{database} * CEDB_MAXSORTORDER;
-    return remove.Bind(first).Bind(first + CEDB_MAXSORTORDER).Run();
+    return remove.Bind(SortOrderNumber(database, 0)).Bind(SortOrderNumber(database, CEDB_MAXSORTORDER)).Run();
 }
 
 bool DeleteDatabase(Store& store, CEOID database) {

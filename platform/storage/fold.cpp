@@ -12,9 +12,9 @@ std::u16string Fold(std::u16string_view text) {
             folded[at] = unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;
         } else if (QChar::isHighSurrogate(unit) && at + 1 < folded.size() &&
                    QChar::isLowSurrogate(folded[at + 1])) {
-            const char32_t whole = QChar::toCaseFolded(QChar::surrogateToUcs4(unit, folded[at + 1]));
-            folded[at] = QChar::highSurrogate(whole);
-            folded[++at] = QChar::lowSurrogate(whole);
+            const char32_t character = QChar::toCaseFolded(QChar::surrogateToUcs4(unit, folded[at + 1]));
+            folded[at] = QChar::highSurrogate(character);
+            folded[++at] = QChar::lowSurrogate(character);
         } else {
             folded[at] = static_cast<char16_t>(QChar::toCaseFolded(char32_t{unit}));
         }

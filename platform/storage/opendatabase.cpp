@@ -29,6 +29,10 @@ std::int64_t RecordRow(CEOID database, CEOID record) {
     return static_cast<std::int64_t>(std::uint64_t{database} << 32 | record);
 }
 
+std::int64_t SortOrderNumber(CEOID database, int order) {
+    return std::int64_t{database} * CEDB_MAXSORTORDER + order;
+}
+
 bool Holding::Take(CEOID wanted) {
     if (!store.locks.Hold(wanted))
         return false;
@@ -236,7 +240,10 @@ bool OpenDatabase::Fetch(const Position& from, bool forward) {
                 : "SELECT s.record, r.properties, r.data, s.key FROM sortkeys s CROSS JOIN records r "
                   "WHERE s.place = ?1 AND (s.key, s.record) < (?2, ?3) AND r.id = ?4 + s.record "
                   "ORDER BY s.key DESC, s.record DESC");
-    select.Bind(SortPlace()).BindBytes(from.key).Bind(from.record).Bind(RecordRow(database, 0));
+    select.Bind(SortOrderNumber(database, sort))
+        .BindBytes(from.key)
+        .Bind(from.record)
+        .Bind(RecordRow(database, 0));
     return FetchRows(select, forward);
 }
 
@@ -271,7 +278,7 @@ bool OpenDatabase::FetchRecord(CEOID record) {
         return false;
     }
     const StoredRecord stored{static_cast<WORD>(select.Number(0)), select.Bytes(1)};
-    cursor.position = PlaceOf(record, stored);
+    cursor.position = PositionOf(record, stored);
     batch.bytes = cursor.position.key;
     batch.bytes.append(stored.form);
     batch.entries.assign(1, {record, stored.count, cursor.position.key.size(), 0, stored.form.size()});
@@ -279,7 +286,7 @@ bool OpenDatabase::FetchRecord(CEOID record) {
     return true;
 }
 
-Position OpenDatabase::PlaceOf(CEOID record, const StoredRecord& stored) const {
+Position OpenDatabase::PositionOf(CEOID record, const StoredRecord& stored) const {
     return {sort < 0 ? std::string() : SortKey(spec, stored.count, stored.form), record};
 }
 
@@ -292,7 +299,9 @@ bool OpenDatabase::FindIndex() {
     if (sort < 0)
         count.Bind(RecordRow(database, 0)).Bind(RecordRow(database, cursor.position.record));
     else
-        count.Bind(SortPlace()).BindBytes(cursor.position.key).Bind(cursor.position.record);
+        count.Bind(SortOrderNumber(database, sort))
+            .BindBytes(cursor.position.key)
+            .Bind(cursor.position.record);
     if (!count.Row())
         return false;
     cursor.index = static_cast<DWORD>(count.Number(0));
@@ -312,8 +321,8 @@ void OpenDatabase::FollowChange(const RecordChange& change, std::int64_t version
         return;
     }
     const bool placed = cursor.state != State::AtStart;
-    Position before = placed && change.before ? PlaceOf(change.record, *change.before) : Position();
-    Position after = placed && change.after ? PlaceOf(change.record, *change.after) : Position();
+    Position before = placed && change.before ? PositionOf(change.record, *change.before) : Position();
+    Position after = placed && change.after ? PositionOf(change.record, *change.after) : Position();
     version = versionAfter;
     batch.Clear();
     budget = kFirstBudget;

@@ -11,7 +11,8 @@
 
 namespace storage {
 
-// A record's place in an order: its sort key, empty where records lie as they were made, then its identifier.
+// Where a record stands in an order: its sort key, empty when the order is that in which records were made,
+// then its identifier.
 struct Position {
     std::string key;
     CEOID record = 0;
@@ -28,7 +29,7 @@ struct StoredRecord {
     std::string_view form;
 };
 
-// A change of one record by this process. The place is in the order of the handle that is told.
+// A change of one record by this process.
 struct RecordChange {
     CEOID record = 0;
     const StoredRecord* before = nullptr; // null for a record that was made
@@ -120,17 +121,16 @@ private:
     bool SeekRecord(CEOID record);
     bool SeekSteps(std::int64_t steps);
     bool Step(bool forward);
-    // Reads records after or before a place. False when there are none (ERROR_NO_MORE_ITEMS) or on failure;
-    // the batch then stays.
+    // Reads the records after or before a position. False when there are none (ERROR_NO_MORE_ITEMS) or on
+    // failure; the batch then stays.
     bool Fetch(const Position& from, bool forward);
     bool FetchRows(Statement& select, bool forward);
-    // Reads one record and takes its place as the position. False, with everything as it was, when there is
+    // Reads one record and moves the cursor's position to it. False, with everything as it was, when there is
     // none (ERROR_NO_MORE_ITEMS) or on failure.
     bool FetchRecord(CEOID record);
     void MoveTo(std::size_t entry);
     bool FindIndex();
-    Position PlaceOf(CEOID record, const StoredRecord& stored) const;
-    std::int64_t SortPlace() const { return std::int64_t{database} * CEDB_MAXSORTORDER + sort; }
+    Position PositionOf(CEOID record, const StoredRecord& stored) const;
 
     Store& store;
     Holding held;
@@ -160,5 +160,7 @@ constexpr CEOID kNoRecord = 0xFFFFFFFF; // greater than every record's identifie
 
 // A record's row in the table of records.
 std::int64_t RecordRow(CEOID database, CEOID record);
+// What tells a database's sort orders, counted from 0, in the table of sort keys: its column `place`.
+std::int64_t SortOrderNumber(CEOID database, int order);
 
 } // namespace storage

@@ -77,7 +77,7 @@ class PropertyIndex {
 public:
     explicit PropertyIndex(const std::vector<Property>& properties) : properties(properties) {}
 
-    // Its place, or one past the end.
+    // Its index, or one past the end.
     std::size_t Find(CEPROPID id) {
         constexpr std::size_t kFewProperties = 32;
         if (properties.size() <= kFewProperties) {
@@ -86,14 +86,14 @@ public:
             return static_cast<std::size_t>(found - properties.begin());
         }
         for (; indexed < properties.size(); ++indexed)
-            places.emplace(properties[indexed].id, indexed);
-        const auto found = places.find(id);
-        return found == places.end() ? properties.size() : found->second;
+            indices.emplace(properties[indexed].id, indexed);
+        const auto found = indices.find(id);
+        return found == indices.end() ? properties.size() : found->second;
     }
 
 private:
     const std::vector<Property>& properties;
-    std::unordered_map<CEPROPID, std::size_t> places;
+    std::unordered_map<CEPROPID, std::size_t> indices;
     std::size_t indexed = 0;
 };
 
@@ -147,7 +147,7 @@ bool ApplyValues(WORD count, const CEPROPVAL* values, std::vector<Property>& pro
     PropertyIndex index(properties);
     const std::string_view entries(reinterpret_cast<const char*>(values), count * kEntryBytes);
     for (std::size_t at = 0; at < count; ++at) {
-        const std::size_t place = index.Find(values[at].propid);
+        const std::size_t found = index.Find(values[at].propid);
         Property property;
         if ((values[at].wFlags & CEDB_PROPDELETE) != 0) {
             property.id = values[at].propid;
@@ -155,8 +155,8 @@ bool ApplyValues(WORD count, const CEPROPVAL* values, std::vector<Property>& pro
         } else if (!ReadValue(values[at], entries, property)) {
             return false;
         }
-        if (place < properties.size())
-            properties[place] = property;
+        if (found < properties.size())
+            properties[found] = property;
         else if (!property.removed)
             properties.push_back(property);
     }

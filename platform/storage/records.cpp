@@ -50,14 +50,14 @@ bool WriteRow(Store& store, std::int64_t row, const RecordChange& change) {
     return write.Bind(row).Bind(change.after->count).BindBytes(change.after->form).Run();
 }
 
-bool WriteSortKey(Store& store, const char* sql, std::int64_t place, std::string_view key, CEOID record) {
-    return Statement(store.connection, sql).Bind(place).BindBytes(key).Bind(record).Run();
+bool WriteSortKey(Store& store, const char* sql, std::int64_t order, std::string_view key, CEOID record) {
+    return Statement(store.connection, sql).Bind(order).BindBytes(key).Bind(record).Run();
 }
 
 bool WriteSortKeys(Store& store, const DatabaseRow& row, const RecordChange& change) {
     for (WORD order = 0; order < row.info.wNumSortOrder; ++order) {
         const SORTORDERSPEC& spec = row.info.rgSortSpecs[order];
-        const std::int64_t place = std::int64_t{row.oid} * CEDB_MAXSORTORDER + order;
+        const std::int64_t number = SortOrderNumber(row.oid, order);
         const std::string before =
             change.before ? SortKey(spec, change.before->count, change.before->form) : std::string();
         const std::string after =
@@ -65,11 +65,11 @@ bool WriteSortKeys(Store& store, const DatabaseRow& row, const RecordChange& cha
         if (before == after)
             continue;
         if (change.before &&
-            !WriteSortKey(store, "DELETE FROM sortkeys WHERE place = ?1 AND key = ?2 AND record = ?3", place,
+            !WriteSortKey(store, "DELETE FROM sortkeys WHERE place = ?1 AND key = ?2 AND record = ?3", number,
                           before, change.record))
             return false;
         if (change.after &&
-            !WriteSortKey(store, "INSERT INTO sortkeys VALUES (?1, ?2, ?3)", place, after, change.record))
+            !WriteSortKey(store, "INSERT INTO sortkeys VALUES (?1, ?2, ?3)", number, after, change.record))
             return false;
     }
     return true;

@@ -194,8 +194,8 @@ void WriteTransaction::End() {
     store.locks.Writer().compare_exchange_strong(self, 0);
     std::uint64_t expected = count;
     store.locks.ChangeCount().compare_exchange_strong(expected, count + 1);
-    // The own change leaves the own caches good. If the count is another's already, this one will not match
-    // it.
+    // What this process cached was kept up to date with its own change. If another process has already moved
+    // the count on, this one will not match it.
     store.knownCount = count + 1;
 }
 

@@ -79,8 +79,8 @@ private:
 // For SQLite: naps until the writer of a store has had its time.
 int WaitForWriter(void* store, int attempt);
 
-// One step, whole or not at all. Waits for other writers. What was done is taken back unless Commit returns
-// true.
+// One step, of which all takes effect or nothing. Waits for other writers. What was done is taken back unless
+// Commit returns true.
 class WriteTransaction {
 public:
     explicit WriteTransaction(Store& store);

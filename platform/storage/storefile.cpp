@@ -18,7 +18,7 @@ constexpr std::int64_t kVersion = 1;
 
 // Text is kept as it came, lone surrogates included. A record's identifier stands in the low half of its
 // row's, below its database's, so that a database's records lie together in the order in which they were
-// made. A sort order's place is its database's identifier times four, plus its number.
+// made. The column `place` is SortOrderNumber.
 constexpr const char* kCreate = R"(
 PRAGMA encoding = 'UTF-16le';
 PRAGMA journal_mode = WAL;

@@ -207,7 +207,7 @@ TEST_F(Files, NothingOfADeviceIsOpenedButWhatLiesBelowItsRoot) {
     EXPECT_TRUE(CloseHandle(BeginAnew(FromUtf8(second + "/root/all.bkp").c_str(), "archive")));
 }
 
-TEST_F(Files, PlacesReachBeyondFourGigabytes) {
+TEST_F(Files, OffsetsReachBeyondFourGigabytes) {
     const HANDLE file = Open(u"\\sparse", CREATE_ALWAYS, GENERIC_READ | GENERIC_WRITE);
     LONG high = 1;
     DWORD count = 0, sizeHigh = 0;
@@ -217,7 +217,7 @@ TEST_F(Files, PlacesReachBeyondFourGigabytes) {
     EXPECT_EQ(sizeHigh, 2u);
     SetLastError(ERROR_ACCESS_DENIED);
     high = -1;
-    EXPECT_EQ(SetFilePointer(file, -3, &high, FILE_END), 0xFFFFFFFF); // a place, not a failure
+    EXPECT_EQ(SetFilePointer(file, -3, &high, FILE_END), 0xFFFFFFFF); // an offset, not a failure
     EXPECT_EQ(high, 1);
     EXPECT_EQ(GetLastError(), ERROR_SUCCESS);
     char text[8] = {};
@@ -226,7 +226,7 @@ TEST_F(Files, PlacesReachBeyondFourGigabytes) {
     EXPECT_TRUE(ReadFile(file, text, 8, &count, nullptr)); // the end is no failure
     EXPECT_EQ(count, 0u);
 
-    // The place does not fit.
+    // The offset does not fit.
     EXPECT_EQ(FailureOf(SetFilePointer(file, 0, nullptr, FILE_CURRENT)), ERROR_INVALID_PARAMETER);
     EXPECT_EQ(SetFilePointer(file, 5, nullptr, FILE_BEGIN), 5u);
     EXPECT_EQ(SetFilePointer(file, -6, nullptr, FILE_CURRENT), INVALID_SET_FILE_POINTER);

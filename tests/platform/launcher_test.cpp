@@ -252,7 +252,7 @@ TEST(Process, StartsAProgramBesideThisOneAndForgetsIt) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(report); }, 10000));
     // The fourth is the listing itself.
     EXPECT_EQ(HostFile(report.toStdString()), "1:tarnwickscope.htm#a b\n/dev/null\nunset\n4\n");
-    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1); // no child is left to bury
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1); // no child is left to wait for
     close(inherited);
     script.remove();
     EXPECT_EQ(FailureOf(CreateProcessW(program.c_str(), u"")), ERROR_FILE_NOT_FOUND);
