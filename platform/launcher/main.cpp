@@ -9,7 +9,7 @@
 #include "platform/errors.h"
 #include "platform/launcher/arguments.h"
 #include "platform/process.h"
-#include "platform/ui/input/display.h"
+#include "platform/ui/core/display.h"
 #include "platform/window.h"
 
 namespace {

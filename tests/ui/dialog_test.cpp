@@ -4,7 +4,7 @@
 #include "platform/menu.h"
 #include "platform/pickers.h"
 #include "platform/shell.h"
-#include "platform/ui/input/display.h"
+#include "platform/ui/core/display.h"
 #include "resources/resource.h"
 #include "tests/ui/templatebuilder.h"
 #include "tests/ui/windowfixture.h"

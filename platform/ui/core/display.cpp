@@ -1,4 +1,4 @@
-#include "platform/ui/input/display.h"
+#include "platform/ui/core/display.h"
 
 #include <QGuiApplication>
 #include <QStringList>

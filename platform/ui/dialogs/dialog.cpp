@@ -8,12 +8,12 @@
 #include "platform/base/outofmemory.h"
 #include "platform/base/utf8.h"
 #include "platform/ui/controls/controlsupport.h"
+#include "platform/ui/core/display.h"
 #include "platform/ui/core/messagequeue.h"
 #include "platform/ui/core/testhooks.h"
 #include "platform/ui/dialogs/dialogcore.h"
 #include "platform/ui/dialogs/dialogtemplate.h"
 #include "platform/ui/drawing/gdiobjects.h"
-#include "platform/ui/input/display.h"
 #include "platform/ui/screen/screen.h"
 
 namespace {

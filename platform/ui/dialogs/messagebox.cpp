@@ -10,9 +10,9 @@
 
 #include "platform/base/outofmemory.h"
 #include "platform/ui/controls/controlsupport.h"
+#include "platform/ui/core/display.h"
 #include "platform/ui/core/testhooks.h"
 #include "platform/ui/dialogs/dialogcore.h"
-#include "platform/ui/input/display.h"
 #include "platform/ui/screen/screen.h"
 
 namespace {

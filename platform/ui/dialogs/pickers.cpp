@@ -7,10 +7,10 @@
 #include "platform/base/outofmemory.h"
 #include "platform/base/paths.h"
 #include "platform/text.h"
+#include "platform/ui/core/display.h"
 #include "platform/ui/core/testhooks.h"
 #include "platform/ui/core/windowobject.h"
 #include "platform/ui/dialogs/pickerwidget.h"
-#include "platform/ui/input/display.h"
 
 namespace {
 

@@ -3,10 +3,10 @@
 #include <QProxyStyle>
 #include <QStyleOption>
 
+#include "platform/ui/core/display.h"
 #include "platform/ui/core/testhooks.h"
 #include "platform/ui/core/windowobject.h"
 #include "platform/ui/drawing/gdiobjects.h"
-#include "platform/ui/input/display.h"
 #include "platform/ui/menus/menus.h"
 #include "platform/ui/screen/screen.h"
 
