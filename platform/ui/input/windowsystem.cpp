@@ -5,6 +5,7 @@
 #include <QStyleFactory>
 
 #include "platform/storage/watch.h"
+#include "platform/ui/core/display.h"
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/drawing/cursors.h"
 #include "platform/ui/drawing/look.h"
