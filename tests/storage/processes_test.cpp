@@ -133,6 +133,7 @@ TEST(Processes, OnlyForeignCreationsAndDeletionsAreReported) {
     EXPECT_TRUE(StoreWatchWanted());
 
     CeDeleteRecord(plain, Values().Number(1, 0).Write(handle));
+    EXPECT_NE(Values().Number(1, 8).Write(plain), 0U); // and stays
     PollStoreChanges();
     EXPECT_TRUE(notified.empty()) << "the own changes";
     ASSERT_TRUE(other.Run(0));
