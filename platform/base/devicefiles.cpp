@@ -69,7 +69,7 @@ std::string RealFilePath(const std::string& host) {
         if (std::string real = RealPath(path); !real.empty())
             return real;
         char next[PATH_MAX];
-        const ssize_t length = readlink(path.c_str(), next, sizeof next);
+        const ssize_t length = readlink(path.c_str(), next, sizeof(next));
         if (length <= 0) {
             const std::string folder = RealPath(FolderOf(path));
             return folder.empty() ? folder : folder + (folder == "/" ? "" : "/") + NameOf(path);

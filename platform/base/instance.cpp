@@ -35,7 +35,7 @@ SocketName NameOf(const WCHAR* className) {
     std::string name(1, '\0');
     name += "pocket-strandview/" + std::to_string(getuid()) + '/' + std::to_string(folder.st_dev) + '/' +
             std::to_string(folder.st_ino) + '/' + ToUtf8(className);
-    if (name.size() > sizeof result.address.sun_path)
+    if (name.size() > sizeof(result.address.sun_path))
         return result;
     result.address.sun_family = AF_UNIX;
     std::memcpy(result.address.sun_path, name.data(), name.size());
@@ -45,7 +45,7 @@ SocketName NameOf(const WCHAR* className) {
 
 bool SameUser(int descriptor) {
     ucred peer{};
-    socklen_t length = sizeof peer;
+    socklen_t length = sizeof(peer);
     return getsockopt(descriptor, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0 && peer.uid == getuid();
 }
 
@@ -59,7 +59,7 @@ Answer Call(const SocketName& name, bool request) {
     if (!SameUser(caller.Number()))
         return Answer::FromStranger;
     const bool sent =
-        !request || send(caller.Number(), &kRequest, sizeof kRequest, MSG_NOSIGNAL) == sizeof kRequest;
+        !request || send(caller.Number(), &kRequest, sizeof(kRequest), MSG_NOSIGNAL) == sizeof(kRequest);
     return sent ? Answer::Reached : Answer::None;
 }
 
@@ -67,9 +67,9 @@ Answer Call(const SocketName& name, bool request) {
 bool HearRequest(int caller) {
     // A caller sends at once; one that does not is not waited for.
     const timeval patience{0, 200000};
-    setsockopt(caller, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    setsockopt(caller, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience));
     char request = 0;
-    return SameUser(caller) && recv(caller, &request, sizeof request, 0) == sizeof request &&
+    return SameUser(caller) && recv(caller, &request, sizeof(request), 0) == sizeof(request) &&
            request == kRequest;
 }
 

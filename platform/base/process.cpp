@@ -17,7 +17,7 @@ namespace {
 
 std::string ProgramFolder() {
     char path[PATH_MAX];
-    const ssize_t length = readlink("/proc/self/exe", path, sizeof path);
+    const ssize_t length = readlink("/proc/self/exe", path, sizeof(path));
     const std::string program(path, length > 0 ? static_cast<std::size_t>(length) : 0);
     return program.substr(0, program.rfind('/') + 1);
 }

@@ -18,7 +18,7 @@ constexpr WORD kNumberMark = 0xFFFF; // before a type or a name that is a number
 template <typename Number>
 Number NumberAt(const std::byte* bytes) {
     Number number;
-    std::memcpy(&number, bytes, sizeof number);
+    std::memcpy(&number, bytes, sizeof(number));
     return number;
 }
 
@@ -101,7 +101,7 @@ const std::vector<ResourceEntry>& ProgramResources() {
 
 const std::byte* FindTableText(const ResourceEntry& table, unsigned number, std::size_t& length) {
     std::size_t offset = 0;
-    for (unsigned passed = 0; table.size - offset >= sizeof(WORD); passed++) {
+    for (unsigned passed = 0; table.size - offset >= sizeof(WORD); ++passed) {
         length = NumberAt<WORD>(table.bytes + offset);
         offset += sizeof(WORD);
         if (length > (table.size - offset) / sizeof(WCHAR))
