@@ -27,7 +27,7 @@ constexpr Ticks kHostEpoch = (kHostFirstDay - kFirstDay).count() * kTicksPerDay;
 constexpr int kFirstYear = 1601;
 constexpr int kLastYear = 30827;
 constexpr Days kEndDay = Days(std::chrono::year(kLastYear + 1) / 1 / 1);
-constexpr Ticks kEnd = (kEndDay - kFirstDay).count() * kTicksPerDay; // days below the largest number
+constexpr Ticks kEnd = (kEndDay - kFirstDay).count() * kTicksPerDay; // some days before the largest number
 
 Ticks TicksOf(const FILETIME& time) {
     return static_cast<Ticks>((static_cast<std::uint64_t>(time.dwHighDateTime) << 32) | time.dwLowDateTime);

@@ -10,11 +10,11 @@ struct WindowClaim {
     bool taken = false; // another process of this user has it
 };
 
-// Claims for this process to have the window of that class on the current device, which may then be made. Of
-// several processes that do so one at a time gets it. Neither a listener nor taken where the host cannot
-// tell: then each process has its window.
+// Claims the window of that class on the current device for this process, which may then make it. Of several
+// processes that claim it one at a time gets it. Where the host cannot tell there is neither a listener nor
+// is it taken: each process then has its window.
 WindowClaim ClaimWindow(const WCHAR* className);
-// Takes what has arrived at that listener, be it from before the window was there; never waits long. True
+// Takes what has arrived at that listener, even before the window was there; never waits long. True
 // when the window is to come to the front.
 bool AcceptForegroundRequests(int listener);
 

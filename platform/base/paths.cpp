@@ -50,7 +50,7 @@ bool StepBack(Names& names) {
     return true;
 }
 
-// What a folder calls the name, when it has it with other case only.
+// Finds the spelling of a name that a folder holds with other case only.
 bool FindOtherCase(const std::string& folder, const std::u16string& name, std::string& found) {
     DIR* listing = opendir(folder.empty() ? "." : folder.c_str());
     if (!listing)

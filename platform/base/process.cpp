@@ -47,7 +47,8 @@ BOOL StartProcess(const WCHAR* application, const WCHAR* commandLine) {
         return FALSE;
     }
     char* const arguments[] = {program.data(), argument.data(), nullptr};
-    // The child ends at once and is waited for; its own child then belongs to the host, which buries it.
+    // The child ends at once and is waited for; its own child then belongs to the host, which cleans up after
+    // it.
     const pid_t child = fork();
     if (child == 0) {
         const pid_t grandchild = fork();

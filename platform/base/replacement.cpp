@@ -13,7 +13,7 @@ std::string FolderOf(const std::string& path) {
     return path.substr(0, path.rfind('/') + 1);
 }
 
-// What says that a file system knows no files without a name.
+// Whether the error says that the file system knows no files without a name.
 bool NeedsName(int hostError) {
     return hostError == EOPNOTSUPP || hostError == EISDIR || hostError == EINVAL;
 }

@@ -10,7 +10,7 @@ namespace storage {
 
 namespace {
 
-constexpr std::int64_t kMostCounted = std::int64_t{1} << 62; // so that counting on cannot overflow
+constexpr std::int64_t kMostCounted = std::int64_t{1} << 62; // so that adding to a count cannot overflow
 
 std::string_view SpecBytes(const CEDBASEINFO& info) {
     return {reinterpret_cast<const char*>(info.rgSortSpecs), info.wNumSortOrder * sizeof(SORTORDERSPEC)};

@@ -106,7 +106,7 @@ bool ChangeInfo(Store& store, CEOID oid, const CEDBASEINFO& info, bool reorder) 
     return store.Sync();
 }
 
-// The number of the sort order on a property, -1 for property 0, -2 when there is none.
+// The index of the sort order on a property, -1 for property 0, -2 when there is none.
 int FindSortOrder(const CEDBASEINFO& info, CEPROPID property) {
     if (property == 0)
         return -1;

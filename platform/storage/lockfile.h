@@ -26,7 +26,8 @@ public:
     // False once the file under the name is gone or another one, so that other processes no longer meet this
     // one here.
     bool IsCurrent() const;
-    // Goes over to the file that is now under the name, with all that is held. False with the last error set.
+    // Changes over to the file that is now under the name, and takes all locks that are held there, too.
+    // False with the last error set.
     bool Reopen();
 
     // Only one process at a time makes or tidies up a store.

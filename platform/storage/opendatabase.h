@@ -55,7 +55,7 @@ private:
 
 class OpenDatabase : public KernelObject {
 public:
-    // `sort` is the number of a sort order of the row, or -1. The new object takes over the hold on the
+    // `sort` is the index of a sort order of the row, or -1. The new object takes over the hold on the
     // database.
     OpenDatabase(Store& store, Holding& held, const DatabaseRow& row, int sort, HWND notify);
     ~OpenDatabase() override;

@@ -14,7 +14,8 @@ namespace storage {
 // More than any device ever took, and little enough for the local heap.
 constexpr std::size_t kLargestRecord = std::size_t{16} << 20;
 
-// One property on its way; what lies outside its entry is still where it came from.
+// One property between a caller's values and a storage form; its string or blob still lies where it came
+// from.
 struct Property {
     CEPROPID id = 0;
     BYTE value[8] = {}; // as stored, but for the offset, which is put in when the record is put together

@@ -26,7 +26,7 @@ void AppendBigEndian(std::uint64_t value, int bytes, std::string& key) {
         key += static_cast<char>(value >> shift);
 }
 
-// A present string has its end within the form; that was seen to when it was written or is when it is read.
+// Stays within `rest`, even when a damaged form holds a string without an end.
 void AppendText(std::string_view rest, bool fold, std::string& key) {
     std::u16string text;
     for (std::size_t at = 0; at + 1 < rest.size() && text.size() < kMostUnits; at += sizeof(char16_t)) {

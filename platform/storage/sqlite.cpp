@@ -87,7 +87,8 @@ int Connection::Execute(const char* sql) {
 }
 
 int Connection::Reserve(std::int64_t bytes) {
-    // Chunks only now: they would also be what the file is cut to, with a hole where nothing was reserved.
+    // The chunk size is set only now: the file would also be cut to a multiple of it, with a hole where
+    // nothing was reserved.
     int chunk = 64 * 1024;
     int none = 0;
     sqlite3_int64 wanted = bytes;

@@ -103,8 +103,8 @@ CEOID Store::NewIdentifier() {
     return static_cast<CEOID>(nextIdentifier++);
 }
 
-// The log takes new pages first and brings them into the file later. Room for them there is made sure of
-// now, or a full disk would keep the log from ever being emptied.
+// The log takes new pages first and brings them into the file later. Room for them in
+// the file is reserved now, or a full disk would keep the log from ever being emptied.
 bool Store::ReserveGrowth() {
     Statement pages(connection, "PRAGMA page_count");
     if (!pages.Row())
@@ -189,7 +189,7 @@ bool WriteTransaction::Commit() {
 }
 
 void WriteTransaction::End() {
-    // Only if no other process has begun meanwhile: then the count is that one's to make even.
+    // Only if no other process has begun to write meanwhile: it then makes the count even itself.
     std::int32_t self = getpid();
     store.locks.Writer().compare_exchange_strong(self, 0);
     std::uint64_t expected = count;
@@ -207,8 +207,7 @@ bool RoomMaker::Make() {
             return false;
         store.locks.GiveRoomBack();
         gaveRoomBack = true;
-        // The room is the log's. What is deleted is otherwise overwritten with zeros, which takes as much of
-        // it.
+        // The room is for the log alone. Overwriting what is deleted with zeros would use it up.
         store.mayGrow = false;
         store.connection.Execute("PRAGMA secure_delete = OFF");
     }

@@ -43,9 +43,11 @@ public:
     bool IsUnsynced() const { return unsynced; }
     // Brings the log into the file and empties it, which leaves its room on the disk to others.
     void EmptyLog();
-    // Whether opening it again may make more of it: there may be room now, or nobody writing.
+    // Whether opening it again may give a store that can be written: the disk may have room now, or nobody
+    // may be writing any more.
     bool IsWorthReopening() const;
-    // Runs what may be left undone after a commit, but for caches: without memory for it they are dropped.
+    // Runs what follows a commit but may be left undone. When there is no memory for it the caches, which it
+    // was to bring up to date, are dropped.
     template <typename Step>
     void AfterCommit(Step step) {
         try {
@@ -76,7 +78,7 @@ private:
     friend int WaitForWriter(void* store, int attempt);
 };
 
-// For SQLite: naps until the writer of a store has had its time.
+// For SQLite's busy handler: naps, and returns 0 when it is time to give up waiting for another writer.
 int WaitForWriter(void* store, int attempt);
 
 // One step, of which all takes effect or nothing. Waits for other writers. What was done is taken back unless
