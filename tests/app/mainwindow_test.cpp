@@ -4,37 +4,35 @@
 #include "platform/controls.h"
 #include "resources/resource.h"
 #include "tests/support/sampledatabases.h"
-#include "tests/support/usersession.h"
+#include "tests/support/session.h"
 #include "viewer/recordviewer.h"
 
 namespace {
 
-using MainWindowTest = UserSession;
+using MainWindowTest = Session;
 
 } // namespace
 
 TEST_F(MainWindowTest, OptionsKeepTheSelection) {
     for (const WCHAR* name : {u"A", u"B", u"C"})
         MakeDatabase(name, {});
-    TapRow(IDC_LIST, u"B");
-    Choose(IDM_REFRESH); // remembers it
-    TapRow(IDC_LIST, u"C");
-    Choose(IDM_OPTIONS);
-    InWindow(IDD_OPTIONS);
-    Tap(IDC_OPTIONS_BOLD);
-    Tap(IDOK);
-    InMainWindow();
-    Do([](HWND window) {
-        const HWND list = GetDlgItem(window, IDC_LIST);
-        EXPECT_EQ(RowText(list, SelectedRow(list), 0), u"C");
-        EXPECT_EQ(SendMessageW(list, LVM_GETSELECTEDCOUNT, 0, 0), 1);
+    RunProgram([&] {
+        SelectRow(IDC_LIST, u"B");
+        Choose(u"View/Refresh"); // remembers it
+        SelectRow(IDC_LIST, u"C");
+        Choose(u"Tools/Options...");
+        InWindow(IDD_OPTIONS);
+        Tap(IDC_OPTIONS_BOLD);
+        Tap(IDOK);
+        InMainWindow();
+        EXPECT_EQ(SelectedText(IDC_LIST), u"C");
+        EXPECT_EQ(ListView_GetSelectedCount(Control(IDC_LIST)), 1);
     });
-    RunProgram();
 }
 
 TEST_F(MainWindowTest, EndOfTheProgramGetsThroughAViewer) {
     MakeDatabase(u"A", {{TextValue(1, u"text")}});
-    RunProgram(); // registers the window's class
+    RunProgram([] {}); // registers the window's class
     App() = Application();
     ASSERT_TRUE(CreateMainWindow());
     RecordViewer viewer;

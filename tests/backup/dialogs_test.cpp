@@ -12,49 +12,44 @@
 #include "platform/ui/core/windowobject.h"
 #include "resources/resource.h"
 #include "tests/backup/backupfixture.h"
-#include "tests/support/usersession.h"
+#include "tests/support/session.h"
 
 namespace {
 
 constexpr const WCHAR* kArchive = u"\\My Documents\\all.bkp";
 const std::u16string kUnreadable = u"Unable to read from file. File may be corrupted.";
 using Names = std::vector<std::u16string>;
+const QPoint kBelowTheRows(60, 300);
 
-class BackupSession : public UserSession {
+class BackupSession : public Session {
 protected:
     BackupSession() { std::filesystem::create_directory(device.folder + "/root/My Documents"); }
 
-    static bool Enabled(HWND dialog, int id) { return IsWindowEnabled(GetDlgItem(dialog, id)); }
-    static bool Checked(HWND dialog, int id) { return IsDlgButtonChecked(dialog, id) == BST_CHECKED; }
+    bool Enabled(int id) { return IsWindowEnabled(Control(id)); }
+    bool Checked(int id) { return IsDlgButtonChecked(Window(), id) == BST_CHECKED; }
 
     // Up to the list of the archive's databases.
     void ChooseRestore() {
         InMainWindow();
         PickToOpen(u"all");
-        Choose(IDM_RESTORE);
+        Choose(u"Tools/Restore...");
         InWindow(IDD_SELECTION_LIST);
     }
-    // All rows of a list, or none (state 0).
-    void SelectRows(int listId, UINT state) {
-        Do([=](HWND window) {
-            LVITEMW item = {};
-            item.state = state;
-            item.stateMask = LVIS_SELECTED;
-            SendDlgItemMessageW(window, listId, LVM_SETITEMSTATE, static_cast<WPARAM>(-1),
-                                reinterpret_cast<LPARAM>(&item));
-        });
+    void SelectNothing() { stylus.Tap(Control(IDC_LIST), kBelowTheRows); }
+    void SelectAllToRestore() {
+        TapRow(IDC_SELECTION_LIST, CellText(Control(IDC_SELECTION_LIST), 0, 0));
+        Press(Qt::Key_End, Qt::ShiftModifier);
     }
     void AnswerClash(const std::u16string& name, int button) {
         InWindow(IDD_DATABASE_EXISTS);
-        Do([name](HWND dialog) {
-            EXPECT_EQ(Text(dialog, IDC_EXISTS_TEXT), u"Database \"" + name + u"\" already exists.");
-        });
+        EXPECT_EQ(Text(IDC_EXISTS_TEXT), u"Database \"" + name + u"\" already exists.");
         Tap(button);
     }
     // At the main window again.
     void ExpectDatabases(const Names& names) {
         InMainWindow();
-        Do([names](HWND) { EXPECT_EQ(DatabaseNames(), names); });
+        Window();
+        EXPECT_EQ(DatabaseNames(), names);
     }
     void TryPassword(const std::u16string& password, const std::u16string& confirmation) {
         InWindow(IDD_PROTECT_BACKUP);
@@ -69,146 +64,136 @@ protected:
 TEST_F(BackupSession, ProtectedBackupItsRestoreUnderAnotherNameAndItsScript) {
     MakeSample();
     MakeSample(u"Other");
-    TapRow(IDC_LIST, u"Ab");
-    Choose(IDM_BACKUP);
-    InWindow(IDD_BACKUP_OPTIONS);
-    Do([](HWND dialog) {
-        EXPECT_TRUE(Checked(dialog, IDC_BACKUP_SELECTED) && Enabled(dialog, IDC_BACKUP_SELECTED));
-        EXPECT_TRUE(Checked(dialog, IDC_BACKUP_COMPRESS));
-        EXPECT_FALSE(Enabled(dialog, IDC_BACKUP_SCRIPT_PATH) || Enabled(dialog, IDC_BACKUP_SCRIPT_BROWSE));
-    });
-    Tap(IDC_BACKUP_PASSWORD);
-    Tap(IDC_BACKUP_SCRIPT);
-    Do([](HWND dialog) {
-        EXPECT_TRUE(Enabled(dialog, IDC_BACKUP_SCRIPT_PATH) && Enabled(dialog, IDC_BACKUP_SCRIPT_BROWSE));
-    });
-    PickToSave(u"nightly");
-    Tap(IDC_BACKUP_SCRIPT_BROWSE);
-    Tap(IDOK);
-    InWindow(IDD_PROTECT_BACKUP); // without a password the options stay
-    Tap(IDCANCEL);
-    InWindow(IDD_BACKUP_OPTIONS);
-    Tap(IDOK);
-    ExpectMessage(u"Password must be minimum 4 characters long.");
-    TryPassword(u"abc", u"abc");
-    ExpectMessage(u"The new password was not correctly confirmed!");
-    TryPassword(u"open", u"Open");
-    PickToSave(u"all");
-    TryPassword(u"open", u"open");
-    InMainWindow();
-    Do([](HWND) {
+    RunProgram([&] {
+        CatchHelp();
+        SelectRow(IDC_LIST, u"Ab");
+        Choose(u"Tools/Backup...");
+        InWindow(IDD_BACKUP_OPTIONS);
+        EXPECT_TRUE(Checked(IDC_BACKUP_SELECTED) && Enabled(IDC_BACKUP_SELECTED));
+        EXPECT_TRUE(Checked(IDC_BACKUP_COMPRESS));
+        EXPECT_FALSE(Enabled(IDC_BACKUP_SCRIPT_PATH) || Enabled(IDC_BACKUP_SCRIPT_BROWSE));
+        Tap(IDC_FRAME_HELP);
+        EXPECT_EQ(HelpShown(), "tarnwickscope.htm#backup");
+        Tap(IDC_BACKUP_PASSWORD);
+        Tap(IDC_BACKUP_SCRIPT);
+        EXPECT_TRUE(Enabled(IDC_BACKUP_SCRIPT_PATH) && Enabled(IDC_BACKUP_SCRIPT_BROWSE));
+        PickToSave(u"nightly");
+        Tap(IDC_BACKUP_SCRIPT_BROWSE);
+        Tap(IDOK);
+        InWindow(IDD_PROTECT_BACKUP); // without a password the options stay
+        Tap(IDCANCEL);
+        InWindow(IDD_BACKUP_OPTIONS);
+        Tap(IDOK);
+        ExpectMessage(u"Password must be minimum 4 characters long.");
+        TryPassword(u"abc", u"abc");
+        ExpectMessage(u"The new password was not correctly confirmed!");
+        TryPassword(u"open", u"Open");
+        PickToSave(u"all");
+        TryPassword(u"open", u"open");
+        InMainWindow();
+        Window();
         EXPECT_EQ(Slice(FileBytes(kArchive), 0, 64), Slice(FromHex(kCompressedArchive), 0, 64));
         EXPECT_EQ(std::u16string(App().settings->scriptName), u"\\My Documents\\nightly.abk");
-    });
 
-    PickToOpen(u"all");
-    Choose(IDM_RESTORE);
-    InWindow(IDD_ENTER_PASSWORD);
-    TypeInto(IDC_ENTER_PASSWORD, u"OPEN");
-    ExpectMessage(u"The password is incorrect!");
-    Tap(IDOK);
-    Type(u"open"); // over the wrong one, which is selected
-    Press(Qt::Key_Return);
-    InWindow(IDD_SELECTION_LIST);
-    Do([](HWND dialog) {
-        const std::u16string summary = Text(dialog, IDC_SELECTION_SUMMARY);
+        PickToOpen(u"all");
+        Choose(u"Tools/Restore...");
+        InWindow(IDD_ENTER_PASSWORD);
+        TypeInto(IDC_ENTER_PASSWORD, u"OPEN");
+        ExpectMessage(u"The password is incorrect!");
+        Tap(IDOK);
+        Type(u"open"); // over the wrong one, which is selected
+        Press(Qt::Key_Return);
+        InWindow(IDD_SELECTION_LIST);
+        const std::u16string summary = Text(IDC_SELECTION_SUMMARY);
         EXPECT_TRUE(summary.starts_with(u"Compressed; Size 0.03 KB; Stored "));
         EXPECT_TRUE(summary.ends_with(u"; Records 1"));
-    });
-    Tap(IDOK);
-    AnswerClash(u"Ab", IDOK);
-    InWindow(IDD_NEW_NAME);
-    TypeInto(IDC_NEW_NAME_TO, u"Second");
-    Tap(IDOK);
-    ExpectDatabases({u"Ab", u"Other", u"Second"});
-
-    // The script makes the same archive again.
-    ExpectMessage(u"File \"\\My Documents\\all.bkp\" already exists; overwrite?", IDYES);
-    ExpectMessage(
-        u"Backup is complete. Backup file \"\\My Documents\\all.bkp\" has been successfully created.");
-    Choose(IDM_AUTOBACKUP);
-    Do([](HWND) {
+        Tap(IDOK);
+        AnswerClash(u"Ab", IDOK);
+        InWindow(IDD_NEW_NAME);
+        TypeInto(IDC_NEW_NAME_TO, u"Second");
+        Tap(IDOK);
+        ExpectDatabases({u"Ab", u"Other", u"Second"});
         EXPECT_EQ(Contents(u"Second"), kSampleContents);
+
+        // The script makes the same archive again.
+        ExpectMessage(u"File \"\\My Documents\\all.bkp\" already exists; overwrite?", IDYES);
+        ExpectMessage(
+            u"Backup is complete. Backup file \"\\My Documents\\all.bkp\" has been successfully created.");
+        Choose(u"Tools/Autobackup");
         EXPECT_EQ(Slice(FileBytes(kArchive), 0, 64), Slice(FromHex(kCompressedArchive), 0, 64));
     });
-    RunProgram();
 }
 
 TEST_F(BackupSession, AllDatabasesWhenNoneIsSelectedAndCancelAnywhere) {
     MakeSample();
     MakeSample(u"Other");
-    SelectRows(IDC_LIST, 0);
-    Choose(IDM_BACKUP);
-    InWindow(IDD_BACKUP_OPTIONS);
-    Do([](HWND dialog) {
-        EXPECT_TRUE(Checked(dialog, IDC_BACKUP_ALL));
-        EXPECT_FALSE(Enabled(dialog, IDC_BACKUP_ALL) || Enabled(dialog, IDC_BACKUP_SELECTED));
-    });
-    Press(Qt::Key_Escape);
-    InMainWindow();
-    Choose(IDM_BACKUP);
-    InWindow(IDD_BACKUP_OPTIONS);
-    PickToSave(u"");
-    Tap(IDOK);
-    InMainWindow();
-    Do([](HWND) { EXPECT_FALSE(FileExists(kArchive)); });
-    Choose(IDM_BACKUP);
-    InWindow(IDD_BACKUP_OPTIONS);
-    PickToSave(u"all");
-    Press(Qt::Key_Return);
-    InMainWindow();
-    Do([](HWND) {
+    RunProgram([&] {
+        SelectNothing();
+        Choose(u"Tools/Backup...");
+        InWindow(IDD_BACKUP_OPTIONS);
+        EXPECT_TRUE(Checked(IDC_BACKUP_ALL));
+        EXPECT_FALSE(Enabled(IDC_BACKUP_ALL) || Enabled(IDC_BACKUP_SELECTED));
+        Press(Qt::Key_Escape);
+        InMainWindow();
+        Choose(u"Tools/Backup...");
+        InWindow(IDD_BACKUP_OPTIONS);
+        PickToSave(u"");
+        Tap(IDOK);
+        InMainWindow();
+        Window();
+        EXPECT_FALSE(FileExists(kArchive));
+        Choose(u"Tools/Backup...");
+        InWindow(IDD_BACKUP_OPTIONS);
+        PickToSave(u"all");
+        Press(Qt::Key_Return);
+        InMainWindow();
+        Window();
         EXPECT_EQ(NumberAt(FileBytes(kArchive), 8), 2u);
         DeleteAllBut(u"");
+        ChooseRestore();
+        Tap(IDCANCEL);
+        ExpectDatabases({});
     });
-    ChooseRestore();
-    Tap(IDCANCEL);
-    ExpectDatabases({});
-    RunProgram();
 }
 
 TEST_F(BackupSession, OnlySelectedRowsAreRestored) {
     WriteBytes(kArchive, ArchiveOf(u"ABC"));
-    ChooseRestore();
-    Do([](HWND dialog) {
-        const HWND list = GetDlgItem(dialog, IDC_SELECTION_LIST);
-        EXPECT_EQ(Column(list, 0), (Names{u"Ab", u"Bb", u"Cb"}));
-        EXPECT_EQ(RowText(list, 0, 1), u"0.03KB");
+    RunProgram([&] {
+        ChooseRestore();
+        const HWND list = Control(IDC_SELECTION_LIST);
+        EXPECT_EQ(ColumnTexts(list, 0), (Names{u"Ab", u"Bb", u"Cb"}));
+        EXPECT_EQ(CellText(list, 0, 1), u"0.03KB");
         EXPECT_EQ(SelectedRow(list), 0);
-        SetFocus(list);
-    });
-    Press(Qt::Key_Down);
-    Press(Qt::Key_Down);
-    Do([](HWND dialog) {
-        const std::u16string summary = Text(dialog, IDC_SELECTION_SUMMARY);
+        TapRow(IDC_SELECTION_LIST, u"Cb");
+        const std::u16string summary = Text(IDC_SELECTION_SUMMARY);
         EXPECT_TRUE(summary.starts_with(u"Not compressed; Size 0.03 KB; Stored "));
         EXPECT_TRUE(summary.ends_with(u"2003 09:30; Records 1"));
+        Press(Qt::Key_Return);
+        ExpectDatabases({u"Cb"});
     });
-    Press(Qt::Key_Return);
-    ExpectDatabases({u"Cb"});
-    RunProgram();
 }
 
 // Each turn comes back to the database that was skipped.
 TEST_F(BackupSession, CancelledClashAsksAgainForEachDatabase) {
     MakeSample();
     WriteBytes(kArchive, ArchiveOf(u"ABC"));
-    ChooseRestore();
-    SelectRows(IDC_SELECTION_LIST, LVIS_SELECTED);
-    Tap(IDOK);
-    for (int i = 0; i < 3; i++)
-        AnswerClash(u"Ab", IDCANCEL);
-    ExpectDatabases({u"Ab"});
-    // Given up once, the last one stays unvisited.
-    ChooseRestore();
-    SelectRows(IDC_SELECTION_LIST, LVIS_SELECTED);
-    Tap(IDOK);
-    AnswerClash(u"Ab", IDOK);
-    InWindow(IDD_NEW_NAME);
-    Tap(IDCANCEL);
-    AnswerClash(u"Ab", IDC_EXISTS_OVERWRITE);
-    ExpectDatabases({u"Ab", u"Bb"});
-    RunProgram();
+    RunProgram([&] {
+        ChooseRestore();
+        SelectAllToRestore();
+        Tap(IDOK);
+        for (int i = 0; i < 3; ++i)
+            AnswerClash(u"Ab", IDCANCEL);
+        ExpectDatabases({u"Ab"});
+        // Given up once, the last one stays unvisited.
+        ChooseRestore();
+        SelectAllToRestore();
+        Tap(IDOK);
+        AnswerClash(u"Ab", IDOK);
+        InWindow(IDD_NEW_NAME);
+        Tap(IDCANCEL);
+        AnswerClash(u"Ab", IDC_EXISTS_OVERWRITE);
+        ExpectDatabases({u"Ab", u"Bb"});
+    });
 }
 
 TEST_F(BackupSession, DatabaseInUseIsEmptiedOnlyWhenTheUserSaysSo) {
@@ -216,17 +201,19 @@ TEST_F(BackupSession, DatabaseInUseIsEmptiedOnlyWhenTheUserSaysSo) {
     MakeDatabase(u"Ab", {{TextValue(9, u"mine")}});
     DbHandle other(nullptr);
     ASSERT_NE(other.Open(u"Ab", 0, 0), INVALID_HANDLE_VALUE);
-    for (const int answer : {IDNO, IDCANCEL, IDYES}) {
-        ChooseRestore();
-        ExpectMessage(u"Database \"Ab\" is in use by another application. You may need to soft-reset your "
-                      u"mobile device after restoring this database. Do you want to restore now?",
-                      answer);
-        Tap(IDOK);
-        AnswerClash(u"Ab", IDC_EXISTS_OVERWRITE);
-        InMainWindow();
-        Do([answer](HWND) { EXPECT_EQ(Contents(u"Ab"), answer == IDYES ? kSampleContents : u"9=mine\n"); });
-    }
-    RunProgram();
+    RunProgram([&] {
+        for (const int answer : {IDNO, IDCANCEL, IDYES}) {
+            ChooseRestore();
+            ExpectMessage(u"Database \"Ab\" is in use by another application. You may need to soft-reset "
+                          u"your mobile device after restoring this database. Do you want to restore now?",
+                          answer);
+            Tap(IDOK);
+            AnswerClash(u"Ab", IDC_EXISTS_OVERWRITE);
+            InMainWindow();
+            Window();
+            EXPECT_EQ(Contents(u"Ab"), answer == IDYES ? kSampleContents : u"9=mine\n");
+        }
+    });
 }
 
 TEST_F(BackupSession, CancelOfARestoreLeavesNoHalfDatabase) {
@@ -234,30 +221,30 @@ TEST_F(BackupSession, CancelOfARestoreLeavesNoHalfDatabase) {
     const Bytes record = Slice(archive, kPlainRecord, archive.size());
     constexpr WORD kMany = 60'000;
     PutNumber(&archive, kPlainBlock + 76, 0x00010000 | kMany);
-    for (int i = 1; i < kMany; i++)
+    for (int i = 1; i < kMany; ++i)
         archive.insert(archive.end(), record.begin(), record.end());
     PutNumber(&archive, kPlainBlock + 140, static_cast<DWORD>(archive.size()));
     WriteBytes(kArchive, archive);
     MakeSample(u"Keep");
-    for (const bool overwrite : {false, true}) {
-        if (overwrite)
-            Do([](HWND) { MakeSample(); });
-        ChooseRestore();
-        Tap(IDOK);
-        if (overwrite)
-            AnswerClash(u"Ab", IDC_EXISTS_OVERWRITE);
-        InWindow(IDD_PROGRESS);
-        ExpectMessage(u"Abort database restore; Are you sure?", IDNO);
-        Tap(IDCANCEL);
-        Do([](HWND dialog) {
-            EXPECT_TRUE(Text(dialog, IDC_PROGRESS_TEXT).starts_with(u"Restoring Database \"Ab\"\nRecord "));
-            EXPECT_TRUE(Text(dialog, IDC_PROGRESS_TEXT).ends_with(u" of 60000"));
-        });
-        ExpectMessage(u"Abort database restore; Are you sure?", IDYES);
-        Tap(IDCANCEL);
-        ExpectDatabases({u"Keep"});
-    }
-    RunProgram();
+    RunProgram([&] {
+        for (const bool overwrite : {false, true}) {
+            if (overwrite)
+                MakeSample();
+            ChooseRestore();
+            Tap(IDOK);
+            if (overwrite)
+                AnswerClash(u"Ab", IDC_EXISTS_OVERWRITE);
+            InWindow(IDD_PROGRESS);
+            ExpectMessage(u"Abort database restore; Are you sure?", IDNO);
+            Tap(IDCANCEL);
+            const std::u16string line = Text(IDC_PROGRESS_TEXT);
+            EXPECT_TRUE(line.starts_with(u"Restoring Database \"Ab\"\nRecord "));
+            EXPECT_TRUE(line.ends_with(u" of 60000"));
+            ExpectMessage(u"Abort database restore; Are you sure?", IDYES);
+            Tap(IDCANCEL);
+            ExpectDatabases({u"Keep"});
+        }
+    });
 }
 
 // The archive is kept as far as it got.
@@ -268,21 +255,23 @@ TEST_F(BackupSession, CancelOfABackupStopsAtTheNextRecord) {
         BackupEngine engine;
         engine.compress = false;
         EXPECT_TRUE(engine.BeginBackup(App().mainWindow, false, kArchive));
-        DWORD whole = 0;
-        while (whole < 20'000 && engine.WriteDatabase(u"Big"))
-            whole++;
+        DWORD complete = 0;
+        while (complete < 20'000 && engine.WriteDatabase(u"Big"))
+            ++complete;
         EXPECT_TRUE(engine.Finish());
-        EXPECT_LT(whole, 20'000u);
-        EXPECT_EQ(NumberAt(FileBytes(kArchive), 8), whole + 1); // the entry that was cut off counts
+        EXPECT_LT(complete, 20'000u);
+        EXPECT_EQ(NumberAt(FileBytes(kArchive), 8), complete + 1); // the entry that was cut off counts
         App().idle = 1;
     };
-    Do([=](HWND) { QTimer::singleShot(0, backUpForLong); });
-    InWindow(IDD_PROGRESS);
-    for (const int answer : {IDNO, IDYES}) {
-        ExpectMessage(u"Abort database backup; Are you sure?", answer);
-        Tap(IDCANCEL);
-    }
-    RunProgram();
+    RunProgram([&] {
+        Window();
+        QTimer::singleShot(0, backUpForLong);
+        InWindow(IDD_PROGRESS);
+        for (const int answer : {IDNO, IDYES}) {
+            ExpectMessage(u"Abort database backup; Are you sure?", answer);
+            Tap(IDCANCEL);
+        }
+    });
 }
 
 // A second start brings the list up over the progress, and its commands run inside of the one that goes on.
@@ -298,24 +287,27 @@ TEST_F(BackupSession, CommandsInsideOfALongOneLeaveItAlone) {
         PostMessageW(App().mainWindow, WM_CLOSE, 0, 0);
         ++disturbed;
     };
-    SelectRows(IDC_LIST, 0);
-    Choose(IDM_BACKUP);
-    InWindow(IDD_BACKUP_OPTIONS);
-    Tap(IDC_BACKUP_SCRIPT);
-    PickToSave(u"all");
-    Tap(IDOK);
-    InMainWindow();
-    Do([](HWND) { EXPECT_EQ(NumberAt(FileBytes(kArchive), 8), 2u); });
-    ExpectMessage(u"File \"\\My Documents\\all.bkp\" already exists; overwrite?", IDYES);
-    ExpectMessage(
-        u"Backup is complete. Backup file \"\\My Documents\\all.bkp\" has been successfully created.");
-    Choose(IDM_AUTOBACKUP);
-    Do([](HWND) { DeleteAllBut(u""); });
-    ChooseRestore();
-    SelectRows(IDC_SELECTION_LIST, LVIS_SELECTED);
-    Tap(IDOK);
-    ExpectDatabases({u"Ab", u"Other"});
-    RunProgram();
+    RunProgram([&] {
+        SelectNothing();
+        Choose(u"Tools/Backup...");
+        InWindow(IDD_BACKUP_OPTIONS);
+        Tap(IDC_BACKUP_SCRIPT);
+        PickToSave(u"all");
+        Tap(IDOK);
+        InMainWindow();
+        Window();
+        EXPECT_EQ(NumberAt(FileBytes(kArchive), 8), 2u);
+        ExpectMessage(u"File \"\\My Documents\\all.bkp\" already exists; overwrite?", IDYES);
+        ExpectMessage(
+            u"Backup is complete. Backup file \"\\My Documents\\all.bkp\" has been successfully created.");
+        Choose(u"Tools/Autobackup");
+        Window();
+        DeleteAllBut(u"");
+        ChooseRestore();
+        SelectAllToRestore();
+        Tap(IDOK);
+        ExpectDatabases({u"Ab", u"Other"});
+    });
     EXPECT_EQ(disturbed, 3);
 }
 
@@ -330,7 +322,7 @@ TEST_F(BackupSession, EndOfTheProgramEndsALongCommand) {
     MakeSample();
     MakeSample(u"Other");
     WriteBytes(u"\\two.bkp", ArchiveOf(u"XY"));
-    RunProgram(); // registers the window's class
+    RunProgram([] {}); // registers the window's class
     for (const int job : {0, 1, 2, 3}) {
         const bool destroy = job & 1;
         SCOPED_TRACE(job);
@@ -370,31 +362,34 @@ TEST_F(BackupSession, DamagedArchives) {
     Bytes archive = FromHex(kPlainArchive);
     PutNumber(&archive, 8, 2);
     WriteBytes(kArchive, archive);
-    PickToOpen(u"all");
-    ExpectMessage(kUnreadable);
-    Choose(IDM_RESTORE);
-    // One that shrinks while it is listed fails when it is read again.
-    Do([](HWND) { WriteBytes(kArchive, FromHex(kPlainArchive)); });
-    ChooseRestore();
-    Do([this](HWND) { std::filesystem::resize_file(device.folder + "/root/My Documents/all.bkp", 100); });
-    ExpectMessage(kUnreadable);
-    Tap(IDOK);
-    ExpectDatabases({});
-    RunProgram();
+    RunProgram([&] {
+        PickToOpen(u"all");
+        ExpectMessage(kUnreadable);
+        Choose(u"Tools/Restore...");
+        // One that shrinks while it is listed fails when it is read again.
+        WriteBytes(kArchive, FromHex(kPlainArchive));
+        ChooseRestore();
+        Window();
+        std::filesystem::resize_file(device.folder + "/root/My Documents/all.bkp", 100);
+        ExpectMessage(kUnreadable);
+        Tap(IDOK);
+        ExpectDatabases({});
+    });
 }
 
 TEST_F(BackupSession, WideScreensHaveTheirOwnTemplates) {
     MakeSample();
     WriteBytes(kArchive, FromHex(kPlainArchive));
     stylus.Resize(840, 640);
-    Choose(IDM_BACKUP);
-    InWindow(IDD_BACKUP_OPTIONS_LANDSCAPE);
-    Tap(IDCANCEL);
-    InMainWindow();
-    PickToOpen(u"all");
-    Choose(IDM_RESTORE);
-    InWindow(IDD_SELECTION_LIST_LANDSCAPE);
-    Tap(IDCANCEL);
-    RunProgram();
+    RunProgram([&] {
+        Choose(u"Tools/Backup...");
+        InWindow(IDD_BACKUP_OPTIONS_LANDSCAPE);
+        Tap(IDCANCEL);
+        InMainWindow();
+        PickToOpen(u"all");
+        Choose(u"Tools/Restore...");
+        InWindow(IDD_SELECTION_LIST_LANDSCAPE);
+        Tap(IDCANCEL);
+    });
     stylus.Resize(480, 640);
 }
