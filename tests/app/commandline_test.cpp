@@ -23,8 +23,9 @@ protected:
             messages.push_back(box.text);
             AnswerMessageBox(box.style & MB_YESNO ? IDYES : IDOK);
         };
+        TestHooks().dialog = [this](const DialogSeen&) { ++dialogs; };
     }
-    ~CommandLineTest() override { TestHooks().messageBox = nullptr; }
+    ~CommandLineTest() override { TestHooks() = {}; }
 
     bool HasFile(const char* name) const { return std::filesystem::exists(device.folder + "/root/" + name); }
     // The program's verdict: invalid lines say so once and do nothing.
@@ -37,6 +38,7 @@ protected:
 
     TestDevice device;
     Texts messages;
+    int dialogs = 0;
 };
 
 } // namespace
@@ -69,10 +71,12 @@ TEST_F(CommandLineTest, BacksUpWithEveryFormOfSwitch) {
     MakeDatabase(u"\\System", {});
     RunCommandLine(u"ignored -b \\one.bkp -D -P more");
     EXPECT_TRUE(HasFile("one.bkp"));
+    EXPECT_EQ(dialogs, 0);
     RunCommandLine(u"/Backup \"\\with blanks.bkp\"/d/p"); // a quote ends its token, blank or not
     EXPECT_TRUE(HasFile("with blanks.bkp"));
     RunCommandLine(u"-B\u2003\"\\open quote.bkp -D");
     EXPECT_TRUE(HasFile("open quote.bkp -D"));
+    EXPECT_EQ(dialogs, 2); // the progress, which only a P of its own hides
     EXPECT_TRUE(messages.empty());
 }
 

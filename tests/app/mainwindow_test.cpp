@@ -1,7 +1,12 @@
 // What the main window keeps over its dialogs.
+#include <QImage>
+#include <QWidget>
+
 #include "app/application.h"
 #include "app/start/mainwindow.h"
 #include "platform/controls.h"
+#include "platform/gdi.h"
+#include "platform/ui/windowobject.h"
 #include "resources/resource.h"
 #include "tests/support/sampledatabases.h"
 #include "tests/support/session.h"
@@ -11,17 +16,47 @@ namespace {
 
 using MainWindowTest = Session;
 
+// Of the pixels drawn in a dialog's title.
+int TitleWidth(HWND dialog) {
+    const QImage shown = dialog->widget->grab().toImage();
+    const QRgb background = shown.pixel(0, 0);
+    int first = -1;
+    int last = -1;
+    for (int x = 0; x < shown.width() / 2; ++x)
+        for (int y = 1; y < GetSystemMetrics(SM_CYCAPTION) - 1; ++y)
+            if (shown.pixel(x, y) != background) {
+                last = x;
+                first = first < 0 ? x : first;
+            }
+    return last - first;
+}
+
+int WidthOf(HFONT font, const std::u16string& text) {
+    const HDC dc = CreateCompatibleDC(nullptr);
+    SelectObject(dc, font);
+    SIZE size = {};
+    GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
+    DeleteDC(dc);
+    return static_cast<int>(size.cx);
+}
+
 } // namespace
 
 TEST_F(MainWindowTest, OptionsKeepTheSelection) {
     for (const WCHAR* name : {u"A", u"B", u"C"})
         MakeDatabase(name, {});
     RunProgram([&] {
+        CatchHelp();
+        Press(Qt::Key_F1);
+        EXPECT_EQ(HelpShown(), "tarnwickscope.htm#tarnwickscope_help");
         SelectRow(IDC_LIST, u"B");
         Choose(u"View/Refresh"); // remembers it
         SelectRow(IDC_LIST, u"C");
         Choose(u"Tools/Options...");
         InWindow(IDD_OPTIONS);
+        EXPECT_GT(TitleWidth(Window()), WidthOf(App().settings->listFont, u"Options")); // bold
+        Tap(IDC_FRAME_HELP);
+        EXPECT_EQ(HelpShown(), "tarnwickscope.htm#options");
         Tap(IDC_OPTIONS_BOLD);
         Tap(IDOK);
         InMainWindow();

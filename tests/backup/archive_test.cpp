@@ -2,6 +2,8 @@
 #include <csignal>
 #include <cstring>
 #include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include "backup/backup.h"
 #include "backup/compressor.h"
@@ -9,6 +11,18 @@
 #include "platform/datetime.h"
 #include "resources/resource.h"
 #include "tests/backup/backupfixture.h"
+
+namespace {
+
+bool diskFails = false;
+
+} // namespace
+
+// In place of the C library's.
+extern "C" int fsync(int descriptor) {
+    errno = EIO;
+    return diskFails ? -1 : static_cast<int>(syscall(SYS_fsync, descriptor));
+}
 
 namespace {
 
@@ -223,6 +237,21 @@ TEST_F(ArchiveTest, DiskThatFillsUpPartWay) {
     ExpectMessage(u"Unable to restore \"Many\" database from the archive. Archive file may be corrupted.");
     EXPECT_TRUE(RestoreCommand(nullptr, kPath));
     EXPECT_EQ(DatabaseNames(), std::vector<std::u16string>{u"Ab"});
+}
+
+TEST_F(ArchiveTest, DiskThatFailsAtTheEndLeavesTheOlderArchive) {
+    MakeSample();
+    PlainEngine first;
+    ASSERT_TRUE(BackUp(first, kPath, {u"Ab"}));
+    const Bytes older = FileBytes(kPath);
+    PlainEngine second;
+    ASSERT_TRUE(second.BeginBackup(nullptr, false, kPath));
+    EXPECT_TRUE(second.WriteDatabase(u"Ab"));
+    diskFails = true;
+    ExpectMessage(u"Unable to write the file. Possibly not enough storage space.");
+    EXPECT_FALSE(second.Finish());
+    diskFails = false;
+    EXPECT_EQ(FileBytes(FileExists(u"\\all.bkp~") ? u"\\all.bkp~" : kPath), older);
 }
 
 TEST_F(ArchiveTest, FullDiskIsReportedAndLeavesNothingOpen) {

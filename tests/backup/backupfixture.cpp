@@ -141,6 +141,7 @@ BackupTest::BackupTest() {
     App().settings = &settings;
     settings.interactive = 0;
     settings.noProgress = 1;
+    TestHooks().dialog = [this](const DialogSeen&) { EXPECT_FALSE(settings.noProgress); };
     TestHooks().messageBox = [this](const MessageBoxSeen& box) {
         const Message next = expected.empty() ? Message{u"no message", IDOK} : expected.front();
         EXPECT_EQ(next.text, box.text);
