@@ -1,3 +1,5 @@
+#include "app/aboutdialog.h"
+
 #include "app/dialogframe.h"
 #include "app/uiservices.h"
 #include "platform/objectstore.h"
@@ -18,7 +20,7 @@ void ShowKilobytes(HWND dialog, int control, UINT formatId, DWORD bytes) {
 }
 
 void InitAbout(HWND dialog) {
-    InitDialogFrame(dialog, true, false);
+    InitDialogFrame(dialog, kDoneButton);
     STORE_INFORMATION store = {};
     if (!GetStoreInformation(&store))
         return; // the template's own texts say so

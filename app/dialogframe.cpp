@@ -12,7 +12,7 @@ namespace {
 constexpr COLORREF kHeaderColour = RGB(0, 0, 128);
 constexpr COLORREF kLightGrey = RGB(0xC0, 0xC0, 0xC0);
 constexpr int kClassNameCapacity = 40;
-// The bitmap button: room around its picture and its place in the dialog's corner, pixels.
+// The help button: room around its picture, and its distances from the dialog's corner, in pixels.
 constexpr int kButtonExtraWidth = 4;
 constexpr int kButtonExtraHeight = 2;
 constexpr int kButtonRightMargin = 10;
@@ -24,7 +24,7 @@ SIZE FrameBitmapSize() {
     return {bitmap.bmWidth, bitmap.bmHeight};
 }
 
-void CreateBitmapButton(HWND dialog) {
+void CreateHelpButton(HWND dialog) {
     if (!App().frameBitmap)
         return;
     const SIZE size = FrameBitmapSize();
@@ -52,31 +52,7 @@ COLORREF TopLeftColour(HDC memory) {
     return colour == CLR_INVALID ? kLightGrey : colour;
 }
 
-} // namespace
-
-void InitDialogFrame(HWND dialog, bool doneButton, bool bitmapButton) {
-    SHINITDLGINFO shell = {};
-    shell.dwMask = SHIDIM_FLAGS;
-    shell.hDlg = dialog;
-    shell.dwFlags = SHIDIF_SIZEDLGFULLSCREEN | (doneButton ? SHIDIF_DONEBUTTON : 0);
-    SHInitDialog(&shell);
-
-    SHMENUBARINFO bar = {};
-    bar.cbSize = sizeof(bar);
-    bar.hwndParent = dialog;
-    bar.dwFlags = SHCMBF_EMPTYBAR;
-    bar.hInstRes = AppInstance();
-    SHCreateMenuBar(&bar);
-
-    if (bitmapButton)
-        CreateBitmapButton(dialog);
-
-    const HFONT boldFont = App().settings ? App().settings->boldFont : nullptr;
-    for (HWND control = GetWindow(dialog, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT))
-        if (WantsBoldFont(control))
-            SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(boldFont), TRUE);
-}
-
+// False when there is nothing to paint.
 bool PaintDialogFrame(HWND dialog) {
     const HWND titleControl = GetDlgItem(dialog, IDC_FRAME_TITLE);
     const HFONT boldFont = App().settings ? App().settings->boldFont : nullptr;
@@ -105,6 +81,7 @@ bool PaintDialogFrame(HWND dialog) {
     return true;
 }
 
+// False when the item is another's.
 bool DrawDialogFrameItem(UINT id, const DRAWITEMSTRUCT* item) {
     if (id != IDC_FRAME_HELP)
         return false;
@@ -125,6 +102,31 @@ bool DrawDialogFrameItem(UINT id, const DRAWITEMSTRUCT* item) {
     SelectObject(memory, oldBitmap);
     DeleteDC(memory);
     return true;
+}
+
+} // namespace
+
+void InitDialogFrame(HWND dialog, UINT buttons) {
+    SHINITDLGINFO shell = {};
+    shell.dwMask = SHIDIM_FLAGS;
+    shell.hDlg = dialog;
+    shell.dwFlags = SHIDIF_SIZEDLGFULLSCREEN | (buttons & kDoneButton ? SHIDIF_DONEBUTTON : 0);
+    SHInitDialog(&shell);
+
+    SHMENUBARINFO bar = {};
+    bar.cbSize = sizeof(bar);
+    bar.hwndParent = dialog;
+    bar.dwFlags = SHCMBF_EMPTYBAR;
+    bar.hInstRes = AppInstance();
+    SHCreateMenuBar(&bar);
+
+    if (buttons & kHelpButton)
+        CreateHelpButton(dialog);
+
+    const HFONT boldFont = App().settings ? App().settings->boldFont : nullptr;
+    for (HWND control = GetWindow(dialog, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT))
+        if (WantsBoldFont(control))
+            SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(boldFont), TRUE);
 }
 
 bool HandleFrameMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam, const WCHAR* helpAnchor) {

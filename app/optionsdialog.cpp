@@ -1,3 +1,5 @@
+#include "app/optionsdialog.h"
+
 #include "app/application.h"
 #include "app/dialogframe.h"
 #include "app/uiservices.h"
@@ -11,7 +13,7 @@ void ShowFlag(HWND dialog, int control, DWORD flag) {
 }
 
 void InitOptions(HWND dialog) {
-    InitDialogFrame(dialog, true, true);
+    InitDialogFrame(dialog, kDoneButton | kHelpButton);
     const Settings& settings = *App().settings;
     ShowFlag(dialog, IDC_OPTIONS_SHOW_SYSTEM, settings.showSystemDatabases);
     ShowFlag(dialog, IDC_OPTIONS_BOLD, settings.bold);
@@ -32,6 +34,18 @@ void StoreOptions(HWND dialog) {
     settings.RecreateListFont();
 }
 
+void OnOptionsCommand(HWND dialog, UINT command) {
+    switch (command) {
+    case IDOK:
+        StoreOptions(dialog);
+        EndDialog(dialog, IDOK);
+        break;
+    case IDCANCEL:
+        EndDialog(dialog, IDCANCEL);
+        break;
+    }
+}
+
 LONG_PTR OptionsProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     if (HandleFrameMessage(dialog, message, wParam, lParam, u"tarnwickscope.htm#options"))
         return TRUE;
@@ -40,15 +54,8 @@ LONG_PTR OptionsProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPara
         InitOptions(dialog);
         return TRUE;
     case WM_COMMAND:
-        switch (LOWORD(wParam)) {
-        case IDOK:
-            StoreOptions(dialog);
-            EndDialog(dialog, IDOK);
-            return TRUE;
-        case IDCANCEL:
-            EndDialog(dialog, IDCANCEL);
-            return TRUE;
-        }
+        OnOptionsCommand(dialog, LOWORD(wParam));
+        return TRUE;
     }
     return FALSE;
 }

@@ -14,10 +14,6 @@ constexpr DWORD kShowInterval = 60; // milliseconds
 constexpr DWORD kPumpInterval = 20;
 constexpr int kLeastShare = 100; // showing may take this part of the time in any case
 
-bool Hidden() {
-    return App().settings && App().settings->noProgress;
-}
-
 } // namespace
 
 ProgressDialog::ProgressDialog(UINT confirm, UINT title, int initialRange)
@@ -26,13 +22,9 @@ ProgressDialog::ProgressDialog(UINT confirm, UINT title, int initialRange)
 ProgressDialog::~ProgressDialog() {
     if (window)
         DestroyWindow(window);
-    if (Hidden())
-        SetCursor(nullptr);
 }
 
 bool ProgressDialog::Create(HWND owner) {
-    if (Hidden())
-        SetCursor(LoadCursorW(nullptr, IDC_WAIT));
     const DLGTEMPLATE* dialogTemplate = FindDialogTemplate(IDD_PROGRESS);
     if (!dialogTemplate)
         return false;
@@ -41,16 +33,12 @@ bool ProgressDialog::Create(HWND owner) {
     if (!window)
         return false;
     createdAt = std::chrono::steady_clock::now();
-    if (!Hidden()) {
-        ShowWindow(window, SW_SHOWNORMAL);
-        UpdateWindow(window);
-    }
+    ShowWindow(window, SW_SHOWNORMAL);
+    UpdateWindow(window);
     return true;
 }
 
 void ProgressDialog::SetRange(int n) {
-    if (Hidden())
-        return;
     range = n;
     SendDlgItemMessageW(window, IDC_PROGRESS_BAR, PBM_SETRANGE32, 0, n);
     SendDlgItemMessageW(window, IDC_PROGRESS_BAR, PBM_SETSTEP, 1, 0);
@@ -58,8 +46,6 @@ void ProgressDialog::SetRange(int n) {
 }
 
 void ProgressDialog::SetText(UINT formatString, int newPosition, const WCHAR* argument) {
-    if (Hidden())
-        return;
     position = newPosition == kNextPosition ? position + 1 : newPosition;
     lineFormat = formatString;
     CopyText(lineArgument, argument);
@@ -93,13 +79,6 @@ void ProgressDialog::ShowLine() {
     showing += std::chrono::steady_clock::now() - begin;
 }
 
-void ProgressDialog::Step() {
-    if (Hidden())
-        return;
-    SendDlgItemMessageW(window, IDC_PROGRESS_BAR, PBM_STEPIT, 0, 0);
-    UpdateWindow(window);
-}
-
 void ProgressDialog::DispatchWaiting() {
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
@@ -128,7 +107,7 @@ bool ProgressDialog::Pump() {
 }
 
 void ProgressDialog::Init(HWND dialog) {
-    InitDialogFrame(dialog, false, false);
+    InitDialogFrame(dialog, kNoButtons);
     WCHAR title[kFormatCapacity];
     LoadText(titleString, title);
     SetDlgItemTextW(dialog, IDC_FRAME_TITLE, title);
@@ -139,7 +118,7 @@ void ProgressDialog::Init(HWND dialog) {
 }
 
 void ProgressDialog::AskToCancel() {
-    if (!Hidden() && MessageFromString(window, confirmString, kQuestionBox) == IDYES)
+    if (MessageFromString(window, confirmString, kQuestionBox) == IDYES)
         cancelled = 1;
 }
 

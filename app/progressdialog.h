@@ -1,4 +1,5 @@
 // The progress of a long operation, with a Cancel button that asks before it takes effect at the next Pump.
+// While the settings' noProgress is set an operation makes none, and shows a WaitCursor instead.
 #pragma once
 
 #include <chrono>
@@ -12,8 +13,7 @@ public:
     ProgressDialog(const ProgressDialog&) = delete;
     ProgressDialog& operator=(const ProgressDialog&) = delete;
 
-    // Shown at once, except while the settings' noProgress is set, when a wait cursor stands for it and all
-    // that follows but Pump does nothing. False: it cannot be made.
+    // Shown at once. False: it cannot be made.
     bool Create(HWND owner);
     // The bar gets n steps and goes back to its start.
     void SetRange(int n);
@@ -22,8 +22,6 @@ public:
     void SetText(UINT formatString, int newPosition, const WCHAR* argument);
     // Shows a text that still waits for its turn: for before a step that may take long.
     void ShowWaitingText();
-    // Advances the bar by one step.
-    void Step();
     // Dispatches every waiting message; false once the user has cancelled or the program is to end.
     bool Pump();
 

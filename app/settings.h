@@ -59,6 +59,3 @@ private:
     void Load();
     bool Save();
 };
-
-// The Options dialog; true when the user confirmed.
-bool ShowOptionsDialog(HWND owner);

@@ -62,5 +62,3 @@ public:
     WaitCursor(const WaitCursor&) = delete;
     WaitCursor& operator=(const WaitCursor&) = delete;
 };
-
-void ShowAboutDialog(HWND owner);

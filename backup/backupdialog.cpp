@@ -9,15 +9,15 @@
 namespace {
 
 bool ListHasSelection() {
-    return App().listView && SendMessageW(App().listView, LVM_GETSELECTEDCOUNT, 0, 0) > 0;
+    return App().listView && ListView_GetSelectedCount(App().listView) > 0;
 }
 
 bool IsChecked(HWND dialog, int id) {
     return IsDlgButtonChecked(dialog, id) == BST_CHECKED;
 }
 
-void Init(HWND dialog, const BackupEngine& engine) {
-    InitDialogFrame(dialog, true, true);
+void InitBackupOptions(HWND dialog, const BackupEngine& engine) {
+    InitDialogFrame(dialog, kDoneButton | kHelpButton);
     const bool selection = ListHasSelection();
     CheckRadioButton(dialog, IDC_BACKUP_SELECTED, IDC_BACKUP_ALL,
                      selection ? IDC_BACKUP_SELECTED : IDC_BACKUP_ALL);
@@ -62,7 +62,7 @@ void Accept(HWND dialog, BackupEngine* engine) {
     EndDialog(dialog, IDOK);
 }
 
-void OnBackupCommand(HWND dialog, UINT command) {
+void OnBackupOptionsCommand(HWND dialog, UINT command) {
     switch (command) {
     case IDC_BACKUP_SCRIPT:
         EnableScriptPath(dialog);
@@ -79,16 +79,16 @@ void OnBackupCommand(HWND dialog, UINT command) {
     }
 }
 
-LONG_PTR BackupDialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+LONG_PTR BackupOptionsProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     if (HandleFrameMessage(dialog, message, wParam, lParam, u"tarnwickscope.htm#backup"))
         return TRUE;
     switch (message) {
     case WM_INITDIALOG:
         SetDialogState(dialog, lParam);
-        Init(dialog, *DialogState<BackupEngine>(dialog));
+        InitBackupOptions(dialog, *DialogState<BackupEngine>(dialog));
         return TRUE;
     case WM_COMMAND:
-        OnBackupCommand(dialog, LOWORD(wParam));
+        OnBackupOptionsCommand(dialog, LOWORD(wParam));
         return TRUE;
     }
     return FALSE;
@@ -97,6 +97,6 @@ LONG_PTR BackupDialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM 
 } // namespace
 
 bool ShowBackupOptions(HWND owner, BackupEngine* engine) {
-    return RunDialog(IDD_BACKUP_OPTIONS, IDD_BACKUP_OPTIONS_LANDSCAPE, owner, BackupDialogProcedure,
+    return RunDialog(IDD_BACKUP_OPTIONS, IDD_BACKUP_OPTIONS_LANDSCAPE, owner, BackupOptionsProcedure,
                      reinterpret_cast<LPARAM>(engine)) == IDOK;
 }

@@ -40,23 +40,36 @@ void AcceptNewPassword(HWND dialog) {
     SelectText(dialog, IDC_PROTECT_PASSWORD);
 }
 
-LONG_PTR ProtectProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+void InitProtectBackup(HWND dialog) {
+    InitDialogFrame(dialog, kDoneButton | kHelpButton);
+    LimitPassword(dialog, IDC_PROTECT_PASSWORD);
+    LimitPassword(dialog, IDC_PROTECT_CONFIRMATION);
+}
+
+void OnProtectBackupCommand(HWND dialog, UINT command) {
+    switch (command) {
+    case IDOK:
+        AcceptNewPassword(dialog);
+        break;
+    case IDCANCEL:
+        EndDialog(dialog, IDCANCEL);
+        break;
+    }
+}
+
+LONG_PTR ProtectBackupProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     if (HandleFrameMessage(dialog, message, wParam, lParam, kHelpAnchor))
         return TRUE;
-    if (message == WM_INITDIALOG) {
+    switch (message) {
+    case WM_INITDIALOG:
         SetDialogState(dialog, lParam);
-        InitDialogFrame(dialog, true, true);
-        LimitPassword(dialog, IDC_PROTECT_PASSWORD);
-        LimitPassword(dialog, IDC_PROTECT_CONFIRMATION);
+        InitProtectBackup(dialog);
+        return TRUE;
+    case WM_COMMAND:
+        OnProtectBackupCommand(dialog, LOWORD(wParam));
         return TRUE;
     }
-    if (message != WM_COMMAND)
-        return FALSE;
-    if (LOWORD(wParam) == IDOK)
-        AcceptNewPassword(dialog);
-    else if (LOWORD(wParam) == IDCANCEL)
-        EndDialog(dialog, IDCANCEL);
-    return TRUE;
+    return FALSE;
 }
 
 void CheckPassword(HWND dialog) {
@@ -72,28 +85,42 @@ void CheckPassword(HWND dialog) {
     }
 }
 
-LONG_PTR EnterProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+void InitEnterPassword(HWND dialog) {
+    InitDialogFrame(dialog, kDoneButton | kHelpButton);
+    LimitPassword(dialog, IDC_ENTER_PASSWORD);
+}
+
+void OnEnterPasswordCommand(HWND dialog, UINT command) {
+    switch (command) {
+    case IDOK:
+        CheckPassword(dialog);
+        break;
+    case IDCANCEL:
+        EndDialog(dialog, IDCANCEL);
+        break;
+    }
+}
+
+LONG_PTR EnterPasswordProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     if (HandleFrameMessage(dialog, message, wParam, lParam, kHelpAnchor))
         return TRUE;
-    if (message == WM_INITDIALOG) {
+    switch (message) {
+    case WM_INITDIALOG:
         SetDialogState(dialog, lParam);
-        InitDialogFrame(dialog, true, true);
-        LimitPassword(dialog, IDC_ENTER_PASSWORD);
+        InitEnterPassword(dialog);
+        return TRUE;
+    case WM_COMMAND:
+        OnEnterPasswordCommand(dialog, LOWORD(wParam));
         return TRUE;
     }
-    if (message != WM_COMMAND)
-        return FALSE;
-    if (LOWORD(wParam) == IDOK)
-        CheckPassword(dialog);
-    else if (LOWORD(wParam) == IDCANCEL)
-        EndDialog(dialog, IDCANCEL);
-    return TRUE;
+    return FALSE;
 }
 
 } // namespace
 
 bool AskNewPassword(PasswordBlock* password, HWND owner) {
-    return RunDialog(IDD_PROTECT_BACKUP, owner, ProtectProcedure, reinterpret_cast<LPARAM>(password)) == IDOK;
+    return RunDialog(IDD_PROTECT_BACKUP, owner, ProtectBackupProcedure, reinterpret_cast<LPARAM>(password)) ==
+           IDOK;
 }
 
 bool AskPassword(const PasswordBlock& stored, HWND owner) {
@@ -101,5 +128,6 @@ bool AskPassword(const PasswordBlock& stored, HWND owner) {
     if (!stored.text[0])
         return true;
     Sleep(kSettleTime);
-    return RunDialog(IDD_ENTER_PASSWORD, owner, EnterProcedure, reinterpret_cast<LPARAM>(&stored)) == IDOK;
+    return RunDialog(IDD_ENTER_PASSWORD, owner, EnterPasswordProcedure, reinterpret_cast<LPARAM>(&stored)) ==
+           IDOK;
 }

@@ -27,7 +27,7 @@ void InsertColumn(HWND list, int column, UINT headingId, int width) {
     info.cx = App().highResolution ? 2 * width : width;
     info.pszText = heading;
     info.iSubItem = column;
-    SendMessageW(list, LVM_INSERTCOLUMNW, column, reinterpret_cast<LPARAM>(&info));
+    ListView_InsertColumn(list, column, info);
 }
 
 void InsertRow(HWND list, DWORD row, DWORD entryOffset, DatabaseBlock* block) {
@@ -36,18 +36,16 @@ void InsertRow(HWND list, DWORD row, DWORD entryOffset, DatabaseBlock* block) {
     item.iItem = static_cast<int>(row);
     item.pszText = block->info.szDbaseName;
     item.lParam = static_cast<LPARAM>(entryOffset);
-    SendMessageW(list, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
+    ListView_InsertItem(list, item);
     WCHAR size[kSizeTextCapacity];
     FormatSizeText(block->info.dwSize, size);
-    item.iSubItem = 1;
-    item.pszText = size;
-    SendMessageW(list, LVM_SETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
+    ListView_SetItemText(list, static_cast<int>(row), 1, size);
 }
 
 bool InsertEntries(HWND list, RestoreEngine* engine) {
     engine->entryOffset = engine->header.firstEntry;
     const DWORD count = engine->header.databaseCount;
-    for (DWORD i = 0; i < count; i++) {
+    for (DWORD i = 0; i < count; ++i) {
         DatabaseBlock block;
         if (!engine->ReadDatabaseBlock(&block))
             return false;
@@ -59,33 +57,32 @@ bool InsertEntries(HWND list, RestoreEngine* engine) {
     return true;
 }
 
-bool Init(HWND dialog, RestoreEngine* engine) {
+bool InitRestoreList(HWND dialog, RestoreEngine* engine) {
     constexpr int kNameWidth = 140;
     constexpr int kSizeWidth = 60;
-    InitDialogFrame(dialog, true, true);
+    InitDialogFrame(dialog, kDoneButton | kHelpButton);
     const HWND list = GetDlgItem(dialog, IDC_SELECTION_LIST);
     InsertColumn(list, 0, IDS_RESTORE_COLUMN_NAME, kNameWidth);
     InsertColumn(list, 1, IDS_RESTORE_COLUMN_SIZE, kSizeWidth);
-    SendMessageW(list, LVM_SETEXTENDEDLISTVIEWSTYLE, LVS_EX_FULLROWSELECT, LVS_EX_FULLROWSELECT);
+    ListView_SetExtendedListViewStyleEx(list, LVS_EX_FULLROWSELECT, LVS_EX_FULLROWSELECT);
     if (App().settings)
         SendDlgItemMessageW(dialog, IDC_SELECTION_SUMMARY, WM_SETFONT,
                             reinterpret_cast<WPARAM>(App().settings->boldFont), TRUE);
     if (!InsertEntries(list, engine))
         return false;
-    LVITEMW item = {};
-    item.state = item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
-    SendMessageW(list, LVM_SETITEMSTATE, 0, reinterpret_cast<LPARAM>(&item));
+    constexpr UINT kSelected = LVIS_SELECTED | LVIS_FOCUSED;
+    ListView_SetItemState(list, 0, kSelected, kSelected);
     return true;
 }
 
 // Finds the first selected row whose block can be read.
 bool FindSelectedBlock(HWND list, RestoreEngine* engine, DatabaseBlock* block) {
-    LPARAM row = -1;
-    while ((row = SendMessageW(list, LVM_GETNEXTITEM, row, LVNI_SELECTED)) >= 0) {
+    int row = -1;
+    while ((row = ListView_GetNextItem(list, row, LVNI_SELECTED)) >= 0) {
         LVITEMW item = {};
         item.mask = LVIF_PARAM;
-        item.iItem = static_cast<int>(row);
-        if (SendMessageW(list, LVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&item)) &&
+        item.iItem = row;
+        if (ListView_GetItem(list, &item) &&
             engine->PeekDatabaseBlock(static_cast<DWORD>(item.lParam), block))
             return true;
     }
@@ -115,7 +112,7 @@ void Restore(HWND dialog, RestoreList* state) {
     EndDialog(dialog, restored ? kRestored : kNotRestored);
 }
 
-void OnRestoreCommand(HWND dialog, UINT command) {
+void OnRestoreListCommand(HWND dialog, UINT command) {
     RestoreList* const state = DialogState<RestoreList>(dialog);
     if (command == IDOK)
         Restore(dialog, state);
@@ -129,17 +126,17 @@ bool IsSelectionChange(LPARAM lParam) {
            (reinterpret_cast<const NMLISTVIEW*>(lParam)->uChanged & LVIF_STATE);
 }
 
-LONG_PTR RestoreDialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+LONG_PTR RestoreListProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     if (HandleFrameMessage(dialog, message, wParam, lParam, u"tarnwickscope.htm#restore"))
         return TRUE;
     switch (message) {
     case WM_INITDIALOG:
         SetDialogState(dialog, lParam);
-        if (!Init(dialog, DialogState<RestoreList>(dialog)->engine))
+        if (!InitRestoreList(dialog, DialogState<RestoreList>(dialog)->engine))
             EndDialog(dialog, kUnreadable);
         return TRUE;
     case WM_COMMAND:
-        OnRestoreCommand(dialog, LOWORD(wParam));
+        OnRestoreListCommand(dialog, LOWORD(wParam));
         return TRUE;
     case WM_NOTIFY:
         if (!IsSelectionChange(lParam))
@@ -154,6 +151,6 @@ LONG_PTR RestoreDialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM
 
 bool ShowRestoreList(HWND owner, RestoreEngine* engine) {
     RestoreList state = {engine, false};
-    return RunDialog(IDD_SELECTION_LIST, IDD_SELECTION_LIST_LANDSCAPE, owner, RestoreDialogProcedure,
+    return RunDialog(IDD_SELECTION_LIST, IDD_SELECTION_LIST_LANDSCAPE, owner, RestoreListProcedure,
                      reinterpret_cast<LPARAM>(&state)) == kRestored;
 }

@@ -3,7 +3,9 @@
 #include <memory>
 #include <new>
 
+#include "app/aboutdialog.h"
 #include "app/application.h"
+#include "app/optionsdialog.h"
 #include "app/uiservices.h"
 #include "backup/autobackup.h"
 #include "backup/backup.h"

@@ -45,7 +45,7 @@ void ShowModified(HWND dialog, const FILETIME& modified) {
 }
 
 void InitProperties(HWND dialog) {
-    InitDialogFrame(dialog, true, true);
+    InitDialogFrame(dialog, kDoneButton | kHelpButton);
     WCHAR name[kNameCapacity];
     DbHandle database(dialog);
     CEDBASEINFO info;

@@ -11,7 +11,7 @@ namespace {
 constexpr int kExistsFormatCapacity = 100;
 
 void InitDatabaseExists(HWND dialog, const WCHAR* name) {
-    InitDialogFrame(dialog, true, false);
+    InitDialogFrame(dialog, kDoneButton);
     WCHAR format[kExistsFormatCapacity];
     WCHAR text[kExistsFormatCapacity + kNameCapacity];
     LoadText(IDS_DATABASE_EXISTS, format);

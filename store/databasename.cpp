@@ -21,7 +21,7 @@ NewName& TheNewName() {
 }
 
 void InitNewName(HWND dialog) {
-    InitDialogFrame(dialog, true, true);
+    InitDialogFrame(dialog, kDoneButton | kHelpButton);
     if (TheNewName().rename) {
         WCHAR title[kTitleCapacity];
         LoadText(IDS_RENAME_DATABASE, title);

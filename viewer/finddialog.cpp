@@ -7,7 +7,7 @@
 namespace {
 
 void InitFind(HWND dialog) {
-    InitDialogFrame(dialog, true, true);
+    InitDialogFrame(dialog, kDoneButton | kHelpButton);
     const FindOptions& options = *DialogState<FindOptions>(dialog);
     SendDlgItemMessageW(dialog, IDC_FIND_TEXT, EM_SETLIMITTEXT, kFindTextCapacity - 1, 0);
     SetDlgItemTextW(dialog, IDC_FIND_TEXT, options.text);

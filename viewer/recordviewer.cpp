@@ -137,7 +137,7 @@ void RecordViewer::Close(int code) {
 
 void RecordViewer::Init(HWND dialogWindow) {
     dialog = dialogWindow;
-    InitDialogFrame(dialog, true, true);
+    InitDialogFrame(dialog, kDoneButton | kHelpButton);
     InitWindow();
     InitList();
     SendDlgItemMessageW(dialog, IDC_VALUE_NUMBER, EM_SETLIMITTEXT, kNumberLimit, 0);

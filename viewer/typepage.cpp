@@ -36,7 +36,7 @@ void FillTypeList(HWND dialog, DWORD chosen) {
 }
 
 void InitTypePage(HWND dialog) {
-    InitDialogFrame(dialog, true, true);
+    InitDialogFrame(dialog, kDoneButton | kHelpButton);
     const AddPropertyWizard& wizard = *DialogState<AddPropertyWizard>(dialog);
     FillTypeList(dialog, wizard.type);
     SetDlgItemInt(dialog, IDC_WIZARD_ID, wizard.propertyId, FALSE);

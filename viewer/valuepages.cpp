@@ -24,7 +24,7 @@ void InitNumberPage(HWND dialog, WORD type) {
 
 // True when the page gave the focus itself.
 bool InitValuePage(HWND dialog) {
-    InitDialogFrame(dialog, true, true);
+    InitDialogFrame(dialog, kDoneButton | kHelpButton);
     const WORD type = TypeOf(*DialogState<AddPropertyWizard>(dialog));
     switch (type) {
     case CEVT_FILETIME:
