@@ -13,7 +13,7 @@ void ScramblePassword(PasswordBlock* password) {
     WCHAR* character = password->text;
     // A character that becomes 0 ends the password: stored ones are compared in this shortened form too.
     while (character < end - 1 && *character && (*character ^= kMask) != 0)
-        character++;
+        ++character;
     std::fill(character, end, WCHAR(0));
 }
 

@@ -42,15 +42,15 @@ bool ArchiveReader::ReadHeader() {
     position = 0;
     buffered = 0; // the file may have changed since
     filePosition = UINT64_MAX;
-    bool whole = Read(&header, sizeof header) == sizeof header;
-    passwordFlag = whole && (header.flags & kPasswordFollows);
+    bool ok = Read(&header, sizeof header) == sizeof header;
+    passwordFlag = ok && (header.flags & kPasswordFollows);
     if (passwordFlag) {
-        whole = Read(&password, sizeof password) == sizeof password;
+        ok = Read(&password, sizeof password) == sizeof password;
         password.text[kPasswordCapacity - 1] = 0;
     }
-    if (!whole)
+    if (!ok)
         ReportFailure(IDS_UNABLE_TO_READ_FILE);
-    return whole;
+    return ok;
 }
 
 bool ArchiveReader::ReadDatabaseBlock(DatabaseBlock* block) {

@@ -18,15 +18,15 @@ ArchiveWriter::~ArchiveWriter() {
     CloseFile(false);
 }
 
-bool ArchiveWriter::CloseFile(bool whole) {
+bool ArchiveWriter::CloseFile(bool complete) {
     if (file == INVALID_HANDLE_VALUE)
         return true;
-    const bool synced = whole && FlushFileBuffers(file);
+    const bool synced = complete && FlushFileBuffers(file);
     const bool closed = CloseHandle(file);
     file = INVALID_HANDLE_VALUE;
     // A file that cannot be closed has not taken the older one's place.
     leftPartial = leftPartial && closed && !synced;
-    if (closed && synced == whole)
+    if (closed && synced == complete)
         return true;
     ReportFailure(IDS_UNABLE_TO_WRITE_FILE);
     return false;
@@ -76,7 +76,7 @@ std::int64_t ArchiveWriter::WriteDatabaseBlock(const DatabaseBlock& block, std::
 std::int64_t ArchiveWriter::WriteRecord(const RecordBuffer& record, RecordHeader* recordHeader,
                                         std::int64_t offset) {
     const BYTE* data = record.data;
-    recordHeader->ordinal++;
+    ++recordHeader->ordinal;
     recordHeader->propCount = record.propCount;
     recordHeader->length = record.size;
     if (codec) {
@@ -148,9 +148,9 @@ bool ArchiveWriter::MoveTo(std::int64_t offset) {
 bool ArchiveWriter::WriteNow(std::int64_t offset, const void* data, DWORD count) {
     DWORD written = 0;
     const bool moved = MoveTo(offset);
-    const bool whole = moved && WriteFile(file, data, count, &written, nullptr) && written == count;
+    const bool ok = moved && WriteFile(file, data, count, &written, nullptr) && written == count;
     fileEnd = std::max(fileEnd, offset + written);
-    if (whole) {
+    if (ok) {
         filePosition = offset + count;
         return true;
     }

@@ -20,9 +20,9 @@ public:
     bool Flush();
     // Cuts off what lies behind the entries: the rest of one that was written again shorter.
     bool CutFile();
-    // A file that is declared whole is on the disk then and replaces an older one of its name. Otherwise that
-    // one stays as the name with a `~`; where closing fails, under the name itself.
-    bool CloseFile(bool whole);
+    // A file that is declared complete is on the disk then and replaces an older one of its name. Otherwise
+    // that one stays as the name with a `~`; where closing fails, under the name itself.
+    bool CloseFile(bool complete);
 
     HANDLE file = INVALID_HANDLE_VALUE;
     // What stands under the name is neither whole nor the older file: set by whoever opens it.

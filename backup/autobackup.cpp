@@ -74,14 +74,14 @@ void ScriptWriter::Append(HWND owner, const WCHAR* databaseName) {
         GiveUp(owner);
 }
 
-void ScriptWriter::Complete(HWND owner, DWORD databaseCount, bool whole) {
+void ScriptWriter::Complete(HWND owner, DWORD databaseCount, bool complete) {
     if (file == INVALID_HANDLE_VALUE)
         return;
     ScriptHeader header;
     bool written = GoTo(file, 0) && ReadWhole(file, &header);
     if (written) {
         header.databaseCount = databaseCount;
-        written = GoTo(file, 0) && WriteWhole(file, header) && (!whole || FlushFileBuffers(file));
+        written = GoTo(file, 0) && WriteWhole(file, header) && (!complete || FlushFileBuffers(file));
     }
     if (!written) {
         GiveUp(owner);
@@ -103,7 +103,7 @@ bool ReadScriptHeader(HANDLE script, ScriptHeader* header) {
 }
 
 bool WriteListedDatabases(HANDLE script, const WCHAR* path, DWORD count, BackupEngine* engine) {
-    for (DWORD i = 0; i < count; i++) {
+    for (DWORD i = 0; i < count; ++i) {
         ScriptEntry entry;
         if (!ReadWhole(script, &entry)) {
             ReportScript(engine->MessageOwner(), IDS_SCRIPT_MISSING, path);
@@ -122,22 +122,22 @@ bool Replay(HWND owner, HANDLE script, const WCHAR* path, const ScriptHeader& he
         engine.passwordFlag = true;
         engine.password = header.password;
     }
-    bool whole = engine.BeginBackup(owner, false, header.archivePath);
-    if (whole) {
-        whole = WriteListedDatabases(script, path, header.databaseCount, &engine);
-        engine.complete = engine.complete && whole;
-        whole = engine.Finish() && whole;
+    bool ok = engine.BeginBackup(owner, false, header.archivePath);
+    if (ok) {
+        ok = WriteListedDatabases(script, path, header.databaseCount, &engine);
+        engine.complete = engine.complete && ok;
+        ok = engine.Finish() && ok;
     }
     // No failure leaves an archive behind, not even an older one that the user did not want to be replaced: a
     // script's archive is either the script's last good backup or missing. Where nobody said so, one that was
     // never opened stays.
     if (engine.refused)
         DeleteFileW(header.archivePath);
-    else if (!whole && engine.leftPartial)
+    else if (!ok && engine.leftPartial)
         DeleteFileW(engine.archivePath);
-    else if (whole && engine.complete && RunsInteractively())
+    else if (ok && engine.complete && RunsInteractively())
         MessageFromString(owner, IDS_BACKUP_COMPLETE, engine.archivePath, kInformationBox);
-    return whole;
+    return ok;
 }
 
 } // namespace
@@ -151,8 +151,8 @@ bool RunAutobackup(HWND owner) {
     const bool readable = script != INVALID_HANDLE_VALUE && ReadScriptHeader(script, &header);
     if (!readable)
         ReportScript(owner, IDS_SCRIPT_MISSING, path);
-    const bool whole = readable && Replay(owner, script, path, header);
+    const bool ok = readable && Replay(owner, script, path, header);
     if (script != INVALID_HANDLE_VALUE)
         CloseHandle(script);
-    return whole;
+    return ok;
 }

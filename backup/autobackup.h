@@ -35,7 +35,7 @@ public:
     void Append(HWND owner, const WCHAR* databaseName);
     // With all that was to be in it, it replaces an older script; otherwise that one stays as its name with a
     // `~`.
-    void Complete(HWND owner, DWORD databaseCount, bool whole);
+    void Complete(HWND owner, DWORD databaseCount, bool complete);
 
     HANDLE file = INVALID_HANDLE_VALUE;
     WCHAR path[MAX_PATH] = {};

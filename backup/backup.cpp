@@ -73,7 +73,7 @@ bool BackupEngine::Append(const WCHAR* name) {
         return false;
     // An entry that ends early counts too: the archive is kept as far as it got. That is meant, although a
     // compressed entry without its prefix keeps the whole archive from being listed.
-    header.databaseCount++;
+    ++header.databaseCount;
     script.Append(MessageOwner(), name);
     return walk == Walk::complete;
 }
@@ -103,18 +103,18 @@ bool BackupEngine::WriteRecords(DbHandle& database, const DatabaseBlock& block, 
                                 std::int64_t* offset) {
     RecordBuffer record;
     DWORD index = 0;
-    bool goesOn = true;
+    bool proceed = true;
     bool found = WalkToFirst(database, &index);
     bool atEnd = !found && GetLastError() == ERROR_NO_MORE_ITEMS;
-    while (found && goesOn && recordHeader->ordinal < block.info.wNumRecords) {
-        goesOn = ProgressStep(IDS_STORING_RECORD, block.info) &&
-                 WriteCurrentRecord(database, &record, recordHeader, offset);
-        if (goesOn) {
+    while (found && proceed && recordHeader->ordinal < block.info.wNumRecords) {
+        proceed = ProgressStep(IDS_STORING_RECORD, block.info) &&
+                  WriteCurrentRecord(database, &record, recordHeader, offset);
+        if (proceed) {
             found = WalkToNext(database, &index);
             atEnd = !found && GetLastError() == ERROR_NO_MORE_ITEMS;
         }
     }
-    return goesOn && (found || atEnd);
+    return proceed && (found || atEnd);
 }
 
 // What is left out is told once, though the entry may be written again.

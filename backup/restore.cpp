@@ -19,7 +19,7 @@ namespace {
 constexpr DWORD kMaxRecordSize = 256 * 1024 * 1024;
 
 bool RowIsSelected(HWND list, DWORD row) {
-    return SendMessageW(list, LVM_GETITEMSTATE, row, LVIS_SELECTED) & LVIS_SELECTED;
+    return ListView_GetItemState(list, static_cast<int>(row), LVIS_SELECTED) != 0;
 }
 
 // Neither a run without dialogs nor one without messages has anybody to answer: it overwrites.
@@ -83,16 +83,16 @@ bool RestoreEngine::RestoreDatabases(HWND list) {
         return false;
     entryOffset = header.firstEntry;
     BeginProgress(IDS_CONFIRM_ABORT_RESTORE, IDS_RESTORE_DATABASES);
-    const bool whole = RestoreEntries(list);
+    const bool ok = RestoreEntries(list);
     EndProgress();
-    return whole;
+    return ok;
 }
 
 // Only a row that is not selected and a restored database lead on to the next entry. That is meant: after any
 // other skip the next turn comes back to the same entry, asks about it again, and the archive's last
 // databases stay unvisited.
 bool RestoreEngine::RestoreEntries(HWND list) {
-    for (DWORD i = 0; i < header.databaseCount; i++) {
+    for (DWORD i = 0; i < header.databaseCount; ++i) {
         DatabaseBlock block;
         if (Stopped() || !ReadDatabaseBlock(&block))
             return false;
@@ -180,12 +180,12 @@ RestoreEngine::Target RestoreEngine::Overwrite(DbHandle& database, const WCHAR* 
 bool RestoreEngine::RestoreRecords(DbHandle& database, const CEDBASEINFO& info, const WCHAR* target) {
     RecordBuffer record;
     RecordBuffer stored;
-    bool goesOn = true;
-    for (DWORD i = 0; goesOn && i < info.wNumRecords; i++) {
-        goesOn = ProgressStep(IDS_RESTORING_RECORD, info) && ReadRecord(target, &record, &stored) &&
-                 database.WriteRecordFromStorage(0, &record);
+    bool proceed = true;
+    for (DWORD i = 0; proceed && i < info.wNumRecords; ++i) {
+        proceed = ProgressStep(IDS_RESTORING_RECORD, info) && ReadRecord(target, &record, &stored) &&
+                  database.WriteRecordFromStorage(0, &record);
     }
-    return goesOn;
+    return proceed;
 }
 
 // Reads the next record. `stored` holds the compressed bytes meanwhile; both blocks are used again for the

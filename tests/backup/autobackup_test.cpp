@@ -49,7 +49,7 @@ TEST_F(AutobackupTest, BackupLeavesTheDocumentedScript) {
 
 TEST_F(AutobackupTest, ReplayMakesTheSameBackupAgain) {
     WriteBytes(kScript, HandMadeScript());
-    for (int run = 0; run < 2; run++) { // the second one replaces the first one's archive
+    for (int run = 0; run < 2; ++run) { // the second one replaces the first one's archive
         ASSERT_TRUE(RunAutobackup(nullptr));
         const Bytes archive = FileBytes(kArchive);
         EXPECT_EQ(Slice(archive, 0, 64), Slice(FromHex(kCompressedArchive), 0, 64));

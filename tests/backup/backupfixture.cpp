@@ -120,7 +120,7 @@ void MakeSample(const WCHAR* name) {
 void MakeRecords(const WCHAR* name, int count) {
     MakeDatabase(name, {});
     const HANDLE database = OpenById(FindDatabase(name));
-    for (int i = 0; i < count; i++) {
+    for (int i = 0; i < count; ++i) {
         const std::string blob(i * i % 5000, static_cast<char>(i));
         EXPECT_NE(Values().Number(1, i).Text(2, std::u16string(i % 50, u'x')).Blob(3, blob).Write(database),
                   0u);

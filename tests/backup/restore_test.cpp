@@ -254,11 +254,11 @@ TEST_F(RestoreTest, NoTruncationAndNoChangedByteDoesHarm) {
     };
     for (const char* hex : {kPlainArchive, kCompressedArchive}) {
         const Bytes archive = WithoutPassword(FromHex(hex));
-        for (std::size_t length = 0; length < archive.size(); length++) {
+        for (std::size_t length = 0; length < archive.size(); ++length) {
             SCOPED_TRACE(length);
             check(Slice(archive, 0, length));
         }
-        for (std::size_t offset = 0; offset < archive.size(); offset++) {
+        for (std::size_t offset = 0; offset < archive.size(); ++offset) {
             for (const BYTE mask : {0x01, 0x10, 0x80, 0xFF}) {
                 SCOPED_TRACE(testing::Message() << "byte " << offset << " mask " << int(mask));
                 if (offset == 16 && (mask & 0x10))
