@@ -1,4 +1,7 @@
 // Autobackup scripts, written and replayed, against bytes written down by hand.
+#include <csignal>
+#include <sys/resource.h>
+
 #include "platform/files.h"
 #include "platform/text.h"
 #include "tests/backup/backupfixture.h"
@@ -150,9 +153,27 @@ TEST_F(AutobackupTest, TroubleWithTheScriptDoesNotStopTheBackup) {
     CopyText(settings.scriptName, u"\\no folder\\backup.abk");
     BackupEngine engine;
     engine.generateScript = true;
-    ExpectMessage(u"Unable to create Autobackup script, however backup file will be created.");
+    const WCHAR* const trouble = u"Unable to create Autobackup script, however backup file will be created.";
+    ExpectMessage(trouble);
     ASSERT_TRUE(BackUp(engine, kArchive, {u"Ab"}));
     EXPECT_EQ(NumberAt(FileBytes(kArchive), 8), 1u);
+
+    // Of one that the disk has no room for nothing stays.
+    CopyText(settings.scriptName, kScript);
+    BackupEngine second;
+    second.generateScript = true;
+    ASSERT_TRUE(second.BeginBackup(nullptr, false, u"\\second.bkp"));
+    rlimit before;
+    getrlimit(RLIMIT_FSIZE, &before);
+    const auto ignored = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small = {600, before.rlim_max}; // the archive is smaller
+    setrlimit(RLIMIT_FSIZE, &small);
+    ExpectMessage(trouble);
+    EXPECT_TRUE(second.WriteDatabase(u"Ab"));
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, ignored);
+    EXPECT_TRUE(second.Finish());
+    EXPECT_FALSE(FileExists(kScript));
 }
 
 } // namespace
