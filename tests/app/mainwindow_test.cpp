@@ -62,6 +62,13 @@ TEST_F(MainWindowTest, OptionsKeepTheSelection) {
         InMainWindow();
         EXPECT_EQ(SelectedText(IDC_LIST), u"C");
         EXPECT_EQ(ListView_GetSelectedCount(Control(IDC_LIST)), 1);
+        Choose(u"Tools/Options...");
+        InWindow(IDD_OPTIONS);
+        Tap(IDC_OPTIONS_BOLD);
+        Tap(IDCANCEL);
+        InMainWindow();
+        Window();
+        EXPECT_EQ(App().settings->bold, 1u);
     });
 }
 
