@@ -82,9 +82,9 @@ bool Archive::Stopped() const {
 Archive::CodecResult Archive::MakeCodec() {
     codec.reset(new (std::nothrow) Compressor);
     if (!codec)
-        return CodecResult::noCodec;
+        return CodecResult::NoCodec;
     if (codec->AllocateTables())
-        return CodecResult::ready;
+        return CodecResult::Ready;
     codec.reset();
-    return CodecResult::noTables;
+    return CodecResult::NoTables;
 }

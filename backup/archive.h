@@ -96,6 +96,6 @@ public:
 
 protected:
     // Makes the codec with its tables, or leaves none. The two failures are told apart.
-    enum class CodecResult { ready, noCodec, noTables };
+    enum class CodecResult { Ready, NoCodec, NoTables };
     CodecResult MakeCodec();
 };

@@ -55,12 +55,12 @@ bool ArchiveReader::ReadHeader() {
 
 bool ArchiveReader::ReadDatabaseBlock(DatabaseBlock* block) {
     switch (LoadDatabaseBlock(block)) {
-    case Failure::none:
+    case Failure::None:
         return true;
-    case Failure::file:
+    case Failure::File:
         ReportFailure(IDS_UNABLE_TO_READ_FILE);
         break;
-    case Failure::memory:
+    case Failure::Memory:
         ReportFailure(IDS_UNCOMPRESS_NO_MEMORY);
         break;
     }
@@ -72,22 +72,22 @@ bool ArchiveReader::PeekDatabaseBlock(DWORD offset, DatabaseBlock* block) {
     entryOffset = offset;
     const Failure failure = LoadDatabaseBlock(block);
     entryOffset = before;
-    return failure == Failure::none;
+    return failure == Failure::None;
 }
 
 ArchiveReader::Failure ArchiveReader::LoadDatabaseBlock(DatabaseBlock* block) {
     position = entryOffset;
     if (header.compressed) {
         const Failure failure = LoadCompressedBlock(block);
-        if (failure != Failure::none)
+        if (failure != Failure::None)
             return failure;
     } else if (Read(block, sizeof *block) != sizeof *block) {
-        return Failure::file;
+        return Failure::File;
     }
     block->info.szDbaseName[CEDB_MAXDBASENAMELEN - 1] = 0;
     recordsStart = position;
     entryEnd = block->nextEntry >= recordsStart && block->nextEntry < fileSize ? block->nextEntry : fileSize;
-    return Failure::none;
+    return Failure::None;
 }
 
 ArchiveReader::Failure ArchiveReader::LoadCompressedBlock(DatabaseBlock* block) {
@@ -95,14 +95,14 @@ ArchiveReader::Failure ArchiveReader::LoadCompressedBlock(DatabaseBlock* block) 
     BYTE stored[kMaxBlockStream];
     if (!codec || Read(&prefix, sizeof prefix) != sizeof prefix || prefix.blockLength > sizeof stored ||
         Read(stored, prefix.blockLength) != prefix.blockLength)
-        return Failure::file;
+        return Failure::File;
     if (!codec->Expand(stored, prefix.blockLength, sizeof *block))
-        return codec->PassedLimit() ? Failure::file : Failure::memory;
+        return codec->PassedLimit() ? Failure::File : Failure::Memory;
     if (codec->OutputLength() != sizeof *block)
-        return Failure::file;
+        return Failure::File;
     std::memcpy(block, codec->Output(), sizeof *block);
     block->nextEntry = prefix.nextEntry;
-    return Failure::none;
+    return Failure::None;
 }
 
 bool ArchiveReader::MoveToNextEntry(const DatabaseBlock& block) {

@@ -30,7 +30,7 @@ public:
     HANDLE file = INVALID_HANDLE_VALUE;
 
 private:
-    enum class Failure { none, file, memory };
+    enum class Failure { None, File, Memory };
     Failure LoadDatabaseBlock(DatabaseBlock* block);
     Failure LoadCompressedBlock(DatabaseBlock* block);
     DWORD ReadAt(std::uint64_t offset, void* data, DWORD count);

@@ -23,7 +23,7 @@ bool BackupEngine::BeginBackup(HWND ownerWindow, bool showOptions, const WCHAR* 
     owner = ownerWindow;
     if (showOptions && RunsInteractively() && !ShowBackupOptions(owner, this))
         return false;
-    if (compress && !codec && MakeCodec() != CodecResult::ready) {
+    if (compress && !codec && MakeCodec() != CodecResult::Ready) {
         ReportOutOfMemory();
         return false;
     }
@@ -65,36 +65,36 @@ bool BackupEngine::Append(const WCHAR* name) {
     Walk walk = WriteEntry(database, &block);
     // A reader goes by the block's count alone. When a record could not be read, or another program deleted
     // some meanwhile, the entry is written anew with the count that was found.
-    while (walk == Walk::shorter) {
+    while (walk == Walk::Shorter) {
         rewriting = true;
         walk = WriteEntry(database, &block);
     }
-    if (walk == Walk::refused)
+    if (walk == Walk::Refused)
         return false;
     // An entry that ends early counts too: the archive is kept as far as it got. That is meant, although a
     // compressed entry without its prefix keeps the whole archive from being listed.
     ++header.databaseCount;
     script.Append(MessageOwner(), name);
-    return walk == Walk::complete;
+    return walk == Walk::Complete;
 }
 
 BackupEngine::Walk BackupEngine::WriteEntry(DbHandle& database, DatabaseBlock* block) {
     std::int64_t offset = std::int64_t(entryOffset) + (codec ? sizeof(EntryPrefix) : 0);
     const std::int64_t blockLength = WriteDatabaseBlock(*block, offset);
     if (blockLength < 0)
-        return Walk::refused;
+        return Walk::Refused;
     offset += blockLength;
     BeginProgressOn(IDS_STORING_RECORD, block->info);
     RecordHeader recordHeader = {};
     if (block->info.wNumRecords && !WriteRecords(database, *block, &recordHeader, &offset)) {
         Flush();
-        return Walk::stopped;
+        return Walk::Stopped;
     }
     if (recordHeader.ordinal < block->info.wNumRecords) {
         block->info.wNumRecords = static_cast<WORD>(recordHeader.ordinal);
-        return Flush() ? Walk::shorter : Walk::stopped;
+        return Flush() ? Walk::Shorter : Walk::Stopped;
     }
-    return CompleteEntry(block, static_cast<DWORD>(blockLength), offset) ? Walk::complete : Walk::stopped;
+    return CompleteEntry(block, static_cast<DWORD>(blockLength), offset) ? Walk::Complete : Walk::Stopped;
 }
 
 // Writes as many records as the block declares, or as many as there are; false when the user cancelled, the

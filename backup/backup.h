@@ -29,7 +29,7 @@ public:
     WCHAR archivePath[MAX_PATH] = {}; // where the archive is written
 
 private:
-    enum class Walk { complete, shorter, stopped, refused };
+    enum class Walk { Complete, Shorter, Stopped, Refused };
     bool Append(const WCHAR* name);
     Walk WriteEntry(DbHandle& database, DatabaseBlock* block);
     bool WriteRecords(DbHandle& database, const DatabaseBlock& block, RecordHeader* recordHeader,

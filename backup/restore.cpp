@@ -64,11 +64,11 @@ bool RestoreEngine::Open(HWND ownerWindow, const WCHAR* path) {
         return false;
     if (header.compressed) {
         const CodecResult result = MakeCodec();
-        if (result == CodecResult::noCodec)
+        if (result == CodecResult::NoCodec)
             ReportFailure(IDS_UNCOMPRESS_NO_MEMORY);
-        else if (result == CodecResult::noTables)
+        else if (result == CodecResult::NoTables)
             ReportOutOfMemory();
-        if (result != CodecResult::ready)
+        if (result != CodecResult::Ready)
             return false;
     }
     if (!passwordFlag || !password.text[0])
@@ -100,9 +100,9 @@ bool RestoreEngine::RestoreEntries(HWND list) {
             return true; // nobody is asked, so each further turn would come back and leave it out again
         if (!list || RowIsSelected(list, i)) {
             const Entry entry = RestoreEntry(block);
-            if (entry == Entry::stopped)
+            if (entry == Entry::Stopped)
                 return false;
-            if (entry == Entry::skipped)
+            if (entry == Entry::Skipped)
                 continue;
         }
         const bool last = i + 1 == header.databaseCount;
@@ -118,23 +118,23 @@ RestoreEngine::Entry RestoreEngine::RestoreEntry(const DatabaseBlock& block) {
     WCHAR target[kNameCapacity];
     CopyText(target, block.info.szDbaseName);
     const Target choice = ChooseTarget(database, target);
-    if (choice == Target::skip)
-        return Entry::skipped;
-    if (choice == Target::stop)
-        return Entry::stopped;
-    if (choice == Target::create && database.Create(target, block.info) == INVALID_HANDLE_VALUE)
-        return Entry::stopped;
+    if (choice == Target::Skip)
+        return Entry::Skipped;
+    if (choice == Target::Stop)
+        return Entry::Stopped;
+    if (choice == Target::Create && database.Create(target, block.info) == INVALID_HANDLE_VALUE)
+        return Entry::Stopped;
     if (RestoreRecords(database, block.info, target)) {
         database.Close();
-        return Entry::restored;
+        return Entry::Restored;
     }
     // A database of ours goes; one that was there before can only be left empty.
-    if (choice == Target::reuse)
+    if (choice == Target::Reuse)
         database.DeleteAllRecords();
     database.Close();
-    if (choice == Target::create)
+    if (choice == Target::Create)
         database.DeleteDatabase(target);
-    return Entry::stopped;
+    return Entry::Stopped;
 }
 
 // Takes the archived name and leaves the one to restore to. A database to be reused is left open and empty.
@@ -142,26 +142,26 @@ RestoreEngine::Target RestoreEngine::ChooseTarget(DbHandle& database, WCHAR (&na
     {
         const QuietReports quiet(database);
         if (database.Open(name, 0, 0) == INVALID_HANDLE_VALUE)
-            return Target::create;
+            return Target::Create;
         database.Close();
     }
     const int answer = MayAsk() ? AskDatabaseExists(MessageOwner(), name) : IDC_EXISTS_OVERWRITE;
     if (answer == IDC_EXISTS_OVERWRITE)
         return Overwrite(database, name);
     if (answer != IDOK)
-        return Target::skip;
+        return Target::Skip;
     const WCHAR* newName = AskNewDatabaseName(MessageOwner(), name);
     if (!newName)
-        return Target::skip;
+        return Target::Skip;
     CopyText(name, newName);
-    return Target::create;
+    return Target::Create;
 }
 
 RestoreEngine::Target RestoreEngine::Overwrite(DbHandle& database, const WCHAR* name) {
     {
         const QuietReports quiet(database);
         if (database.DeleteDatabase(name))
-            return Target::create;
+            return Target::Create;
     }
     // It is open elsewhere. Where nobody can be asked it is left alone, and so is what follows: each further
     // turn would come back to it and ask nobody again.
@@ -169,12 +169,12 @@ RestoreEngine::Target RestoreEngine::Overwrite(DbHandle& database, const WCHAR* 
         constexpr UINT kStyle = MB_YESNOCANCEL | MB_ICONEXCLAMATION;
         const int answer = MessageFromString(MessageOwner(), IDS_CONFIRM_RESTORE_IN_USE, name, kStyle);
         if (answer != IDYES)
-            return answer == IDNO ? Target::skip : Target::stop;
+            return answer == IDNO ? Target::Skip : Target::Stop;
     }
     if (database.Open(name, 0, 0) == INVALID_HANDLE_VALUE)
-        return Target::stop;
+        return Target::Stop;
     database.DeleteAllRecords();
-    return Target::reuse;
+    return Target::Reuse;
 }
 
 bool RestoreEngine::RestoreRecords(DbHandle& database, const CEDBASEINFO& info, const WCHAR* target) {

@@ -18,8 +18,8 @@ public:
     bool RestoreDatabases(HWND list);
 
 private:
-    enum class Target { create, reuse, skip, stop };
-    enum class Entry { restored, skipped, stopped };
+    enum class Target { Create, Reuse, Skip, Stop };
+    enum class Entry { Restored, Skipped, Stopped };
     bool RestoreEntries(HWND list);
     Entry RestoreEntry(const DatabaseBlock& block);
     Target ChooseTarget(DbHandle& database, WCHAR (&name)[kNameCapacity]);

@@ -1,21 +1,15 @@
 #include "platform/base/devicefiles.h"
 
 #include <climits>
-#include <cstdlib>
-#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/base/paths.h"
 #include "platform/device.h"
 
 namespace {
 
 constexpr int kMostLinks = 40; // as many as the host itself follows
-
-std::string RealPath(const std::string& path) {
-    const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), std::free);
-    return real ? real.get() : std::string();
-}
 
 std::string FolderOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');

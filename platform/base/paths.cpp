@@ -3,6 +3,7 @@
 #include <QStringView>
 #include <cstdlib>
 #include <dirent.h>
+#include <memory>
 #include <sys/stat.h>
 #include <vector>
 
@@ -90,14 +91,12 @@ bool TakePrefix(std::string_view& path, const std::string& folder) {
     return true;
 }
 
-std::string RealPath(const std::string& path) {
-    char* resolved = realpath(path.c_str(), nullptr);
-    std::string result = resolved ? resolved : path;
-    std::free(resolved);
-    return result;
-}
-
 } // namespace
+
+std::string RealPath(const std::string& path) {
+    const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), std::free);
+    return real ? real.get() : std::string();
+}
 
 bool HostPath(const WCHAR* devicePath, std::string& host) {
     const std::u16string_view path = devicePath ? devicePath : u"";
@@ -125,7 +124,8 @@ bool HostPath(const WCHAR* devicePath, std::string& host) {
 std::u16string DevicePath(const std::string& host) {
     std::string_view rest = host;
     std::u16string path;
-    if (!TakePrefix(rest, DeviceRootFolder()) && !TakePrefix(rest, RealPath(DeviceRootFolder()))) {
+    const std::string realRoot = RealPath(DeviceRootFolder());
+    if (!TakePrefix(rest, DeviceRootFolder()) && (realRoot.empty() || !TakePrefix(rest, realRoot))) {
         path += u'\\';
         path += kHostFolder;
     }

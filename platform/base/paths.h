@@ -12,3 +12,6 @@ bool HostPath(const WCHAR* devicePath, std::string& host);
 
 // The device path of an absolute host path: `\...` below the device's root, else `\Storage Card\...`.
 std::u16string DevicePath(const std::string& host);
+
+// A path of the host without links in it; empty when it leads nowhere.
+std::string RealPath(const std::string& path);

@@ -9,7 +9,7 @@ namespace {
 
 constexpr const char* kTemporaryName = ".strandview.";
 
-std::string FolderOf(const std::string& path) {
+std::string FolderPrefixOf(const std::string& path) {
     return path.substr(0, path.rfind('/') + 1);
 }
 
@@ -66,9 +66,9 @@ Replacement::~Replacement() {
 int Replacement::Begin(const std::string& path, const struct stat& old) {
     target = path;
     constexpr mode_t kOwnersOnly = 0600; // until it has the older one's mode
-    file = Descriptor(open(FolderOf(path).c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, kOwnersOnly));
+    file = Descriptor(open(FolderPrefixOf(path).c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, kOwnersOnly));
     if (!file.Valid() && NeedsName(errno)) {
-        std::string name = FolderOf(path) + kTemporaryName + "XXXXXX";
+        std::string name = FolderPrefixOf(path) + kTemporaryName + "XXXXXX";
         file = Descriptor(mkostemp(name.data(), O_CLOEXEC));
         temporary = file.Valid() ? name : std::string();
     }
@@ -80,7 +80,7 @@ int Replacement::Name() {
     std::random_device random;
     const std::string nameless = "/proc/self/fd/" + std::to_string(file.Number());
     while (temporary.empty()) {
-        const std::string name = FolderOf(target) + kTemporaryName + std::to_string(random());
+        const std::string name = FolderPrefixOf(target) + kTemporaryName + std::to_string(random());
         if (linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
             temporary = name;
         else if (errno != EEXIST)
@@ -122,7 +122,7 @@ int Replacement::PutInPlace(bool complete) {
         error = TakeName(complete);
     if (error == 0) {
         temporary.clear();
-        SyncFolder(FolderOf(target));
+        SyncFolder(FolderPrefixOf(target));
     }
     return error;
 }

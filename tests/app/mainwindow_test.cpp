@@ -6,7 +6,7 @@
 #include "app/start/mainwindow.h"
 #include "platform/controls.h"
 #include "platform/gdi.h"
-#include "platform/ui/windowobject.h"
+#include "platform/ui/core/windowobject.h"
 #include "resources/resource.h"
 #include "tests/support/sampledatabases.h"
 #include "tests/support/session.h"
