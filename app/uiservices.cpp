@@ -87,7 +87,7 @@ bool PickFile(HWND owner, WCHAR* path, bool open, UINT filterId, const WCHAR* ex
         if (*character == u'|')
             *character = 0;
 
-    // The proposed name is the bare extension; what the caller's buffer held is meant to be lost.
+    // Quirk: the proposed name is the bare extension, whatever the caller's buffer held.
     CopyText(path, MAX_PATH, extension + 1);
 
     OPENFILENAMEW info = {};

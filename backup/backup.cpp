@@ -71,8 +71,8 @@ bool BackupEngine::Append(const WCHAR* name) {
     }
     if (walk == Walk::Refused)
         return false;
-    // An entry that ends early counts too: the archive is kept as far as it got. That is meant, although a
-    // compressed entry without its prefix keeps the whole archive from being listed.
+    // Quirk: an entry that ends early counts too, so that the archive is kept as far as it got. A compressed
+    // one, which then lacks its prefix, keeps the whole archive from being listed.
     ++header.databaseCount;
     script.Append(MessageOwner(), name);
     return walk == Walk::Complete;

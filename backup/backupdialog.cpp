@@ -50,8 +50,7 @@ void Accept(HWND dialog, BackupEngine* engine) {
     engine->passwordFlag = IsChecked(dialog, IDC_BACKUP_PASSWORD);
     if (engine->passwordFlag) {
         PasswordBlock typed = {};
-        // Without a password these options stay up; that is meant, for no archive may be less protected than
-        // its owner believes.
+        // Without a password these options stay up: no archive may be less protected than its owner believes.
         if (!AskNewPassword(&typed, dialog) || !typed.text[0])
             return;
         engine->password = typed;

@@ -88,9 +88,9 @@ bool RestoreEngine::RestoreDatabases(HWND list) {
     return ok;
 }
 
-// Only a row that is not selected and a restored database lead on to the next entry. That is meant: after any
-// other skip the next turn comes back to the same entry, asks about it again, and the archive's last
-// databases stay unvisited.
+// Quirk: only a row that is not selected and a restored database lead on to the next entry. After any other
+// skip the next turn comes back to the same entry and asks about it again, and the archive's last databases
+// stay unvisited.
 bool RestoreEngine::RestoreEntries(HWND list) {
     for (DWORD i = 0; i < header.databaseCount; ++i) {
         DatabaseBlock block;

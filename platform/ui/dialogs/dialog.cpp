@@ -155,7 +155,7 @@ std::shared_ptr<DialogData> NewDialogData(DLGPROC procedure, bool modal) {
     return data;
 }
 
-LONG_PTR RunDialog(HWND dialog, HWND owner) {
+LONG_PTR RunUntilEnded(HWND dialog, HWND owner) {
     const std::shared_ptr<DialogData> data = dialog->dialog;
     const HWND ownerTop = TopLevelOf(owner);
     const bool ownerWasEnabled = ownerTop && IsWindowEnabled(ownerTop);
@@ -185,7 +185,7 @@ LONG_PTR DialogBoxIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialogTe
     if (!dialog)
         return -1;
     TellOfDialog(dialogTemplate, dialog, true);
-    return RunDialog(dialog, owner);
+    return RunUntilEnded(dialog, owner);
 }
 
 HWND CreateDialogIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialogTemplate, HWND owner,

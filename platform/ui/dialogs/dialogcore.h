@@ -7,7 +7,7 @@
 std::shared_ptr<DialogData> NewDialogData(DLGPROC procedure, bool modal);
 // Shows a finished dialog and runs it until EndDialog, with the owner's top-level window disabled; destroys
 // it and returns EndDialog's result, 0 when it was destroyed before.
-LONG_PTR RunDialog(HWND dialog, HWND owner);
+LONG_PTR RunUntilEnded(HWND dialog, HWND owner);
 // Remembers the rectangles that the template gave to the controls.
 void RememberLayout(HWND dialog);
 // Gives a full-screen dialog that part of its frame, and its controls their places in it. What does not fit

@@ -228,7 +228,7 @@ int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT style)
     OpenBoxes().push_back(box);
     if (TestHooks().messageBox)
         TestHooks().messageBox({text ? text : u"", caption ? caption : u"", style, box});
-    const LONG_PTR answer = RunDialog(box, owner);
+    const LONG_PTR answer = RunUntilEnded(box, owner);
     std::erase(OpenBoxes(), box);
     return answer == IDCANCEL ? SafeButton(style).id : static_cast<int>(answer);
 }
