@@ -13,8 +13,9 @@
 // in is closed to them.
 //
 // False when the device cannot be used, with last error ERROR_PATH_NOT_FOUND (no such folder),
-// ERROR_FILE_NOT_FOUND (no store in it), ERROR_ACCESS_DENIED, ERROR_DISK_FULL, or ERROR_INVALID_PARAMETER
-// when the usual one is asked for and $HOME, on which it depends, names no folder from the root on.
+// ERROR_FILE_NOT_FOUND (no store in it, or an empty file), ERROR_ACCESS_DENIED, ERROR_DISK_FULL, or
+// ERROR_INVALID_PARAMETER when the usual one is asked for and $HOME, on which it depends, names no folder
+// from the root on.
 bool UseDevice(const std::string& folder, bool make = true);
 
 // The chosen device, without a slash at the end. When none was chosen yet the usual one is.

@@ -1,8 +1,11 @@
 #include "platform/device.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -51,6 +54,26 @@ bool HasStore() {
     return stat(DeviceStorePath().c_str(), &status) == 0;
 }
 
+// Whether the store's file is empty, or a database that nobody has put anything into. What was written last
+// may stand in the log beside it.
+bool IsBlankStore() {
+    constexpr std::size_t kApplicationId = 68; // where SQLite's header has it
+    struct stat status {};
+    const std::string log = DeviceStorePath() + "-wal";
+    if (stat(log.c_str(), &status) == 0 && status.st_size > 0)
+        return false;
+    if (stat(DeviceStorePath().c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+        return false;
+    if (status.st_size == 0)
+        return true;
+    std::ifstream store(DeviceStorePath(), std::ios::binary);
+    char header[kApplicationId + 4] = {};
+    store.read(header, sizeof(header));
+    constexpr std::string_view kSqlite = "SQLite format 3";
+    return store && std::string_view(header).starts_with(kSqlite) &&
+           std::all_of(header + kApplicationId, std::end(header), [](char byte) { return byte == 0; });
+}
+
 // Whether the folder serves as a device and nothing else, as far as can be seen.
 bool IsDevicesOwn(const std::string& folder) {
     std::error_code error;
@@ -78,6 +101,10 @@ bool FindDevice(bool make) {
         return Fail(errno == 0 ? ENOTDIR : errno);
     if (!HasStore()) {
         SetLastError(errno == ENOENT ? ERROR_FILE_NOT_FOUND : ErrorOfHost(errno));
+        return false;
+    }
+    if (IsBlankStore()) {
+        SetLastError(ERROR_FILE_NOT_FOUND);
         return false;
     }
     return true;

@@ -4,10 +4,14 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <random>
+#include <sys/xattr.h>
 
 namespace {
 
 constexpr const char* kTemporaryName = ".strandview.";
+// On a kept file: which incomplete one took its name. By this it is told from a file of somebody else's, and
+// the incomplete one from what was put in its place since.
+constexpr const char* kKeptFor = "user.strandview.kept";
 
 std::string FolderPrefixOf(const std::string& path) {
     return path.substr(0, path.rfind('/') + 1);
@@ -34,6 +38,31 @@ bool IsFile(const std::string& path) {
     return lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
+std::string IdentityOf(const std::string& path) {
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0)
+        return {};
+    return std::to_string(status.st_ino) + ' ' + std::to_string(status.st_size) + ' ' +
+           std::to_string(status.st_mtim.tv_sec) + ' ' + std::to_string(status.st_mtim.tv_nsec);
+}
+
+// What a kept file is marked with; empty without a mark. Where files cannot be marked, `path~` is taken for a
+// kept one, for the sake of the last complete file.
+std::string MarkOf(const std::string& kept, const std::string& whereNoMarks) {
+    char mark[128];
+    if (!IsFile(kept))
+        return {};
+    const ssize_t length = getxattr(kept.c_str(), kKeptFor, mark, sizeof(mark));
+    if (length < 0)
+        return errno == ENOTSUP ? whereNoMarks : std::string();
+    return std::string(mark, static_cast<std::size_t>(length));
+}
+
+void MarkKept(const std::string& kept, const std::string& path) {
+    const std::string identity = IdentityOf(path);
+    setxattr(kept.c_str(), kKeptFor, identity.data(), identity.size(), 0);
+}
+
 int Exchange(const std::string& one, const std::string& other) {
     return renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(), RENAME_EXCHANGE) == 0 ? 0 : errno;
 }
@@ -54,7 +83,7 @@ void SyncFolder(const std::string& folder) {
 
 void ForgetKept(const std::string& path) {
     const std::string kept = path + '~';
-    if (IsFile(kept))
+    if (!MarkOf(kept, "kept").empty())
         unlink(kept.c_str());
 }
 
@@ -98,8 +127,9 @@ int Replacement::ExchangeAndKeep(const std::string& kept) {
 
 int Replacement::TakeName(bool complete) {
     const std::string kept = target + '~';
-    // One that is kept already is the last complete one, and what stands under the name is not.
-    if (complete || IsFile(kept))
+    const std::string standing = IdentityOf(target);
+    // One that was kept for what stands under the name is the last complete one.
+    if (complete || (!standing.empty() && MarkOf(kept, standing) == standing))
         return Rename(temporary, target);
     if (Exchange(temporary, target) == 0)
         return ExchangeAndKeep(kept);
@@ -121,6 +151,8 @@ int Replacement::PutInPlace(bool complete) {
     if (error == 0)
         error = TakeName(complete);
     if (error == 0) {
+        if (!complete)
+            MarkKept(target + '~', target);
         temporary.clear();
         SyncFolder(FolderPrefixOf(target));
     }

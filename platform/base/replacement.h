@@ -6,7 +6,8 @@
 
 #include "platform/base/descriptor.h"
 
-// A complete file stands under that path: takes away the older one that was kept while there was none.
+// A complete file stands under that path: takes away the older one that was kept while there was none, and
+// nobody else's file of that name.
 void ForgetKept(const std::string& path);
 
 class Replacement {

@@ -72,11 +72,11 @@ std::string ParseArguments(int count, const char* const* arguments, Options& opt
             options.help = true;
         else if (argument == "--version")
             options.version = true;
-        else if (argument == "--device" && i + 1 < count)
+        else if (argument == "--device" && i + 1 < count && *arguments[i + 1])
             options.device = arguments[++i];
-        else if (argument.starts_with(deviceIs))
+        else if (argument.starts_with(deviceIs) && argument != deviceIs)
             options.device = argument.substr(deviceIs.size());
-        else if (argument == "--device")
+        else if (argument == "--device" || argument == deviceIs)
             complaint = "--device needs a folder";
         else
             complaint = "unknown option " + std::string(argument) + "; see --help";

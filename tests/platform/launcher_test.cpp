@@ -129,13 +129,15 @@ TEST(Launcher, LeavesTheOldArchiveAloneWhenTheDeviceCannotBeUsed) {
     const QTemporaryDir folder;
     const std::string archive = folder.filePath("old.bkp").toStdString();
     const QString missing = folder.filePath("missing"), empty = folder.filePath("empty"),
-                  damaged = folder.filePath("damaged");
+                  damaged = folder.filePath("damaged"), blank = folder.filePath("blank");
     WriteHostFile(archive, "the last good one");
     QDir().mkdir(empty);
     QDir().mkdir(damaged);
+    QDir().mkdir(blank);
+    WriteHostFile(blank.toStdString() + "/objectstore.db", "");
     WriteHostFile(damaged.toStdString() + "/objectstore.db", std::string(5000, 'x'));
     auto environment = WithoutDisplay();
-    for (const QString& device : {missing, empty, damaged, QStringLiteral("/dev/null/x")}) {
+    for (const QString& device : {missing, empty, damaged, blank, QStringLiteral("/dev/null/x")}) {
         for (const bool byName : {true, false}) {
             QStringList arguments{"-B", QString::fromStdString(archive), "-D", "-P"};
             arguments = (byName ? QStringList{"--device", device} : QStringList()) + arguments;
@@ -174,7 +176,7 @@ TEST(Device, IsItsOwnersAlone) {
               0);
     EXPECT_TRUE(UseDevice(open));
     EXPECT_NE(mode(open), perms::owner_all) << "no device yet: it may serve something else";
-    WriteHostFile(open + "/objectstore.db", "");
+    WriteHostFile(open + "/objectstore.db", "a store");
     EXPECT_TRUE(UseDevice(open, false));
     EXPECT_EQ(mode(open), perms::owner_all);
     EXPECT_EQ(mode(open + "/root"), perms::owner_all);
