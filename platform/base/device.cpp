@@ -70,7 +70,7 @@ bool IsBlankStore() {
     char header[kApplicationId + 4] = {};
     store.read(header, sizeof(header));
     constexpr std::string_view kSqlite = "SQLite format 3";
-    return store && std::string_view(header).starts_with(kSqlite) &&
+    return store && std::string_view(header, sizeof(header)).starts_with(kSqlite) &&
            std::all_of(header + kApplicationId, std::end(header), [](char byte) { return byte == 0; });
 }
 
