@@ -1,5 +1,6 @@
 #include "platform/base/replacement.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
@@ -38,12 +39,17 @@ bool IsFile(const std::string& path) {
     return lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
+// Tells one state of a file from every other, in eight bytes, for which an inode has room on a full disk,
+// too. Stays when the file is renamed. Empty when there is none.
 std::string IdentityOf(const std::string& path) {
     struct stat status;
     if (stat(path.c_str(), &status) != 0)
         return {};
-    return std::to_string(status.st_ino) + ' ' + std::to_string(status.st_size) + ' ' +
-           std::to_string(status.st_mtim.tv_sec) + ' ' + std::to_string(status.st_mtim.tv_nsec);
+    std::uint64_t hash = 0xCBF29CE484222325; // FNV-1a, by words
+    for (const std::int64_t part : {static_cast<std::int64_t>(status.st_ino), status.st_size,
+                                    status.st_mtim.tv_sec, status.st_mtim.tv_nsec})
+        hash = (hash ^ static_cast<std::uint64_t>(part)) * 0x100000001B3;
+    return std::string(reinterpret_cast<const char*>(&hash), sizeof(hash));
 }
 
 // What a kept file is marked with; empty without a mark. Where files cannot be marked, `path~` is taken for a
@@ -58,9 +64,9 @@ std::string MarkOf(const std::string& kept, const std::string& whereNoMarks) {
     return std::string(mark, static_cast<std::size_t>(length));
 }
 
-void MarkKept(const std::string& kept, const std::string& path) {
-    const std::string identity = IdentityOf(path);
-    setxattr(kept.c_str(), kKeptFor, identity.data(), identity.size(), 0);
+int MarkKept(const std::string& kept, const std::string& identity) {
+    const bool marked = setxattr(kept.c_str(), kKeptFor, identity.data(), identity.size(), 0) == 0;
+    return marked || errno == ENOTSUP || errno == ENOENT ? 0 : errno;
 }
 
 int Exchange(const std::string& one, const std::string& other) {
@@ -129,7 +135,11 @@ int Replacement::TakeName(bool complete) {
     const std::string kept = target + '~';
     const std::string standing = IdentityOf(target);
     // One that was kept for what stands under the name is the last complete one.
-    if (complete || (!standing.empty() && MarkOf(kept, standing) == standing))
+    const bool keptBefore = !standing.empty() && MarkOf(kept, standing) == standing;
+    // Marked first: an incomplete file must not take the name of a complete one that could not be told later.
+    if (const int error = complete ? 0 : MarkKept(keptBefore ? kept : target, IdentityOf(temporary)))
+        return error;
+    if (complete || keptBefore)
         return Rename(temporary, target);
     if (Exchange(temporary, target) == 0)
         return ExchangeAndKeep(kept);
@@ -151,8 +161,6 @@ int Replacement::PutInPlace(bool complete) {
     if (error == 0)
         error = TakeName(complete);
     if (error == 0) {
-        if (!complete)
-            MarkKept(target + '~', target);
         temporary.clear();
         SyncFolder(FolderPrefixOf(target));
     }
