@@ -84,7 +84,7 @@ int TakeFile(int descriptor, const std::string& path, bool shared, struct stat& 
 // Begins a file's contents anew, beside those it has where the host allows it. Returns the host's error.
 int BeginAnew(HostFile& file, const std::string& path, const struct stat& status) {
     file.begunAnew = RealFilePath(path);
-    if (!S_ISREG(status.st_mode) || status.st_size == 0)
+    if (!S_ISREG(status.st_mode) || (status.st_size == 0 && !HasKept(file.begunAnew)))
         return 0;
     auto replacement = std::make_unique<Replacement>();
     const int error = file.begunAnew.empty() ? EACCES : replacement->Begin(file.begunAnew, status);

@@ -69,6 +69,11 @@ int MarkKept(const std::string& kept, const std::string& identity) {
     return marked || errno == ENOTSUP || errno == ENOENT ? 0 : errno;
 }
 
+bool IsBlank(const std::string& path) {
+    struct stat status;
+    return stat(path.c_str(), &status) != 0 || status.st_size == 0;
+}
+
 int Exchange(const std::string& one, const std::string& other) {
     return renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(), RENAME_EXCHANGE) == 0 ? 0 : errno;
 }
@@ -89,8 +94,12 @@ void SyncFolder(const std::string& folder) {
 
 void ForgetKept(const std::string& path) {
     const std::string kept = path + '~';
-    if (!MarkOf(kept, "kept").empty())
+    if (HasKept(path))
         unlink(kept.c_str());
+}
+
+bool HasKept(const std::string& path) {
+    return !MarkOf(path + '~', "kept").empty();
 }
 
 Replacement::~Replacement() {
@@ -134,8 +143,9 @@ int Replacement::ExchangeAndKeep(const std::string& kept) {
 int Replacement::TakeName(bool complete) {
     const std::string kept = target + '~';
     const std::string standing = IdentityOf(target);
-    // One that was kept for what stands under the name is the last complete one.
-    const bool keptBefore = !standing.empty() && MarkOf(kept, standing) == standing;
+    const std::string mark = MarkOf(kept, standing);
+    // One that was kept for what stands under the name, or where nothing stands, is the last complete one.
+    const bool keptBefore = !mark.empty() && (mark == standing || IsBlank(target));
     // Marked first: an incomplete file must not take the name of a complete one that could not be told later.
     if (const int error = complete ? 0 : MarkKept(keptBefore ? kept : target, IdentityOf(temporary)))
         return error;

@@ -10,6 +10,9 @@
 // nobody else's file of that name.
 void ForgetKept(const std::string& path);
 
+// Whether an older file was kept beside that path.
+bool HasKept(const std::string& path);
+
 class Replacement {
 public:
     Replacement() = default;

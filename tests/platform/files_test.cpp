@@ -147,6 +147,14 @@ TEST_F(Files, AnOlderFileStandsUntilTheNewOneIsClosed) {
         EXPECT_EQ(HostFile(old + '~'), "new content");
     }
     EXPECT_EQ(FolderNames(), "Old.bkp Old.bkp~ ");
+    // Nor is it lost when the cut one was empty, or was taken away.
+    for (const char* content : {"", "cut", "cut"}) {
+        CloseHandle(BeginAnew(kOld, content));
+        EXPECT_EQ(HostFile(old + '~'), "new content");
+    }
+    EXPECT_TRUE(DeleteFileW(kOld) && CloseHandle(BeginAnew(kOld, "cut")) &&
+                CloseHandle(BeginAnew(kOld, "cut")));
+    EXPECT_EQ(HostFile(old + '~'), "new content");
     for (const bool deleted : {false, true}) {
         EXPECT_TRUE(!deleted || (CloseHandle(BeginAnew(kOld, "cut")) && DeleteFileW(kOld)));
         const HANDLE complete = BeginAnew(kOld, "complete");
