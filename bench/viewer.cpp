@@ -118,7 +118,9 @@ int main(int argc, char** argv) {
         return 1;
     static char module;
     App().instance = reinterpret_cast<HINSTANCE>(&module);
-    TestHooks().messageBox = [](const MessageBoxSeen&) { AnswerMessageBox(IDOK); }; // that nothing was found
+    ui::TestHooks().messageBox = [](const ui::MessageBoxSeen&) {
+        ui::AnswerMessageBox(IDOK);
+    }; // that nothing was found
     WNDCLASSW measureClass = {};
     measureClass.lpfnWndProc = Measure;
     measureClass.lpszClassName = u"Measure";

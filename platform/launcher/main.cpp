@@ -101,7 +101,7 @@ int main(int argc, char** argv) {
         std::puts("Pocket Strandview " PROGRAM_VERSION);
         return 0;
     }
-    if (options.commandLine.empty() && NoDisplay()) {
+    if (options.commandLine.empty() && ui::NoDisplay()) {
         std::fputs(
             "pocket-strandview: there is no display to open the window on. Start it from a desktop session,\n"
             "or set DISPLAY or WAYLAND_DISPLAY (\"ssh -X\" brings a display along, \"xvfb-run\" makes one).\n"

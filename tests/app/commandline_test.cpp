@@ -19,13 +19,13 @@ using Texts = std::vector<std::u16string>;
 class CommandLineTest : public testing::Test {
 protected:
     CommandLineTest() {
-        TestHooks().messageBox = [this](const MessageBoxSeen& box) {
+        ui::TestHooks().messageBox = [this](const ui::MessageBoxSeen& box) {
             messages.push_back(box.text);
-            AnswerMessageBox(box.style & MB_YESNO ? IDYES : IDOK);
+            ui::AnswerMessageBox(box.style & MB_YESNO ? IDYES : IDOK);
         };
-        TestHooks().dialog = [this](const DialogSeen&) { ++dialogs; };
+        ui::TestHooks().dialog = [this](const ui::DialogSeen&) { ++dialogs; };
     }
-    ~CommandLineTest() override { TestHooks() = {}; }
+    ~CommandLineTest() override { ui::TestHooks() = {}; }
 
     bool HasFile(const char* name) const { return std::filesystem::exists(device.folder + "/root/" + name); }
     // The program's verdict: invalid lines say so once and do nothing.

@@ -279,7 +279,7 @@ TEST_F(BackupSession, CommandsInsideOfALongOneLeaveItAlone) {
     MakeSample();
     MakeSample(u"Other");
     int disturbed = 0;
-    TestHooks().dialog = [&, seen = TestHooks().dialog](const DialogSeen& dialog) {
+    ui::TestHooks().dialog = [&, seen = ui::TestHooks().dialog](const ui::DialogSeen& dialog) {
         seen(dialog);
         if (dialog.dialogTemplate != FindDialogTemplate(IDD_PROGRESS))
             return;
@@ -335,7 +335,7 @@ TEST_F(BackupSession, EndOfTheProgramEndsALongCommand) {
         ASSERT_TRUE(BackUp(engine, kArchive, {u"Ab", u"Other"}));
         mainProcedure = reinterpret_cast<WNDPROC>(
             SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(DestroyOnUserMessage)));
-        TestHooks().dialog = [=](const DialogSeen&) {
+        ui::TestHooks().dialog = [=](const ui::DialogSeen&) {
             if (destroy)
                 PostMessageW(window, WM_USER, 0, 0);
             else
@@ -351,7 +351,7 @@ TEST_F(BackupSession, EndOfTheProgramEndsALongCommand) {
         MSG message;
         EXPECT_FALSE(GetMessageW(&message, nullptr, 0, 0));
         EXPECT_EQ(IsWindow(window), !destroy);
-        TestHooks().dialog = nullptr;
+        ui::TestHooks().dialog = nullptr;
         DestroyWindow(window);
         while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
         }

@@ -249,7 +249,7 @@ TEST(Process, StartsAProgramBesideThisOneAndForgetsIt) {
 
     const int inherited = dup(1);
     const std::u16string program = name.toStdU16String();
-    EnsureWindowSystem(); // for which it has variables set
+    ui::EnsureWindowSystem(); // for which it has variables set
     EXPECT_TRUE(CreateProcessW(program.c_str(), u"tarnwickscope.htm#a b"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(report); }, 10000));
     // The fourth is the listing itself.

@@ -14,13 +14,13 @@ namespace {
 class DbHandleTest : public testing::Test {
 protected:
     DbHandleTest() {
-        TestHooks().messageBox = [this](const MessageBoxSeen& box) {
+        ui::TestHooks().messageBox = [this](const ui::MessageBoxSeen& box) {
             messages.push_back(box.text);
-            AnswerMessageBox(IDOK);
+            ui::AnswerMessageBox(IDOK);
         };
     }
     ~DbHandleTest() override {
-        TestHooks().messageBox = nullptr;
+        ui::TestHooks().messageBox = nullptr;
         delete App().settings;
         App().settings = nullptr;
     }

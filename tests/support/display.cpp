@@ -3,6 +3,6 @@
 namespace {
 
 // Tests work with windows that nobody sees.
-[[maybe_unused]] const bool shown = (SetNoDisplay(false), true);
+[[maybe_unused]] const bool shown = (ui::SetNoDisplay(false), true);
 
 } // namespace

@@ -78,7 +78,7 @@ void ScheduleTurn(Script* script, int quietTurns);
 
 void Turn(Script* script, int quietTurns) {
     // A quit message is for a loop further out.
-    if (FindQueued(0, WM_QUIT - 1) || FindQueued(WM_QUIT + 1, 0xFFFF))
+    if (ui::FindQueued(0, WM_QUIT - 1) || ui::FindQueued(WM_QUIT + 1, 0xFFFF))
         return ScheduleTurn(script, 0);
     if (quietTurns < kQuietTurns)
         return ScheduleTurn(script, quietTurns + 1);

@@ -17,7 +17,9 @@ bool TakesInput(HWND window) {
 } // namespace
 
 Session::Session() {
-    TestHooks().dialog = [this](const DialogSeen& seen) { opened[seen.dialogTemplate] = seen.window; };
+    ui::TestHooks().dialog = [this](const ui::DialogSeen& seen) {
+        opened[seen.dialogTemplate] = seen.window;
+    };
 }
 
 HWND Session::CurrentWindow() const {

@@ -22,7 +22,7 @@ namespace {
 constexpr int kPatience = 20'000; // milliseconds
 
 QWidget* HandheldDisplay() {
-    return ScreenArea()->window();
+    return ui::ScreenArea()->window();
 }
 
 QPoint OnDisplay(HWND window, const QPoint& clientPoint) {
@@ -31,7 +31,7 @@ QPoint OnDisplay(HWND window, const QPoint& clientPoint) {
 
 // The column with that title, in the header's coordinates; invalid, and a failed test, for none.
 QRect HeaderSection(HWND list, const std::u16string& title) {
-    const auto* header = dynamic_cast<HeaderView*>(ListView_GetHeader(list)->widget.data());
+    const auto* header = dynamic_cast<ui::HeaderView*>(ListView_GetHeader(list)->widget.data());
     for (int section = 0; header && section < header->count(); ++section)
         if (header->model()->headerData(section, Qt::Horizontal).toString().toStdU16String() == title)
             return {header->sectionViewportPosition(section), 0, header->sectionSize(section),
@@ -84,23 +84,23 @@ std::vector<std::u16string> ColumnTexts(HWND list, int column) {
 }
 
 Stylus::Stylus() {
-    EnsureWindowSystem();
-    TestHooks().messageBox = [this](const MessageBoxSeen& box) { BoxOpened(box); };
-    TestHooks().dialog = [this](const DialogSeen& dialog) { DialogOpened(dialog); };
-    TestHooks().menu = [this](QMenu* menu) { MenuOpened(menu); };
-    TestHooks().picker = [this](const PickerSeen& picker) { PickerOpened(picker); };
+    ui::EnsureWindowSystem();
+    ui::TestHooks().messageBox = [this](const ui::MessageBoxSeen& box) { BoxOpened(box); };
+    ui::TestHooks().dialog = [this](const ui::DialogSeen& dialog) { DialogOpened(dialog); };
+    ui::TestHooks().menu = [this](QMenu* menu) { MenuOpened(menu); };
+    ui::TestHooks().picker = [this](const ui::PickerSeen& picker) { PickerOpened(picker); };
 }
 
 Stylus::~Stylus() {
     EXPECT_TRUE(expected.empty()) << "never opened: " << Waiting();
-    TestHooks() = {};
+    ui::TestHooks() = {};
 }
 
 // ---- doing ----
 
 void Stylus::Tap(HWND window, QPoint clientPoint) {
-    ASSERT_TRUE(LiveWindow(window) && window->widget && window->widget->isVisible());
-    AgreeOnFocus();
+    ASSERT_TRUE(ui::LiveWindow(window) && window->widget && window->widget->isVisible());
+    ui::AgreeOnFocus();
     QTest::mouseClick(HandheldDisplay()->windowHandle(), Qt::LeftButton, {}, OnDisplay(window, clientPoint));
     Settle();
 }
@@ -113,13 +113,13 @@ void Stylus::Tap(HWND dialog, int controlId) {
 }
 
 void Stylus::TapTwice(HWND window, QPoint clientPoint) {
-    ASSERT_TRUE(LiveWindow(window) && window->widget);
+    ASSERT_TRUE(ui::LiveWindow(window) && window->widget);
     QTest::mouseDClick(HandheldDisplay()->windowHandle(), Qt::LeftButton, {}, OnDisplay(window, clientPoint));
     Settle();
 }
 
 void Stylus::TapAndHold(HWND window, QPoint clientPoint) {
-    ASSERT_TRUE(LiveWindow(window) && window->widget);
+    ASSERT_TRUE(ui::LiveWindow(window) && window->widget);
     constexpr int kLongEnough = 700;
     const int before = opened;
     const QPoint place = OnDisplay(window, clientPoint);
@@ -132,13 +132,13 @@ void Stylus::TapAndHold(HWND window, QPoint clientPoint) {
 }
 
 void Stylus::TapRight(HWND window, QPoint clientPoint) {
-    ASSERT_TRUE(LiveWindow(window) && window->widget);
+    ASSERT_TRUE(ui::LiveWindow(window) && window->widget);
     QTest::mouseClick(HandheldDisplay()->windowHandle(), Qt::RightButton, {}, OnDisplay(window, clientPoint));
     Settle();
 }
 
 void Stylus::TapTitleButton() {
-    auto* button = HandheldDisplay()->findChild<TitleBarButton*>();
+    auto* button = HandheldDisplay()->findChild<ui::TitleBarButton*>();
     ASSERT_TRUE(button && button->isVisible());
     QTest::mouseClick(HandheldDisplay()->windowHandle(), Qt::LeftButton, {},
                       button->mapTo(HandheldDisplay(), button->rect().center()));
@@ -146,13 +146,13 @@ void Stylus::TapTitleButton() {
 }
 
 void Stylus::Key(Qt::Key key, Qt::KeyboardModifiers modifiers) {
-    PumpHost(false); // the focus is where it belongs
+    ui::PumpHost(false); // the focus is where it belongs
     QTest::keyClick(HandheldDisplay()->windowHandle(), key, modifiers);
     Settle();
 }
 
 void Stylus::Type(const std::u16string& text) {
-    PumpHost(false);
+    ui::PumpHost(false);
     for (const QChar& character : QString::fromStdU16String(text)) {
         QWidget* focus = QApplication::focusWidget() ? QApplication::focusWidget() : HandheldDisplay();
         QTest::sendKeyEvent(QTest::Click, focus, Qt::Key_unknown, QString(character), Qt::NoModifier);
@@ -164,7 +164,7 @@ void Stylus::Type(const std::u16string& text) {
 QPoint Stylus::RowPoint(HWND list, const std::u16string& text) {
     const std::vector<std::u16string> rows = ColumnTexts(list, 0);
     const auto found = std::find(rows.begin(), rows.end(), text);
-    auto* widget = dynamic_cast<ListWidget*>(list->widget.data());
+    auto* widget = dynamic_cast<ui::ListWidget*>(list->widget.data());
     if (found == rows.end() || !widget) {
         ADD_FAILURE() << "no row " << ToUtf8(text);
         return {};
@@ -172,7 +172,7 @@ QPoint Stylus::RowPoint(HWND list, const std::u16string& text) {
     const int row = static_cast<int>(found - rows.begin());
     ListView_EnsureVisible(list, row);
     Settle();
-    return LayOutCell(*widget, widget->CellRect(row), row, 0).label.center();
+    return ui::LayOutCell(*widget, widget->CellRect(row), row, 0).label.center();
 }
 
 void Stylus::TapRow(HWND list, const std::u16string& text) {
@@ -190,12 +190,12 @@ void Stylus::TapHeader(HWND list, const std::u16string& title) {
 }
 
 void Stylus::ChooseFromBar(HWND window, const std::u16string& path) {
-    const HWND bar = GetDlgItem(window, kMenuBarId);
-    auto* widget = bar ? qobject_cast<MenuBarWidget*>(bar->widget) : nullptr;
+    const HWND bar = GetDlgItem(window, ui::kMenuBarId);
+    auto* widget = bar ? qobject_cast<ui::MenuBarWidget*>(bar->widget) : nullptr;
     ASSERT_TRUE(widget) << "no menu bar";
     const std::size_t slash = path.find(u'/');
     const std::u16string name = path.substr(0, slash);
-    for (BarButton* button : widget->Buttons()) {
+    for (ui::BarButton* button : widget->Buttons()) {
         if (button->accessibleName().toStdU16String() != name)
             continue;
         if (slash != std::u16string::npos)
@@ -256,7 +256,7 @@ bool Stylus::WaitFor(const std::function<bool()>& condition, const char* what) {
         }
         QTimer wakeUp; // waiting ends without any event, too
         wakeUp.start(5);
-        PumpHost(true);
+        ui::PumpHost(true);
         Settle();
     }
     return true;
@@ -267,14 +267,14 @@ void Stylus::Settle() {
         return YieldScript();
     MSG message;
     for (int idle = 0; idle < 2; ++idle) {
-        PumpHost(false);
+        ui::PumpHost(false);
         while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
             idle = 0;
             if (message.message == WM_QUIT) {
                 PostQuitMessage(static_cast<int>(message.wParam)); // for the program's own loop
                 return;
             }
-            const HWND top = TopLevelOf(message.hwnd);
+            const HWND top = ui::TopLevelOf(message.hwnd);
             if (!top || !top->dialog || !IsDialogMessageW(top, &message))
                 DispatchMessageW(&message);
         }

@@ -87,10 +87,10 @@ private:
 
     void ExpectMenuFirst(const std::u16string& item);
     bool Take(Kind kind, const std::function<bool(const Expected&)>& fits, Expected& taken);
-    void BoxOpened(const MessageBoxSeen& box);
-    void DialogOpened(const DialogSeen& dialog);
+    void BoxOpened(const ui::MessageBoxSeen& box);
+    void DialogOpened(const ui::DialogSeen& dialog);
     void MenuOpened(QMenu* menu);
-    void PickerOpened(const PickerSeen& picker);
+    void PickerOpened(const ui::PickerSeen& picker);
     void ChooseItem(QMenu* menu, const std::u16string& item);
     void FinishPicker(QWidget* picker, const std::u16string& name);
     void Answer(std::function<void()> act);

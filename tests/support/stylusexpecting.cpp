@@ -81,30 +81,30 @@ std::string Stylus::Waiting() const {
            std::to_string(next.number);
 }
 
-void Stylus::BoxOpened(const MessageBoxSeen& box) {
+void Stylus::BoxOpened(const ui::MessageBoxSeen& box) {
     Expected taken;
     const HWND window = box.window;
     if (Take(
             Kind::Box, [&](const Expected& next) { return next.text == box.text; }, taken)) {
         EXPECT_TRUE(GetDlgItem(window, taken.number)) << "no such answer: " << taken.number;
         Answer([this, window, answer = taken.number] {
-            if (LiveWindow(window))
+            if (ui::LiveWindow(window))
                 Tap(window, answer);
         });
         return;
     }
     ADD_FAILURE() << "unexpected message box: " << ToUtf8(box.text) << "; expected was " << Waiting();
-    StartScript([] { AnswerMessageBox(IDCANCEL); });
+    StartScript([] { ui::AnswerMessageBox(IDCANCEL); });
 }
 
-void Stylus::DialogOpened(const DialogSeen& dialog) {
+void Stylus::DialogOpened(const ui::DialogSeen& dialog) {
     Expected taken;
     const HWND window = dialog.window;
     if (Take(
             Kind::Dialog,
             [&](const Expected& next) { return IsTemplate(dialog.dialogTemplate, next.number); }, taken)) {
         Answer([window, act = taken.act] {
-            if (LiveWindow(window) && act)
+            if (ui::LiveWindow(window) && act)
                 act(window);
             else
                 PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
@@ -161,7 +161,7 @@ void Stylus::ChooseItem(QMenu* menu, const std::u16string& item) {
     QTest::mouseClick(shown, Qt::LeftButton, {}, shown->actionGeometry(action).center());
 }
 
-void Stylus::PickerOpened(const PickerSeen& picker) {
+void Stylus::PickerOpened(const ui::PickerSeen& picker) {
     Expected taken;
     const QPointer<QWidget> shown(picker.widget);
     if (Take(

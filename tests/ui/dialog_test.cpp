@@ -40,7 +40,7 @@ class Dialogs : public WindowTest {
 protected:
     void SetUp() override {
         WindowTest::SetUp();
-        TestHooks() = {}; // the tests answer by themselves, from beside the loops
+        ui::TestHooks() = {}; // the tests answer by themselves, from beside the loops
         edit = Add(u"EDIT", u"", 0, 1);
         Focus(edit);
         endAtInit = 0;
@@ -61,13 +61,13 @@ protected:
         const auto program = [&] {
             result = DialogBoxIndirectParamW(nullptr, builder.Get(), main, DialogProcedure, 42);
         };
-        stylus.Beside(program, [&steps] { steps(ActiveTopLevel()); });
+        stylus.Beside(program, [&steps] { steps(ui::ActiveTopLevel()); });
         return result;
     }
     int RunBox(const std::u16string& text, UINT style, std::function<void(HWND)> steps) {
         int answer = 0;
         const auto program = [&] { answer = MessageBoxW(main, text.c_str(), u"Caption", style); };
-        stylus.Beside(program, [&steps] { steps(ActiveTopLevel()); });
+        stylus.Beside(program, [&steps] { steps(ui::ActiveTopLevel()); });
         return answer;
     }
 
@@ -117,7 +117,7 @@ TEST_F(Dialogs, EndInEveryWay) {
     destroyAtCommand = true;
     EXPECT_EQ(Run(builder, tapOk), 0);
     EXPECT_EQ(DialogBoxIndirectParamW(nullptr, nullptr, main, DialogProcedure, 0), -1);
-    EXPECT_EQ(ActiveTopLevel(), main);
+    EXPECT_EQ(ui::ActiveTopLevel(), main);
     EXPECT_TRUE(IsWindowEnabled(main));
     const auto destroyOwner = [this](HWND) { DestroyWindow(main); };
     EXPECT_EQ(Run(builder, destroyOwner), 0);
@@ -156,9 +156,9 @@ TEST_F(Dialogs, AnOwnedOneStaysAboveItsOwner) {
         ShowWindow(asked, SW_SHOWNORMAL);
         SetFocus(edit);
         stylus.Settle();
-        EXPECT_EQ(TopLevelWindows(), stack());
-        EXPECT_EQ(ActiveTopLevel(), notice);
-        EXPECT_TRUE(IsInside(GetFocus(), notice));
+        EXPECT_EQ(ui::TopLevelWindows(), stack());
+        EXPECT_EQ(ui::ActiveTopLevel(), notice);
+        EXPECT_TRUE(ui::IsInside(GetFocus(), notice));
     }
     // Nothing can be typed or tapped beneath.
     stylus.Type(u"x");
@@ -173,7 +173,7 @@ TEST_F(Dialogs, AnOwnedOneStaysAboveItsOwner) {
                   });
     EXPECT_EQ(answer, IDYES);
     ShowWindow(notice, SW_HIDE);
-    EXPECT_EQ(ActiveTopLevel(), progress);
+    EXPECT_EQ(ui::ActiveTopLevel(), progress);
     DestroyWindow(progress);
     EXPECT_FALSE(IsWindow(notice));
     EXPECT_EQ(GetFocus(), edit);
@@ -217,7 +217,7 @@ TEST_F(Dialogs, FullScreenOnesFollowTheScreen) {
         const auto placeOf = [dialog](int id) {
             const WindowObject& control = *GetDlgItem(dialog, id);
             const QWidget* widget = control.widget;
-            return QRect(widget->mapTo(ScreenArea(), QPoint(0, 0)), widget->size());
+            return QRect(widget->mapTo(ui::ScreenArea(), QPoint(0, 0)), widget->size());
         };
         const QRect editor = placeOf(21);
         const int margin = 480 - editor.right();
@@ -231,7 +231,7 @@ TEST_F(Dialogs, FullScreenOnesFollowTheScreen) {
         stylus.Resize(240, 300);
         for (const int id : {22, static_cast<int>(IDOK)}) {
             SetFocus(GetDlgItem(dialog, id));
-            EXPECT_TRUE(ScreenArea()->rect().contains(placeOf(id))) << id;
+            EXPECT_TRUE(ui::ScreenArea()->rect().contains(placeOf(id))) << id;
         }
         stylus.Resize(480, 640);
         EXPECT_EQ(placeOf(21), editor);
@@ -287,23 +287,23 @@ TEST_F(Dialogs, BoxesFitTheScreenWhateverTheirText) {
                 [&](HWND box) {
                     const QSize& size = box->topLevel->cardSize;
                     const QSize wanted = size;
-                    EXPECT_LE(wanted.width(), ScreenArea()->width());
-                    EXPECT_LE(wanted.height(), ScreenArea()->height());
+                    EXPECT_LE(wanted.width(), ui::ScreenArea()->width());
+                    EXPECT_LE(wanted.height(), ui::ScreenArea()->height());
                     EXPECT_GT(wanted.height(), 140);                // more than a few lines
                     stylus.Resize(screen.height(), screen.width()); // turned while the box is open
-                    EXPECT_LE(size.height(), ScreenArea()->height());
+                    EXPECT_LE(size.height(), ui::ScreenArea()->height());
                     stylus.Resize(300, 640);
                     EXPECT_LT(size.width(), wanted.width());
                     stylus.Resize(screen.width(), screen.height());
                     EXPECT_EQ(size, wanted);
-                    AnswerMessageBox(IDOK); // wherever its button stands
+                    ui::AnswerMessageBox(IDOK); // wherever its button stands
                 });
         }
     }
 }
 
 TEST_F(Dialogs, WithoutADisplayNothingWaits) {
-    SetNoDisplay(true);
+    ui::SetNoDisplay(true);
     testing::internal::CaptureStderr();
     for (const UINT style : {MB_OK, MB_YESNO, MB_YESNOCANCEL, MB_ABORTRETRYIGNORE})
         EXPECT_EQ(MessageBoxW(nullptr, u"Two\r\nlines", u"Caption", style), 0);
@@ -317,7 +317,7 @@ TEST_F(Dialogs, WithoutADisplayNothingWaits) {
     info.nMaxFile = MAX_PATH;
     EXPECT_FALSE(GetSaveFileNameW(&info));
     const std::string printed = testing::internal::GetCapturedStderr();
-    SetNoDisplay(false);
+    ui::SetNoDisplay(false);
     EXPECT_EQ(printed, "Caption: Two lines\n"
                        "Caption: Two lines (nobody to ask: No)\n"
                        "Caption: Two lines (nobody to ask: Cancel)\n"

@@ -35,7 +35,7 @@ protected:
             .Add(u"BUTTON", u"&Apply", BS_PUSHBUTTON | WS_TABSTOP | WS_GROUP, kApply, 7, 120)
             .Add(u"BUTTON", u"OK", BS_DEFPUSHBUTTON | WS_TABSTOP, IDOK, 70, 120)
             .Add(u"BUTTON", u"Cancel", BS_PUSHBUTTON | WS_TABSTOP, IDCANCEL, 130, 120);
-        TestHooks().dialog = nullptr;
+        ui::TestHooks().dialog = nullptr;
         dialog = CreateDialogIndirectParamW(nullptr, builder.Get(), nullptr, Procedure, 0);
         ASSERT_TRUE(dialog);
         ShowWindow(GetDlgItem(dialog, kHidden), SW_HIDE);

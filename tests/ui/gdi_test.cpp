@@ -12,7 +12,7 @@ constexpr COLORREF kRed = RGB(255, 0, 0);
 
 struct Canvas {
     explicit Canvas(int width = 100, int height = 40) : image(width, height, QImage::Format_RGB32) {
-        EnsureWindowSystem();
+        ui::EnsureWindowSystem();
         image.fill(Qt::white);
         painter.begin(&image);
         context.emplace(painter);
@@ -29,7 +29,7 @@ struct Canvas {
     }
     QImage image;
     QPainter painter;
-    std::optional<PainterContext> context;
+    std::optional<ui::PainterContext> context;
 };
 
 } // namespace
@@ -42,17 +42,17 @@ TEST(Gdi, FontsAreDescriptionsUntilTheyAreUsed) {
     description.lfWeight = FW_BOLD;
     const HFONT bold = CreateFontIndirectW(&description);
 
-    EnsureWindowSystem();
-    EXPECT_TRUE(FontOf(bold).bold());
-    EXPECT_FALSE(FontOf(nullptr).bold());
-    EXPECT_EQ(FontOf(bold).pointSizeF(), FontOf(nullptr).pointSizeF());
+    ui::EnsureWindowSystem();
+    EXPECT_TRUE(ui::FontOf(bold).bold());
+    EXPECT_FALSE(ui::FontOf(nullptr).bold());
+    EXPECT_EQ(ui::FontOf(bold).pointSizeF(), ui::FontOf(nullptr).pointSizeF());
     description.lfHeight = -20;
     const HFONT tall = CreateFontIndirectW(&description);
-    EXPECT_EQ(FontOf(tall).pixelSize(), 20);
+    EXPECT_EQ(ui::FontOf(tall).pixelSize(), 20);
 
     EXPECT_TRUE(DeleteObject(bold));
     EXPECT_FALSE(DeleteObject(bold));
-    EXPECT_FALSE(FontOf(bold).bold());
+    EXPECT_FALSE(ui::FontOf(bold).bold());
     EXPECT_TRUE(DeleteObject(GetStockObject(SYSTEM_FONT)));
     EXPECT_NE(GetObjectW(GetStockObject(SYSTEM_FONT), sizeof description, &description), 0);
     EXPECT_FALSE(DeleteObject(nullptr));
@@ -66,10 +66,10 @@ TEST(Gdi, ImageListsOutliveTheirDeletionHarmlessly) {
     int height = 0;
     ASSERT_TRUE(ImageList_GetIconSize(list, &width, &height));
     EXPECT_EQ(QSize(width, height), QSize(32, 32));
-    EXPECT_FALSE(ImageListImage(list, 4).isNull());
-    EXPECT_TRUE(ImageListImage(list, 5).isNull());
-    EXPECT_TRUE(ImageListImage(list, -1).isNull());
-    EXPECT_EQ(qAlpha(ImageListImage(list, 0).pixel(0, 0)), 0);
+    EXPECT_FALSE(ui::ImageListImage(list, 4).isNull());
+    EXPECT_TRUE(ui::ImageListImage(list, 5).isNull());
+    EXPECT_TRUE(ui::ImageListImage(list, -1).isNull());
+    EXPECT_EQ(qAlpha(ui::ImageListImage(list, 0).pixel(0, 0)), 0);
 
     Canvas canvas;
     EXPECT_TRUE(ImageList_Draw(list, 0, canvas.Handle(), 10, 4, ILD_NORMAL));
@@ -77,7 +77,7 @@ TEST(Gdi, ImageListsOutliveTheirDeletionHarmlessly) {
     EXPECT_TRUE(QRect(10, 4, 32, 32).contains(canvas.Ink()));
 
     EXPECT_TRUE(DeleteObject(list));
-    EXPECT_TRUE(ImageListImage(list, 0).isNull());
+    EXPECT_TRUE(ui::ImageListImage(list, 0).isNull());
     EXPECT_FALSE(ImageList_Draw(list, 0, canvas.Handle(), 0, 0, ILD_NORMAL));
     EXPECT_EQ(ImageList_LoadImageW(nullptr, MAKEINTRESOURCEW(1), 16, 0, 0, IMAGE_BITMAP, 0), nullptr);
 }

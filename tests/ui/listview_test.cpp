@@ -104,10 +104,10 @@ protected:
     }
 
     static QPoint OnDisplay(HWND window, QPoint point) {
-        return window->widget->mapTo(ScreenArea()->window(), point);
+        return window->widget->mapTo(ui::ScreenArea()->window(), point);
     }
     void TapWith(Qt::KeyboardModifier modifier, QPoint point) {
-        QTest::mouseClick(ScreenArea()->window()->windowHandle(), Qt::LeftButton, modifier,
+        QTest::mouseClick(ui::ScreenArea()->window()->windowHandle(), Qt::LeftButton, modifier,
                           OnDisplay(list, point));
         stylus.Settle();
     }
@@ -303,9 +303,9 @@ TEST_F(ListTest, AMenuOrABarsButtonEndsTheEditFirst) {
     SHInitMainWindow(main);
     SHMENUBARINFO info{sizeof info, main, 0, IDR_MAIN_MENU, nullptr, IDB_MAIN_BUTTONS, 2, nullptr};
     ASSERT_TRUE(SHCreateMenuBar(&info));
-    const auto& buttons = qobject_cast<MenuBarWidget*>(info.hwndMB->widget)->Buttons();
+    const auto& buttons = qobject_cast<ui::MenuBarWidget*>(info.hwndMB->widget)->Buttons();
     const HMENU menu = LoadMenuW(nullptr, MAKEINTRESOURCEW(IDR_LIST_MENU));
-    TestHooks().menu = [this](QMenu* shown) {
+    ui::TestHooks().menu = [this](QMenu* shown) {
         labels.push_back(u"(menu)");
         shown->close();
     };
@@ -313,7 +313,7 @@ TEST_F(ListTest, AMenuOrABarsButtonEndsTheEditFirst) {
     const auto check = [&](const std::function<void()>& choose, bool opensMenu) {
         const std::u16string text = u"new " + Digits(static_cast<int>(expected.size()));
         SetForegroundWindow(main); // this host's popups take the activation with them
-        stylus.WaitFor([] { return ScreenArea()->window()->isActiveWindow(); }, "the active display");
+        stylus.WaitFor([] { return ui::ScreenArea()->window()->isActiveWindow(); }, "the active display");
         stylus.Key(Qt::Key_F2);
         stylus.Type(text);
         commandsAtEdit = -1;
@@ -500,7 +500,7 @@ TEST_F(ListTest, TheHeaderIsAWindowWhoseItemsTheListDraws) {
     Send(header, HDM_SETITEMW, 2, &item);
     ASSERT_TRUE(stylus.WaitFor([] { return !drawn.empty(); }, "drawing"));
     EXPECT_EQ(drawn.back(), (std::pair<UINT, UINT>{2, 0}));
-    QWindow* const display = ScreenArea()->window()->windowHandle();
+    QWindow* const display = ui::ScreenArea()->window()->windowHandle();
     const QPoint point = OnDisplay(header, {300, 10});
     QTest::mousePress(display, Qt::LeftButton, {}, point);
     ASSERT_TRUE(stylus.WaitFor([] { return drawn.back().second == ODS_SELECTED; }, "a pressed item"));

@@ -27,12 +27,12 @@ protected:
             barSizeChanges += reinterpret_cast<NMHDR*>(lParam)->code == MBN_SIZECHANGED;
         return std::nullopt;
     }
-    MenuBarWidget* MakeBar(UINT definition, int bitmap, int images) {
+    ui::MenuBarWidget* MakeBar(UINT definition, int bitmap, int images) {
         SHMENUBARINFO info{sizeof info, main, 0, definition, nullptr, bitmap, images, nullptr};
         if (!SHCreateMenuBar(&info))
             return nullptr;
         bar = info.hwndMB;
-        return qobject_cast<MenuBarWidget*>(bar->widget);
+        return qobject_cast<ui::MenuBarWidget*>(bar->widget);
     }
 
     HWND bar = nullptr;
@@ -45,7 +45,7 @@ protected:
 
 TEST(MenuData, ComesFromTheResource) {
     const HMENU menu = LoadMenuW(nullptr, MAKEINTRESOURCEW(IDR_MAIN_MENU));
-    ASSERT_NE(LiveMenu(menu), nullptr);
+    ASSERT_NE(ui::LiveMenu(menu), nullptr);
     ASSERT_EQ(menu->items.size(), 3u);
     EXPECT_EQ(menu->items[0].text, QStringLiteral("&Edit"));
     const HMENU edit = GetSubMenu(menu, 0);
@@ -69,7 +69,7 @@ TEST(MenuData, StatesAreKeptByCommandAndByPosition) {
     EXPECT_EQ(EnableMenuItem(menu, IDM_COPY, MF_BYCOMMAND | MF_GRAYED), static_cast<int>(MF_ENABLED));
     EXPECT_EQ(EnableMenuItem(GetSubMenu(menu, 0), 2, MF_BYPOSITION | MF_ENABLED),
               static_cast<int>(MF_GRAYED));
-    EXPECT_TRUE(FindMenuItem(menu, IDM_COPY, MF_BYCOMMAND)->enabled);
+    EXPECT_TRUE(ui::FindMenuItem(menu, IDM_COPY, MF_BYCOMMAND)->enabled);
     EXPECT_EQ(EnableMenuItem(menu, 12345, MF_GRAYED), -1);
 
     const auto checkView = [&](UINT view) {
@@ -77,8 +77,8 @@ TEST(MenuData, StatesAreKeptByCommandAndByPosition) {
     };
     EXPECT_TRUE(checkView(IDM_VIEW_LIST));
     EXPECT_TRUE(checkView(IDM_VIEW_LARGE_ICONS));
-    EXPECT_FALSE(FindMenuItem(menu, IDM_VIEW_LIST, MF_BYCOMMAND)->radioChecked);
-    EXPECT_TRUE(FindMenuItem(menu, IDM_VIEW_LARGE_ICONS, MF_BYCOMMAND)->radioChecked);
+    EXPECT_FALSE(ui::FindMenuItem(menu, IDM_VIEW_LIST, MF_BYCOMMAND)->radioChecked);
+    EXPECT_TRUE(ui::FindMenuItem(menu, IDM_VIEW_LARGE_ICONS, MF_BYCOMMAND)->radioChecked);
     EXPECT_FALSE(checkView(12345));
     DestroyMenu(menu);
 }
@@ -87,14 +87,14 @@ TEST(MenuData, BrokenResourcesMakeNoMenu) {
     const HRSRC resource = FindResourceW(nullptr, MAKEINTRESOURCEW(IDR_VIEWER_MENU), RT_MENU);
     const auto* const bytes = static_cast<const std::byte*>(LoadResource(nullptr, resource));
     const std::size_t size = SizeofResource(nullptr, resource);
-    EXPECT_NE(ParseMenu(bytes, size), nullptr);
+    EXPECT_NE(ui::ParseMenu(bytes, size), nullptr);
     for (std::size_t cut = 0; cut < size; ++cut)
-        EXPECT_EQ(ParseMenu(std::vector<std::byte>(bytes, bytes + cut).data(), cut), nullptr) << cut;
+        EXPECT_EQ(ui::ParseMenu(std::vector<std::byte>(bytes, bytes + cut).data(), cut), nullptr) << cut;
     // Popups within popups without end.
     std::vector<WORD> deep(2000, 0);
     for (std::size_t i = 2; i + 1 < deep.size(); i += 2)
         deep[i] = 0x10 | 0x80;
-    EXPECT_EQ(ParseMenu(deep.data(), deep.size() * sizeof(WORD)), nullptr);
+    EXPECT_EQ(ui::ParseMenu(deep.data(), deep.size() * sizeof(WORD)), nullptr);
 }
 
 TEST_F(Menus, ATrackedMenuRunsUntilAChoiceIsPosted) {
@@ -102,7 +102,7 @@ TEST_F(Menus, ATrackedMenuRunsUntilAChoiceIsPosted) {
     const HMENU menu = LoadMenuW(nullptr, MAKEINTRESOURCEW(IDR_LIST_MENU));
     const HMENU popup = GetSubMenu(menu, 0);
     bool copyEnabled = true;
-    TestHooks().menu = [&](QMenu* shown) {
+    ui::TestHooks().menu = [&](QMenu* shown) {
         copyEnabled = ActionOf(shown, QStringLiteral("&Copy"))->isEnabled();
         QTest::mouseClick(shown, Qt::LeftButton, {},
                           shown->actionGeometry(ActionOf(shown, QStringLiteral("&Delete"))).center());
@@ -114,7 +114,7 @@ TEST_F(Menus, ATrackedMenuRunsUntilAChoiceIsPosted) {
     stylus.Settle();
     EXPECT_EQ(commands, (std::vector<Command>{{IDM_DELETE, 0}}));
 
-    TestHooks().menu = [](QMenu* shown) { QTest::keyClick(shown, Qt::Key_Escape); };
+    ui::TestHooks().menu = [](QMenu* shown) { QTest::keyClick(shown, Qt::Key_Escape); };
     EXPECT_TRUE(TrackPopupMenuEx(popup, 0, 100, 100, main, nullptr));
     DestroyMenu(menu);
     EXPECT_FALSE(TrackPopupMenuEx(popup, 0, 100, 100, main, nullptr));
@@ -126,7 +126,7 @@ TEST_F(Menus, APopupShowsEveryMark) {
     const HMENU menu = LoadMenuW(nullptr, MAKEINTRESOURCEW(IDR_MAIN_MENU));
     CheckMenuRadioItem(menu, IDM_VIEW_SMALL_ICONS, IDM_VIEW_LARGE_ICONS, IDM_VIEW_LIST, MF_BYCOMMAND);
     CheckMenuRadioItem(menu, IDM_ARRANGE_BY_NAME, IDM_ARRANGE_BY_DATE, IDM_ARRANGE_BY_SIZE, MF_BYCOMMAND);
-    const std::unique_ptr<QMenu> popup(MakePopup(GetSubMenu(menu, 1), main, 1));
+    const std::unique_ptr<QMenu> popup(ui::MakePopup(GetSubMenu(menu, 1), main, 1));
     QStringList marked;
     for (const QAction* const action : popup->actions())
         if (action->isChecked())
@@ -136,13 +136,13 @@ TEST_F(Menus, APopupShowsEveryMark) {
 }
 
 TEST_F(Menus, TheBarRunsItsButtonsAndPopups) {
-    MenuBarWidget* const widget = MakeBar(IDR_MAIN_MENU, IDB_MAIN_BUTTONS, 2);
+    ui::MenuBarWidget* const widget = MakeBar(IDR_MAIN_MENU, IDB_MAIN_BUTTONS, 2);
     ASSERT_NE(widget, nullptr);
     EXPECT_EQ(SendMessageW(bar, SHCMBM_GETHEIGHT, 0, 0), widget->height());
     const auto menu = reinterpret_cast<HMENU>(SendMessageW(bar, SHCMBM_GETMENU, 0, 0));
     ASSERT_EQ(widget->Buttons().size(), 5u);
-    BarButton* const view = widget->Buttons()[1];
-    BarButton* const deletion = widget->Buttons()[3];
+    ui::BarButton* const view = widget->Buttons()[1];
+    ui::BarButton* const deletion = widget->Buttons()[3];
     EXPECT_EQ(deletion->accessibleName(), QStringLiteral("Delete"));
 
     SendMessageW(bar, TB_ENABLEBUTTON, IDM_DELETE, FALSE);
@@ -152,7 +152,7 @@ TEST_F(Menus, TheBarRunsItsButtonsAndPopups) {
     stylus.Settle();
     EXPECT_EQ(commands, (std::vector<Command>{{IDM_PROPERTIES, 0}}));
 
-    TestHooks().menu = [](QMenu* shown) {
+    ui::TestHooks().menu = [](QMenu* shown) {
         ActionOf(shown, QStringLiteral("&List"))->trigger();
         shown->close();
     };
@@ -162,25 +162,25 @@ TEST_F(Menus, TheBarRunsItsButtonsAndPopups) {
     EXPECT_EQ(popups, std::vector{GetSubMenu(menu, 1)});
 
     DestroyWindow(bar);
-    EXPECT_EQ(MenuBarOf(main), nullptr);
-    EXPECT_EQ(LiveMenu(menu), nullptr);
+    EXPECT_EQ(ui::MenuBarOf(main), nullptr);
+    EXPECT_EQ(ui::LiveMenu(menu), nullptr);
 }
 
 TEST_F(Menus, KeysOpenPopupsAndMoveAlongTheBar) {
-    MenuBarWidget* const widget = MakeBar(IDR_MAIN_MENU, IDB_MAIN_BUTTONS, 2);
+    ui::MenuBarWidget* const widget = MakeBar(IDR_MAIN_MENU, IDB_MAIN_BUTTONS, 2);
     ASSERT_NE(widget, nullptr);
     QString firstItem;
-    TestHooks().menu = [&](QMenu* shown) { firstItem = shown->actions().front()->text(); };
-    EXPECT_TRUE(MenuBarMnemonic(bar, u't'));
+    ui::TestHooks().menu = [&](QMenu* shown) { firstItem = shown->actions().front()->text(); };
+    EXPECT_TRUE(ui::MenuBarMnemonic(bar, u't'));
     EXPECT_TRUE(firstItem.startsWith(QStringLiteral("&Backup")));
     // The arrow leads from the last popup to the first, and Escape away from it.
     QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Right);
     EXPECT_TRUE(firstItem.startsWith(QStringLiteral("&View/Modify")));
     QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
     EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
-    EXPECT_FALSE(MenuBarMnemonic(bar, u'q'));
+    EXPECT_FALSE(ui::MenuBarMnemonic(bar, u'q'));
 
-    EXPECT_TRUE(EnterMenuMode(bar));
+    EXPECT_TRUE(ui::EnterMenuMode(bar));
     SendMessageW(bar, TB_ENABLEBUTTON, IDM_DELETE, FALSE);
     for (int step = 0; step < 3; ++step)
         QTest::keyClick(widget->window(), Qt::Key_Right);
@@ -193,7 +193,7 @@ TEST_F(Menus, KeysOpenPopupsAndMoveAlongTheBar) {
 
 TEST_F(Menus, TheBarWrapsAndSaysSo) {
     stylus.Resize(480, 640);
-    MenuBarWidget* const widget = MakeBar(IDR_VIEWER_MENU, IDB_VIEWER_BUTTONS, 9);
+    ui::MenuBarWidget* const widget = MakeBar(IDR_VIEWER_MENU, IDB_VIEWER_BUTTONS, 9);
     ASSERT_NE(widget, nullptr);
     const auto oneRow = SendMessageW(bar, SHCMBM_GETHEIGHT, 0, 0);
     EXPECT_EQ(widget->Buttons().front()->y(), widget->Buttons().back()->y());
@@ -205,7 +205,7 @@ TEST_F(Menus, TheBarWrapsAndSaysSo) {
     EXPECT_GT(SendMessageW(bar, SHCMBM_GETHEIGHT, 0, 0), oneRow);
     EXPECT_EQ(widget->height(), SendMessageW(bar, SHCMBM_GETHEIGHT, 0, 0));
     EXPECT_EQ(barSizeChanges, 1);
-    for (const BarButton* const button : widget->Buttons())
+    for (const ui::BarButton* const button : widget->Buttons())
         EXPECT_TRUE(widget->rect().contains(button->geometry()));
     stylus.Resize(480, 640);
 

@@ -58,7 +58,7 @@ protected:
         bool rung = false;
         QTimer::singleShot(milliseconds, [&rung] { rung = true; });
         while (!rung)
-            PumpHost(true);
+            ui::PumpHost(true);
     }
 
     HWND edit = nullptr;
@@ -68,7 +68,7 @@ protected:
 
 TEST_F(Messages, PostedOnesAndInputKeepTheirOrder) {
     PostMessageW(main, WM_USER, 0, 0);
-    QTest::keyClick(ScreenArea()->window()->windowHandle(), Qt::Key_A);
+    QTest::keyClick(ui::ScreenArea()->window()->windowHandle(), Qt::Key_A);
     PostMessageW(edit, WM_USER + 1, 0, 0);
     PostQuitMessage(7);
     PostMessageW(main, WM_USER + 2, 0, 0);
@@ -95,10 +95,10 @@ TEST_F(Messages, ATimerWaitsInTheQueueOnce) {
     PumpUntilRung(30);
     MSG message;
     ASSERT_TRUE(PeekMessageW(&message, nullptr, WM_TIMER, WM_TIMER, PM_REMOVE));
-    EXPECT_EQ(FindQueued(WM_TIMER, WM_TIMER), nullptr);
+    EXPECT_EQ(ui::FindQueued(WM_TIMER, WM_TIMER), nullptr);
     stylus.WaitFor([this] { return timers >= 2; }, "the timer goes on");
     PumpUntilRung(10);
-    ASSERT_TRUE(FindQueued(WM_TIMER, WM_TIMER));
+    ASSERT_TRUE(ui::FindQueued(WM_TIMER, WM_TIMER));
     KillTimer(main, 5);
     EXPECT_TRUE(Queued().empty()); // not even what had fired already
     EXPECT_FALSE(KillTimer(main, 5));
@@ -141,7 +141,7 @@ TEST_F(Messages, AcceleratorsNeedTheirModifiersAndNoMenu) {
     ASSERT_TRUE(SHCreateMenuBar(&bar));
     const auto menu = reinterpret_cast<HMENU>(SendMessageW(bar.hwndMB, SHCMBM_GETMENU, 0, 0));
     EnableMenuItem(menu, IDM_DELETE, MF_BYCOMMAND | MF_GRAYED);
-    QWindow* const display = ScreenArea()->window()->windowHandle();
+    QWindow* const display = ui::ScreenArea()->window()->windowHandle();
     const auto translated = [&](Qt::Key key, Qt::KeyboardModifiers modifiers) {
         QTest::keyPress(display, key, modifiers);
         bool result = false;
@@ -168,7 +168,7 @@ TEST_F(Messages, AHoldIsToldFromATap) {
     EXPECT_EQ(gesture, GN_CONTEXTMENU);
     EXPECT_GT(timers, 0); // time goes on meanwhile
     gesture = 1;
-    QWindow* display = ScreenArea()->window()->windowHandle();
+    QWindow* display = ui::ScreenArea()->window()->windowHandle();
     QTest::mousePress(display, Qt::LeftButton, {}, QPoint(300, 300));
     QTest::mouseMove(display, QPoint(330, 300));
     stylus.Settle();

@@ -24,11 +24,11 @@ protected:
         std::filesystem::create_directories(documents + "/Old");
         std::ofstream(documents + "/all.bkp") << "archive";
     }
-    void TearDown() override { TestHooks() = {}; }
+    void TearDown() override { ui::TestHooks() = {}; }
 
     // What the picker's user does once it is there.
     void WhenShown(std::function<void(QWidget*)> act) {
-        TestHooks().picker = [act = std::move(act)](const PickerSeen& picker) { act(picker.widget); };
+        ui::TestHooks().picker = [act = std::move(act)](const ui::PickerSeen& picker) { act(picker.widget); };
     }
     static void Type(QWidget* picker, const QString& name) {
         auto* const edit = picker->findChild<QLineEdit*>(QStringLiteral("pickerName"));

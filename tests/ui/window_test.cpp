@@ -65,7 +65,7 @@ TEST_F(Windows, AreRefusedWhereTheyCannotLive) {
     createResult = -1;
     EXPECT_EQ(Top(u"Refused"), nullptr);
     EXPECT_EQ(seen.back().message, WM_DESTROY);
-    EXPECT_EQ(TopLevelWindows(), std::vector<HWND>{main});
+    EXPECT_EQ(ui::TopLevelWindows(), std::vector<HWND>{main});
 }
 
 TEST_F(Windows, ExtraBytesAreReachedWithinTheirBounds) {
@@ -162,7 +162,7 @@ TEST_F(Windows, TheFocusComesBackToTheChildThatHadIt) {
     stylus.Tap(first, QPoint(20, 10));
     EXPECT_EQ(GetFocus(), first);
     DestroyWindow(first);
-    EXPECT_TRUE(IsInside(GetFocus(), main)); // somebody has it
+    EXPECT_TRUE(ui::IsInside(GetFocus(), main)); // somebody has it
 }
 
 TEST_F(Windows, TheDisplayTellsOfItsSizeAndThenOfItsOrientation) {
@@ -188,7 +188,7 @@ TEST_F(Windows, TheDisplayTellsOfItsSizeAndThenOfItsOrientation) {
 // Two texts in quick succession, and no message retrieved after them: each is seen at once.
 TEST_F(Windows, WhatIsSetIsOnTheDisplayWhenItHasBeenUpdated) {
     const HWND line = Add(u"STATIC", u"", SS_LEFT, 1, {0, 0, 400, 40});
-    QWidget* const display = ScreenArea()->window();
+    QWidget* const display = ui::ScreenArea()->window();
     const auto shown = [display] {
         return QGuiApplication::primaryScreen()->grabWindow(display->winId()).toImage();
     };
@@ -203,15 +203,15 @@ TEST_F(Windows, WhatIsSetIsOnTheDisplayWhenItHasBeenUpdated) {
 }
 
 TEST_F(Windows, TheTitleBarSpeaksForTheActiveOne) {
-    EXPECT_EQ(ScreenArea()->window()->windowTitle(), QStringLiteral("Main"));
+    EXPECT_EQ(ui::ScreenArea()->window()->windowTitle(), QStringLiteral("Main"));
     SHInitMainWindow(main);
     seen.clear();
     stylus.TapTitleButton();
     EXPECT_EQ(seen.back(), (Seen{main, WM_CLOSE, 0}));
-    ScreenArea()->window()->close(); // as the host's window manager does
+    ui::ScreenArea()->window()->close(); // as the host's window manager does
     stylus.Settle();
     EXPECT_EQ(seen.size(), 2u);
-    EXPECT_TRUE(ScreenArea()->isVisible());
+    EXPECT_TRUE(ui::ScreenArea()->isVisible());
 
     const HWND dialog = Top(u"Dialog", main);
     SHINITDLGINFO info{SHIDIM_FLAGS, dialog, SHIDIF_DONEBUTTON | SHIDIF_SIZEDLGFULLSCREEN};
@@ -231,8 +231,8 @@ TEST_F(Windows, IconsComeInTheSizeAskedFor) {
     const HICON small = LoadImageW(nullptr, MAKEINTRESOURCEW(IDI_MAIN), IMAGE_ICON, 16, 16, 0);
     const HICON large = LoadImageW(nullptr, MAKEINTRESOURCEW(IDI_MAIN), IMAGE_ICON, 32, 32, 0);
     ASSERT_TRUE(small && large);
-    EXPECT_EQ(HostIcon(small).availableSizes().front(), QSize(16, 16));
-    EXPECT_EQ(HostIcon(large).availableSizes().front(), QSize(32, 32));
+    EXPECT_EQ(ui::HostIcon(small).availableSizes().front(), QSize(16, 16));
+    EXPECT_EQ(ui::HostIcon(large).availableSizes().front(), QSize(32, 32));
     EXPECT_EQ(LoadImageW(nullptr, MAKEINTRESOURCEW(9999), IMAGE_ICON, 32, 32, 0), nullptr);
 }
 

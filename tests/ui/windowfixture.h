@@ -35,11 +35,11 @@ protected:
         main = Top(u"Main");
         ASSERT_NE(main, nullptr);
         SetForegroundWindow(main); // another test may have left a window of the host's own there
-        stylus.WaitFor([] { return ScreenArea()->window()->isActiveWindow(); }, "the active display");
+        stylus.WaitFor([] { return ui::ScreenArea()->window()->isActiveWindow(); }, "the active display");
     }
 
     void TearDown() override {
-        for (const HWND window : std::vector<HWND>(TopLevelWindows()))
+        for (const HWND window : std::vector<HWND>(ui::TopLevelWindows()))
             DestroyWindow(window);
         stylus.Settle();
         current = nullptr;

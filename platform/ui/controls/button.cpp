@@ -9,6 +9,8 @@
 #include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/drawing/devicecontext.h"
 
+namespace ui {
+
 namespace {
 
 DWORD KindOf(HWND window) {
@@ -175,3 +177,5 @@ LRESULT ButtonProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 void RegisterButtonClass() {
     RegisterBuiltInClass(u"BUTTON", ButtonProcedure, MakeButton);
 }
+
+} // namespace ui

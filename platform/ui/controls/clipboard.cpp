@@ -12,6 +12,8 @@
 #include "platform/heap.h"
 #include "platform/ui/controls/controlsupport.h"
 
+namespace ui {
+
 namespace {
 
 constexpr UINT kFirstRegistered = 0xC000;
@@ -117,6 +119,10 @@ void* Fetch(UINT format) {
 }
 
 } // namespace
+
+} // namespace ui
+
+using namespace ui;
 
 UINT RegisterClipboardFormatW(const WCHAR* name) {
     const QString wanted = HostText(name);

@@ -11,6 +11,8 @@
 #include "platform/text.h"
 #include "platform/ui/controls/controlsupport.h"
 
+namespace ui {
+
 namespace {
 
 constexpr int kLineUnits = 13; // dialog units, as tall as an edit box
@@ -139,3 +141,5 @@ LRESULT ComboBoxProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lPara
 void RegisterComboBoxClass() {
     RegisterBuiltInClass(u"ComboBox", ComboBoxProcedure, MakeDropList);
 }
+
+} // namespace ui

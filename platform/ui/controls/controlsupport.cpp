@@ -1,5 +1,7 @@
 #include "platform/ui/controls/controlsupport.h"
 
+namespace ui {
+
 QString WithoutMnemonic(const QString& text) {
     QString plain;
     for (qsizetype i = 0; i < text.size(); ++i) {
@@ -28,3 +30,5 @@ void NameAfterLabel(const WindowObject& window, QWidget* widget) {
 void TakeOwnInput(QWidget* widget) {
     widget->setProperty("ownInput", true);
 }
+
+} // namespace ui

@@ -7,6 +7,8 @@
 #include "platform/controls.h"
 #include "platform/ui/core/windowobject.h"
 
+namespace ui {
+
 // What WM_GETDLGCODE answers.
 constexpr LRESULT DLGC_WANTARROWS = 0x0001;
 constexpr LRESULT DLGC_WANTALLKEYS = 0x0004;
@@ -31,3 +33,5 @@ QString WithoutMnemonic(const QString& text);
 void NameAfterLabel(const WindowObject& window, QWidget* widget);
 // Events of this widget and of everything below it go straight to it and never become messages.
 void TakeOwnInput(QWidget* widget);
+
+} // namespace ui

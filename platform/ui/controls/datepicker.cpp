@@ -18,6 +18,8 @@
 #include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/drawing/look.h"
 
+namespace ui {
+
 namespace {
 
 const QDate kFirstDate(1601, 1, 1);
@@ -209,3 +211,5 @@ LRESULT PickerProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 void RegisterDatePickerClass() {
     RegisterBuiltInClass(u"SysDateTimePick32", PickerProcedure, MakePicker);
 }
+
+} // namespace ui

@@ -1,6 +1,8 @@
 // The edit box's messages.
 #include "platform/ui/controls/editbox.h"
 
+namespace ui {
+
 namespace {
 
 QWidget* MakeEdit(WindowObject& window, QWidget* parent) {
@@ -94,3 +96,5 @@ LRESULT EditProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
 void RegisterEditClass() {
     RegisterBuiltInClass(u"EDIT", EditProcedure, MakeEdit);
 }
+
+} // namespace ui

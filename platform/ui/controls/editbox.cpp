@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <limits>
 
+namespace ui {
+
 namespace {
 
 // How a block of the host's document ended in the text that was set, kept as the block's user state: CR LF,
@@ -193,3 +195,5 @@ void TextBox::Select(int start, int end) {
 void TextBox::Edit(UINT message) {
     RunEditCommand(*this, message);
 }
+
+} // namespace ui

@@ -7,6 +7,8 @@
 
 #include "platform/ui/controls/controlsupport.h"
 
+namespace ui {
+
 class EditBox {
 public:
     virtual ~EditBox() = default;
@@ -73,3 +75,5 @@ private:
 
     int commonLineEnd; // of lines that the user adds
 };
+
+} // namespace ui

@@ -9,6 +9,8 @@
 #include "platform/ui/drawing/gdiobjects.h"
 #include "platform/ui/drawing/look.h"
 
+namespace ui {
+
 namespace {
 
 constexpr int kTitleMargin = 6; // pixels on either side
@@ -182,3 +184,5 @@ LRESULT HeaderProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 void RegisterHeaderClass() {
     RegisterBuiltInClass(u"SysHeader32", HeaderProcedure, MakeHeader);
 }
+
+} // namespace ui

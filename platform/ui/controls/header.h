@@ -5,6 +5,8 @@
 
 #include "platform/ui/controls/listwidget.h"
 
+namespace ui {
+
 class HeaderView : public QHeaderView {
 public:
     HeaderView(WindowObject& window, ListWidget& list);
@@ -27,3 +29,5 @@ private:
 };
 
 void RegisterHeaderClass();
+
+} // namespace ui

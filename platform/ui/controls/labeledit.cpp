@@ -8,6 +8,8 @@
 
 #include "platform/ui/controls/listwidget.h"
 
+namespace ui {
+
 namespace {
 
 class LabelEditor : public QLineEdit {
@@ -134,3 +136,5 @@ void ListWidget::timerEvent(QTimerEvent* event) {
     if (alone && model->HasRow(row) && (model->Row(row).state & LVIS_SELECTED))
         EditLabel(row);
 }
+
+} // namespace ui

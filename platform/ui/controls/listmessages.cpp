@@ -5,6 +5,8 @@
 
 #include "platform/ui/controls/listviews.h"
 
+namespace ui {
+
 namespace {
 
 const LVITEMW* ItemIn(LPARAM lParam) {
@@ -188,3 +190,5 @@ ListAnswer ViewMessage(ListWidget& list, UINT message, WPARAM wParam, LPARAM lPa
     }
     return std::nullopt;
 }
+
+} // namespace ui

@@ -5,6 +5,8 @@
 
 #include "platform/ui/controls/listwidget.h"
 
+namespace ui {
+
 using ListAnswer = std::optional<LRESULT>;
 
 ListAnswer RowMessage(ListWidget& list, UINT message, WPARAM wParam, LPARAM lParam);
@@ -13,3 +15,5 @@ ListAnswer ViewMessage(ListWidget& list, UINT message, WPARAM wParam, LPARAM lPa
 
 // Stable; false when the comparison itself changed the rows, which then stay as they are.
 bool SortRows(ListWidget& list, PFNLVCOMPARE compare, LPARAM compareParam);
+
+} // namespace ui

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace ui {
+
 namespace {
 
 constexpr std::size_t kFirstRows = 16;
@@ -179,3 +181,5 @@ void ListModel::Changed(int row, int column) {
     if (!quiet && column < columnCount())
         Q_EMIT dataChanged(index(row, column), index(row, column));
 }
+
+} // namespace ui

@@ -8,6 +8,8 @@
 
 #include "platform/controls.h"
 
+namespace ui {
+
 // The state image of a row with a check box.
 constexpr UINT kUnchecked = 1u << 12;
 constexpr UINT kChecked = 2u << 12;
@@ -82,3 +84,5 @@ private:
     bool detached = false;
     int selectedCount = 0;
 };
+
+} // namespace ui

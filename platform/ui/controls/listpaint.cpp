@@ -9,6 +9,8 @@
 #include "platform/ui/drawing/gdiobjects.h"
 #include "platform/ui/drawing/look.h"
 
+namespace ui {
+
 namespace {
 
 constexpr int kMargin = 4;
@@ -167,3 +169,5 @@ void PaintCell(const ListWidget& list, QPainter& painter, const QRect& cell, int
     PaintLabel(painter, list, layout.label.adjusted(kMargin, 0, -kMargin, 0), list.model->Text(row, column),
                right ? Qt::AlignRight : Qt::AlignLeft);
 }
+
+} // namespace ui

@@ -6,6 +6,8 @@
 
 #include "platform/ui/controls/listwidget.h"
 
+namespace ui {
+
 namespace {
 
 constexpr UINT kViewStates = LVIS_SELECTED | LVIS_FOCUSED;
@@ -143,3 +145,5 @@ bool ListWidget::ToggleFocusedCheck() {
     StoreState(row, model->Row(row).state ^ (kUnchecked | kChecked));
     return true;
 }
+
+} // namespace ui

@@ -2,6 +2,8 @@
 
 #include "platform/ui/controls/listmessages.h"
 
+namespace ui {
+
 namespace {
 
 struct SortedRow {
@@ -44,3 +46,5 @@ bool SortRows(ListWidget& list, PFNLVCOMPARE compare, LPARAM compareParam) {
         list.ShowRows(top);
     return true;
 }
+
+} // namespace ui

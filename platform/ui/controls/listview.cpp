@@ -5,6 +5,8 @@
 #include "platform/ui/controls/header.h"
 #include "platform/ui/controls/listmessages.h"
 
+namespace ui {
+
 namespace {
 
 constexpr UINT kFirstListMessage = 0x1000;
@@ -125,3 +127,5 @@ void RegisterListViewClass() {
     RegisterHeaderClass();
     RegisterBuiltInClass(u"SysListView32", ListProcedure, MakeList);
 }
+
+} // namespace ui

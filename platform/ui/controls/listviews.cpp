@@ -9,6 +9,8 @@
 
 #include "platform/ui/drawing/gdiobjects.h"
 
+namespace ui {
+
 namespace {
 
 class CellDelegate : public QStyledItemDelegate {
@@ -121,3 +123,5 @@ void IconsView::doItemsLayout() {
     }
     QListView::doItemsLayout();
 }
+
+} // namespace ui

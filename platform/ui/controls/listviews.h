@@ -6,6 +6,8 @@
 
 #include "platform/ui/controls/listwidget.h"
 
+namespace ui {
+
 class DetailsView : public QTreeView {
 public:
     explicit DetailsView(ListWidget& list);
@@ -31,3 +33,5 @@ public:
 private:
     ListWidget& list;
 };
+
+} // namespace ui

@@ -9,6 +9,8 @@
 #include "platform/ui/drawing/gdiobjects.h"
 #include "platform/ui/drawing/look.h"
 
+namespace ui {
+
 ListWidget::ListWidget(WindowObject& window, QWidget* parent)
     : QWidget(parent), handle(&window), model(new ListModel(this)),
       selection(new QItemSelectionModel(model, this)), details(new DetailsView(*this)),
@@ -180,3 +182,5 @@ void ListWidget::paintEvent(QPaintEvent*) {
     painter.setPen(look::kLine);
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
+
+} // namespace ui

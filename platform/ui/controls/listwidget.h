@@ -10,9 +10,12 @@
 #include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/controls/listmodel.h"
 
+class QAbstractItemView;
+
+namespace ui {
+
 class DetailsView;
 class IconsView;
-class QAbstractItemView;
 
 class ListWidget : public QWidget {
 public:
@@ -104,3 +107,5 @@ int ContentsWidth(const ListWidget& list, int column);
 // The details view's stripes and whole-row selection; it comes before the row's cells.
 void PaintRowBackground(const ListWidget& list, QPainter& painter, const QRect& rect, int row);
 void PaintCell(const ListWidget& list, QPainter& painter, const QRect& cell, int row, int column);
+
+} // namespace ui

@@ -7,6 +7,8 @@
 #include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/drawing/look.h"
 
+namespace ui {
+
 namespace {
 
 class ProgressBar : public QProgressBar {
@@ -84,3 +86,5 @@ LRESULT ProgressProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lPara
 void RegisterProgressClass() {
     RegisterBuiltInClass(u"msctls_progress32", ProgressProcedure, MakeProgress);
 }
+
+} // namespace ui

@@ -4,6 +4,8 @@
 
 #include "platform/ui/controls/controlsupport.h"
 
+namespace ui {
+
 namespace {
 
 class StaticText : public QLabel {
@@ -61,3 +63,5 @@ LRESULT StaticProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 void RegisterStaticClass() {
     RegisterBuiltInClass(u"STATIC", StaticProcedure, MakeStatic);
 }
+
+} // namespace ui

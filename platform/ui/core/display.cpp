@@ -6,6 +6,8 @@
 
 #include "platform/ui/core/windowobject.h"
 
+namespace ui {
+
 namespace {
 
 std::optional<bool>& Settled() {
@@ -30,3 +32,5 @@ bool ShowsNothing(const QString& platform) {
     static const QStringList names{"offscreen", "minimal", "minimalegl"};
     return names.contains(platform);
 }
+
+} // namespace ui

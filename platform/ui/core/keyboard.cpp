@@ -3,6 +3,8 @@
 #include <QKeyEvent>
 #include <array>
 
+namespace ui {
+
 namespace {
 
 struct KeyPair {
@@ -75,6 +77,10 @@ void NoteKeys(const QEvent& event) {
     if (key != Qt::Key_Alt)
         keys.altAlone = false;
 }
+
+} // namespace ui
+
+using namespace ui;
 
 std::int16_t GetKeyState(int virtualKey) {
     const Qt::KeyboardModifier modifier = virtualKey == static_cast<int>(VK_SHIFT)     ? Qt::ShiftModifier

@@ -6,6 +6,8 @@
 
 #include "platform/window.h"
 
+namespace ui {
+
 struct KeyboardState {
     Qt::KeyboardModifiers modifiers;
     bool altAlone = false; // Alt went down and nothing else since
@@ -17,3 +19,5 @@ void NoteKeys(const QEvent& event);
 bool IsLetterOrDigit(WPARAM key); // these have the same number on the host as here
 UINT VirtualKeyOf(int hostKey);   // 0 for keys without one
 int HostKeyOf(UINT virtualKey);   // 0 for unknown ones
+
+} // namespace ui

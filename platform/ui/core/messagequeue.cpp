@@ -9,6 +9,8 @@
 #include "platform/ui/core/keyboard.h"
 #include "platform/ui/core/windowcore.h"
 
+namespace ui {
+
 namespace {
 
 // How often the host handles its events while messages are waiting.
@@ -145,6 +147,36 @@ int DispatchDepth() {
     return TheQueue().depth;
 }
 
+const MSG* CurrentMessage() {
+    const Queue& queue = TheQueue();
+    return queue.dispatching ? &queue.dispatching->message : nullptr;
+}
+
+HostInput* TakeCurrentInput(HWND window, UINT message) {
+    DispatchFrame* frame = TheQueue().dispatching;
+    if (!frame || !frame->input || frame->inputTaken || frame->message.hwnd != window ||
+        frame->message.message != message)
+        return nullptr;
+    frame->inputTaken = true;
+    return frame->input.get();
+}
+
+ReplayScope::ReplayScope(HWND window) : previous(TheQueue().replaying) {
+    TheQueue().replaying = window;
+}
+
+ReplayScope::~ReplayScope() {
+    TheQueue().replaying = previous;
+}
+
+HWND ReplayingWindow() {
+    return TheQueue().replaying;
+}
+
+} // namespace ui
+
+using namespace ui;
+
 BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (window && !LiveWindow(window))
         return FALSE;
@@ -212,30 +244,4 @@ LRESULT DispatchMessageW(const MSG* message) {
     queue.dispatching = frame.outer;
     queue.replaying = replaying;
     return result;
-}
-
-const MSG* CurrentMessage() {
-    const Queue& queue = TheQueue();
-    return queue.dispatching ? &queue.dispatching->message : nullptr;
-}
-
-HostInput* TakeCurrentInput(HWND window, UINT message) {
-    DispatchFrame* frame = TheQueue().dispatching;
-    if (!frame || !frame->input || frame->inputTaken || frame->message.hwnd != window ||
-        frame->message.message != message)
-        return nullptr;
-    frame->inputTaken = true;
-    return frame->input.get();
-}
-
-ReplayScope::ReplayScope(HWND window) : previous(TheQueue().replaying) {
-    TheQueue().replaying = window;
-}
-
-ReplayScope::~ReplayScope() {
-    TheQueue().replaying = previous;
-}
-
-HWND ReplayingWindow() {
-    return TheQueue().replaying;
 }

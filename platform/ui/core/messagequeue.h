@@ -8,6 +8,8 @@
 
 #include "platform/window.h"
 
+namespace ui {
+
 // A host event that became a message, and the widget that it was meant for.
 struct HostInput {
     std::unique_ptr<QEvent> event;
@@ -48,3 +50,5 @@ private:
 };
 // The window whose input is being handed to its widget right now, null for none.
 HWND ReplayingWindow();
+
+} // namespace ui

@@ -4,6 +4,8 @@
 #include "platform/ui/core/testhooks.h"
 #include "platform/ui/core/windowcore.h"
 
+namespace ui {
+
 void RunModal(const bool& done) {
     std::vector<int> quits; // in their order: each is meant for one of the loops around this one
     MSG message;
@@ -31,3 +33,5 @@ ModalHooks& TestHooks() {
     static auto* hooks = new ModalHooks;
     return *hooks;
 }
+
+} // namespace ui

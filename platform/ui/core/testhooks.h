@@ -10,6 +10,8 @@
 class QMenu;
 class QWidget;
 
+namespace ui {
+
 struct MessageBoxSeen {
     std::u16string text;
     std::u16string caption;
@@ -39,3 +41,5 @@ ModalHooks& TestHooks();
 
 // Ends the innermost message box as if that button had been pressed.
 void AnswerMessageBox(int button);
+
+} // namespace ui

@@ -7,6 +7,8 @@
 #include "platform/ui/core/messagequeue.h"
 #include "platform/ui/core/windowcore.h"
 
+namespace ui {
+
 namespace {
 
 using TimerKey = std::pair<HWND, UINT>;
@@ -31,6 +33,20 @@ UINT StartTimer(HWND window, UINT id, DWORD milliseconds) {
 
 } // namespace
 
+void KillTimersOf(HWND window) {
+    auto& timers = Timers();
+    for (auto timer = timers.lower_bound({window, 0});
+         timer != timers.end() && timer->first.first == window;) {
+        const UINT id = timer->first.second;
+        ++timer;
+        KillTimer(window, id);
+    }
+}
+
+} // namespace ui
+
+using namespace ui;
+
 UINT SetTimer(HWND window, UINT id, DWORD milliseconds, void*) {
     if (!LiveWindow(window))
         return 0;
@@ -44,14 +60,4 @@ BOOL KillTimer(HWND window, UINT id) {
     Timers().erase(found);
     DropTimerMessage(window, id);
     return TRUE;
-}
-
-void KillTimersOf(HWND window) {
-    auto& timers = Timers();
-    for (auto timer = timers.lower_bound({window, 0});
-         timer != timers.end() && timer->first.first == window;) {
-        const UINT id = timer->first.second;
-        ++timer;
-        KillTimer(window, id);
-    }
 }

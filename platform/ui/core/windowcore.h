@@ -4,6 +4,8 @@
 
 #include "platform/ui/core/windowobject.h"
 
+namespace ui {
+
 // ---- registry ----
 const WindowClass* FindWindowClass(const WCHAR* name);
 // Takes the object; its handle lives until ForgetWindow.
@@ -82,3 +84,5 @@ void EndDialogLoop(DialogData& data);
 // ---- built-in classes of the core ----
 inline const WCHAR* const kDialogClass = u"Dialog";
 void RegisterDialogClass();
+
+} // namespace ui

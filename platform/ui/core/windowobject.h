@@ -13,6 +13,8 @@
 
 #include "platform/dialog.h"
 
+namespace ui {
+
 // A host widget for a new window of a built-in class, already a child of `parentWidget`; the window object's
 // style, id and text are set. Null for a class that the program registered: the platform makes a plain one.
 using WidgetFactory = QWidget* (*)(WindowObject& window, QWidget* parentWidget);
@@ -72,8 +74,10 @@ struct TopLevelState {
         fitCard; // chooses the card's size for a screen of that size, or null
 };
 
+} // namespace ui
+
 struct WindowObject {
-    const WindowClass* windowClass = nullptr;
+    const ui::WindowClass* windowClass = nullptr;
     WNDPROC procedure = nullptr;
     HWND parent = nullptr; // of a child
     HWND owner = nullptr;  // of a top-level window
@@ -87,11 +91,13 @@ struct WindowObject {
     HICON icon = nullptr;
     QPointer<QWidget> widget;   // its client area; for the built-in classes the control itself
     std::vector<HWND> children; // in creation order, which is the Tab order
-    std::unique_ptr<TopLevelState> topLevel;
-    std::shared_ptr<DialogData> dialog;    // dialogs only
-    std::unique_ptr<ControlState> control; // built-in classes only
+    std::unique_ptr<ui::TopLevelState> topLevel;
+    std::shared_ptr<ui::DialogData> dialog;    // dialogs only
+    std::unique_ptr<ui::ControlState> control; // built-in classes only
     bool destroying = false;
 };
+
+namespace ui {
 
 // Starts the host's window system at first use; every window function comes through here.
 void EnsureWindowSystem();
@@ -154,3 +160,5 @@ void LayOutTopLevel(HWND window);
 
 // The id that every menu bar has. In a dialog the bar is above the client area, elsewhere at its top.
 constexpr UINT kMenuBarId = 10005;
+
+} // namespace ui

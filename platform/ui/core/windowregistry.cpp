@@ -7,6 +7,8 @@
 #include "platform/ui/core/messagequeue.h"
 #include "platform/ui/core/windowcore.h"
 
+namespace ui {
+
 namespace {
 
 // How many destroyed windows keep their memory, so that a handle that is still in use reads a dead window.
@@ -55,20 +57,6 @@ int CopyHostText(WCHAR* out, int capacity, const QString& text) {
     return length;
 }
 
-ATOM RegisterClassW(const WNDCLASSW* windowClass) {
-    if (!windowClass || !windowClass->lpszClassName || !windowClass->lpfnWndProc)
-        return 0;
-    auto added = std::make_unique<WindowClass>();
-    added->name = HostText(windowClass->lpszClassName);
-    added->procedure = windowClass->lpfnWndProc;
-    added->extraBytes = std::max(0, windowClass->cbWndExtra);
-    added->style = windowClass->style;
-    added->background = windowClass->hbrBackground;
-    added->icon = windowClass->hIcon;
-    const QString name = added->name;
-    return AddClass(name, std::move(added)) ? ++TheRegistry().lastAtom : 0;
-}
-
 void RegisterBuiltInClass(const char16_t* name, WNDPROC procedure, WidgetFactory makeWidget) {
     auto added = std::make_unique<WindowClass>();
     added->name = HostText(name);
@@ -104,10 +92,6 @@ void ForgetWindow(HWND window) {
 
 WindowObject* LiveWindow(HWND window) {
     return window && TheRegistry().windows.contains(window) ? window : nullptr;
-}
-
-BOOL IsWindow(HWND window) {
-    return LiveWindow(window) != nullptr;
 }
 
 void BindWidget(HWND window, QWidget* widget) {
@@ -162,4 +146,26 @@ void DeleteBuriedWidgets(int dispatchDepth) {
             ++i;
         }
     }
+}
+
+} // namespace ui
+
+using namespace ui;
+
+ATOM RegisterClassW(const WNDCLASSW* windowClass) {
+    if (!windowClass || !windowClass->lpszClassName || !windowClass->lpfnWndProc)
+        return 0;
+    auto added = std::make_unique<WindowClass>();
+    added->name = HostText(windowClass->lpszClassName);
+    added->procedure = windowClass->lpfnWndProc;
+    added->extraBytes = std::max(0, windowClass->cbWndExtra);
+    added->style = windowClass->style;
+    added->background = windowClass->hbrBackground;
+    added->icon = windowClass->hIcon;
+    const QString name = added->name;
+    return AddClass(name, std::move(added)) ? ++TheRegistry().lastAtom : 0;
+}
+
+BOOL IsWindow(HWND window) {
+    return LiveWindow(window) != nullptr;
 }

@@ -4,6 +4,32 @@
 
 #include "platform/ui/core/windowcore.h"
 
+namespace ui {
+
+HWND MenuBarOf(HWND window) {
+    const WindowObject* const top = LiveWindow(TopLevelOf(window));
+    if (!top)
+        return nullptr;
+    const auto bar = std::find_if(top->children.begin(), top->children.end(),
+                                  [](HWND child) { return child->id == kMenuBarId; });
+    return bar == top->children.end() ? nullptr : *bar;
+}
+
+namespace {
+
+// The extra bytes at that offset; null when no value fits there.
+std::byte* ExtraValue(WindowObject& window, int offset) {
+    const bool inside =
+        offset >= 0 && static_cast<std::size_t>(offset) + sizeof(LONG_PTR) <= window.extra.size();
+    return inside ? window.extra.data() + offset : nullptr;
+}
+
+} // namespace
+
+} // namespace ui
+
+using namespace ui;
+
 HWND GetParent(HWND window) {
     const WindowObject* object = LiveWindow(window);
     if (!object)
@@ -35,30 +61,10 @@ HWND GetWindow(HWND window, UINT relation) {
     return nullptr;
 }
 
-HWND MenuBarOf(HWND window) {
-    const WindowObject* const top = LiveWindow(TopLevelOf(window));
-    if (!top)
-        return nullptr;
-    const auto bar = std::find_if(top->children.begin(), top->children.end(),
-                                  [](HWND child) { return child->id == kMenuBarId; });
-    return bar == top->children.end() ? nullptr : *bar;
-}
-
 int GetClassNameW(HWND window, WCHAR* name, int capacity) {
     const WindowObject* object = LiveWindow(window);
     return object ? CopyHostText(name, capacity, object->windowClass->name) : 0;
 }
-
-namespace {
-
-// The extra bytes at that offset; null when no value fits there.
-std::byte* ExtraValue(WindowObject& window, int offset) {
-    const bool inside =
-        offset >= 0 && static_cast<std::size_t>(offset) + sizeof(LONG_PTR) <= window.extra.size();
-    return inside ? window.extra.data() + offset : nullptr;
-}
-
-} // namespace
 
 LONG_PTR GetWindowLongPtrW(HWND window, int index) {
     WindowObject* object = LiveWindow(window);

@@ -16,6 +16,8 @@
 #include "platform/ui/drawing/gdiobjects.h"
 #include "platform/ui/screen/screen.h"
 
+namespace ui {
+
 namespace {
 
 constexpr int kOwnPointSize = 9; // the platform's own font
@@ -171,6 +173,10 @@ LONG_PTR RunUntilEnded(HWND dialog, HWND owner) {
     DestroyWindow(dialog);
     return data->result;
 }
+
+} // namespace ui
+
+using namespace ui;
 
 LONG_PTR DialogBoxIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialogTemplate, HWND owner,
                                  DLGPROC procedure, LPARAM param) {

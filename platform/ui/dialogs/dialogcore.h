@@ -3,6 +3,8 @@
 
 #include "platform/ui/core/windowcore.h"
 
+namespace ui {
+
 // What a window of the dialog class is given to be one.
 std::shared_ptr<DialogData> NewDialogData(DLGPROC procedure, bool modal);
 // Shows a finished dialog and runs it until EndDialog, with the owner's top-level window disabled; destroys
@@ -21,3 +23,5 @@ HWND NextTabStop(HWND dialog, HWND from, bool backwards);
 void FocusByKey(HWND control);
 // The push button that Enter would press looks like it.
 void ShowDefaultButton(HWND dialog);
+
+} // namespace ui

@@ -2,6 +2,8 @@
 #include "platform/controls.h"
 #include "platform/ui/core/windowcore.h"
 
+using namespace ui;
+
 HWND GetDlgItem(HWND dialog, int id) {
     const WindowObject* object = LiveWindow(dialog);
     if (!object)

@@ -6,6 +6,8 @@
 #include "platform/ui/core/keyboard.h"
 #include "platform/ui/dialogs/dialogcore.h"
 
+namespace ui {
+
 namespace {
 
 LRESULT CodeOf(HWND control) {
@@ -211,6 +213,10 @@ void ShowDefaultButton(HWND dialog) {
         if (auto* button = WidgetOf<QPushButton>(child))
             button->setDefault(focusIsIt ? child == focus : child->id == id);
 }
+
+} // namespace ui
+
+using namespace ui;
 
 BOOL IsDialogMessageW(HWND dialog, MSG* message) {
     const WindowObject* object = LiveWindow(dialog);

@@ -8,6 +8,8 @@
 #include "platform/ui/dialogs/dialogcore.h"
 #include "platform/ui/screen/screen.h"
 
+namespace ui {
+
 namespace {
 
 // Shares of the template's width: edges beyond the first follow the right side, those nearer to the middle
@@ -216,3 +218,5 @@ void ScrollByWheel(HWND dialog, int delta) {
     if (QScrollBar* bar = dialog->dialog->scrollBars[1])
         bar->setValue(bar->value() - delta * Scaled(kScrollStep) / kWheelNotch);
 }
+
+} // namespace ui

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+namespace ui {
+
 namespace {
 
 constexpr WORD kNumberMark = 0xFFFF; // before a class or resource that is given by its number
@@ -103,3 +105,5 @@ ParsedTemplate ParseDialogTemplate(const DLGTEMPLATE* dialogTemplate) {
         parsed.items.push_back(ReadItem(reader));
     return parsed;
 }
+
+} // namespace ui

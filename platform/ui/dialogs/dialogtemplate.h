@@ -6,6 +6,8 @@
 
 #include "platform/dialog.h"
 
+namespace ui {
+
 struct TemplateItem {
     std::u16string className;
     std::u16string text;
@@ -27,3 +29,5 @@ struct ParsedTemplate {
 // The plain form of template; the extended one is not used. Templates are compiled with the program, whose
 // own they are.
 ParsedTemplate ParseDialogTemplate(const DLGTEMPLATE* dialogTemplate);
+
+} // namespace ui

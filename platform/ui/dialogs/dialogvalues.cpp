@@ -5,6 +5,8 @@
 #include "platform/dialog.h"
 #include "platform/text.h"
 
+namespace ui {
+
 namespace {
 
 std::u16string TextOfItem(HWND dialog, int id) {
@@ -40,6 +42,10 @@ bool ParseNumber(const std::u16string& text, bool isSigned, UINT* number) {
 }
 
 } // namespace
+
+} // namespace ui
+
+using namespace ui;
 
 UINT GetDlgItemInt(HWND dialog, int id, BOOL* translated, BOOL isSigned) {
     UINT number = 0;

@@ -15,6 +15,8 @@
 #include "platform/ui/dialogs/dialogcore.h"
 #include "platform/ui/screen/screen.h"
 
+namespace ui {
+
 namespace {
 
 // Pixels at 96 to the inch.
@@ -216,6 +218,15 @@ void PrintBox(const QString& text, const WCHAR* caption, UINT style) {
 
 } // namespace
 
+void AnswerMessageBox(int button) {
+    if (!OpenBoxes().empty())
+        EndDialog(OpenBoxes().back(), button);
+}
+
+} // namespace ui
+
+using namespace ui;
+
 int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT style) {
     const HWND stoodBefore = owner ? owner : ActiveTopLevel();
     const HWND box = UnlessOutOfMemory<HWND>(nullptr, [&] {
@@ -231,9 +242,4 @@ int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT style)
     const LONG_PTR answer = RunUntilEnded(box, owner);
     std::erase(OpenBoxes(), box);
     return answer == IDCANCEL ? SafeButton(style).id : static_cast<int>(answer);
-}
-
-void AnswerMessageBox(int button) {
-    if (!OpenBoxes().empty())
-        EndDialog(OpenBoxes().back(), button);
 }

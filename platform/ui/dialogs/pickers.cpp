@@ -12,6 +12,8 @@
 #include "platform/ui/core/windowobject.h"
 #include "platform/ui/dialogs/pickerwidget.h"
 
+namespace ui {
+
 namespace {
 
 const WCHAR* const kPickerClass = u"file_picker";
@@ -112,6 +114,10 @@ BOOL RunPicker(OPENFILENAMEW* info, bool save) {
 }
 
 } // namespace
+
+} // namespace ui
+
+using namespace ui;
 
 BOOL GetOpenFileNameW(OPENFILENAMEW* info) {
     return UnlessOutOfMemory<BOOL>(

@@ -16,6 +16,8 @@
 #include "platform/ui/drawing/gdiobjects.h"
 #include "platform/ui/screen/screen.h"
 
+namespace ui {
+
 namespace {
 
 const QString kDocuments = QStringLiteral("\\My Documents");
@@ -304,3 +306,5 @@ void PickerWidget::FitColumns() {
 void PickerWidget::resizeEvent(QResizeEvent*) {
     FitColumns();
 }
+
+} // namespace ui

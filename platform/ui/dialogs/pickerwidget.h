@@ -9,6 +9,10 @@
 #include <QWidget>
 #include <functional>
 
+class QComboBox;
+
+namespace ui {
+
 struct PickerFilter {
     QString name; // "Backup Files (*.bkp)"
     QStringList patterns;
@@ -60,6 +64,8 @@ private:
     QLabel* folderLabel = nullptr;
     QLabel* problemLabel = nullptr;
     QLineEdit* nameEdit = nullptr;
-    class QComboBox* filterBox = nullptr;
+    QComboBox* filterBox = nullptr;
     QPushButton* acceptButton = nullptr;
 };
+
+} // namespace ui

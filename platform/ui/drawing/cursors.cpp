@@ -17,6 +17,8 @@ struct IconObject {
     QImage image;
 };
 
+namespace ui {
+
 namespace {
 
 CursorObject waitCursor{Qt::WaitCursor};
@@ -86,6 +88,21 @@ HICON LoadIconOfSize(const WCHAR* name, int width) {
 
 } // namespace
 
+void ShowCursorOnHost() {
+    while (QApplication::overrideCursor())
+        QApplication::restoreOverrideCursor();
+    if (currentCursor)
+        QApplication::setOverrideCursor(currentCursor->shape);
+}
+
+QIcon HostIcon(HICON icon) {
+    return icon ? QIcon(QPixmap::fromImage(icon->image)) : QIcon();
+}
+
+} // namespace ui
+
+using namespace ui;
+
 HCURSOR LoadCursorW(HINSTANCE instance, const WCHAR* name) {
     return !instance && name == IDC_WAIT ? &waitCursor : nullptr;
 }
@@ -98,17 +115,6 @@ HCURSOR SetCursor(HCURSOR cursor) {
     return previous;
 }
 
-void ShowCursorOnHost() {
-    while (QApplication::overrideCursor())
-        QApplication::restoreOverrideCursor();
-    if (currentCursor)
-        QApplication::setOverrideCursor(currentCursor->shape);
-}
-
 HICON LoadImageW(HINSTANCE, const WCHAR* name, UINT type, int width, int height, UINT) {
     return type == IMAGE_ICON ? LoadIconOfSize(name, std::max(width, height)) : nullptr;
-}
-
-QIcon HostIcon(HICON icon) {
-    return icon ? QIcon(QPixmap::fromImage(icon->image)) : QIcon();
 }

@@ -7,6 +7,8 @@
 
 #include "platform/ui/core/windowobject.h"
 
+namespace ui {
+
 namespace {
 
 struct PaintTarget {
@@ -71,6 +73,10 @@ void SetPaintTarget(HWND window, QPainter* painter, const QRect& dirty) {
     else
         PaintTargets().erase(window);
 }
+
+} // namespace ui
+
+using namespace ui;
 
 HDC BeginPaint(HWND window, PAINTSTRUCT* paint) {
     const WindowObject* const object = LiveWindow(window);

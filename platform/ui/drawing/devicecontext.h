@@ -11,6 +11,8 @@
 #include "platform/gdi.h"
 #include "platform/ui/drawing/gdiobjects.h"
 
+namespace ui {
+
 // What SaveDC keeps.
 struct DrawingState {
     HFONT font = nullptr; // null: SYSTEM_FONT
@@ -22,12 +24,16 @@ struct DrawingState {
     QPoint position;
 };
 
+} // namespace ui
+
 struct DeviceContext {
     QPainter* painter = nullptr; // lent
     bool memory = false;
-    DrawingState state;
-    std::vector<DrawingState> saved;
+    ui::DrawingState state;
+    std::vector<ui::DrawingState> saved;
 };
+
+namespace ui {
 
 // The live context, or null.
 DeviceContext* LiveContext(HDC dc);
@@ -64,3 +70,5 @@ private:
 // WM_PAINT that a paint event sends, null afterwards. `dirty` becomes rcPaint. Without a target BeginPaint
 // gives a context that only measures.
 void SetPaintTarget(HWND window, QPainter* painter, const QRect& dirty = QRect());
+
+} // namespace ui

@@ -5,6 +5,8 @@
 
 #include "platform/ui/drawing/devicecontext.h"
 
+namespace ui {
+
 namespace {
 
 QRect RectOf(const RECT& rect) {
@@ -30,6 +32,10 @@ const QImage* SelectedImage(const DeviceContext& context) {
 }
 
 } // namespace
+
+} // namespace ui
+
+using namespace ui;
 
 HGDIOBJ SelectObject(HDC dc, HGDIOBJ object) {
     DeviceContext* const context = LiveContext(dc);

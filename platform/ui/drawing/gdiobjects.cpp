@@ -6,6 +6,8 @@
 #include <memory>
 #include <unordered_map>
 
+namespace ui {
+
 namespace {
 
 // Never destroyed: objects may be asked for while the process ends.
@@ -42,6 +44,39 @@ GdiObject* LiveGdiObject(HGDIOBJ object) {
     const auto found = LiveObjects().find(object);
     return found == LiveObjects().end() ? nullptr : found->second.get();
 }
+
+QColor ColourOf(COLORREF colour) {
+    return QColor(static_cast<int>(colour & 0xFF), static_cast<int>(colour >> 8 & 0xFF),
+                  static_cast<int>(colour >> 16 & 0xFF));
+}
+
+QFont FontOf(HFONT font) {
+    const auto* const object = LiveGdiObjectAs<FontObject>(font);
+    const LOGFONTW description = object ? object->description : SystemFontDescription();
+    QFont made = QApplication::font();
+    const auto* const faceEnd =
+        std::find(std::begin(description.lfFaceName), std::end(description.lfFaceName), u'\0');
+    if (faceEnd != description.lfFaceName)
+        made.setFamily(QString::fromUtf16(description.lfFaceName, faceEnd - description.lfFaceName));
+    constexpr LONG kTallest = 1000;
+    if (description.lfHeight != 0)
+        made.setPixelSize(std::abs(std::clamp(description.lfHeight, -kTallest, kTallest)));
+    if (description.lfWeight > 0)
+        made.setWeight(static_cast<QFont::Weight>(std::min<LONG>(description.lfWeight, QFont::Black)));
+    made.setItalic(description.lfItalic != 0);
+    made.setUnderline(description.lfUnderline != 0);
+    made.setStrikeOut(description.lfStrikeOut != 0);
+    return made;
+}
+
+QColor BrushColour(HBRUSH brush) {
+    const auto* const object = LiveGdiObjectAs<BrushObject>(brush);
+    return object ? ColourOf(object->colour) : QColor();
+}
+
+} // namespace ui
+
+using namespace ui;
 
 HGDIOBJ GetStockObject(int index) {
     static const HGDIOBJ font = AddStockObject(SYSTEM_FONT);
@@ -82,33 +117,4 @@ HBRUSH CreateSolidBrush(COLORREF colour) {
     auto* const object = new BrushObject;
     object->colour = colour;
     return AddGdiObject(object);
-}
-
-QColor ColourOf(COLORREF colour) {
-    return QColor(static_cast<int>(colour & 0xFF), static_cast<int>(colour >> 8 & 0xFF),
-                  static_cast<int>(colour >> 16 & 0xFF));
-}
-
-QFont FontOf(HFONT font) {
-    const auto* const object = LiveGdiObjectAs<FontObject>(font);
-    const LOGFONTW description = object ? object->description : SystemFontDescription();
-    QFont made = QApplication::font();
-    const auto* const faceEnd =
-        std::find(std::begin(description.lfFaceName), std::end(description.lfFaceName), u'\0');
-    if (faceEnd != description.lfFaceName)
-        made.setFamily(QString::fromUtf16(description.lfFaceName, faceEnd - description.lfFaceName));
-    constexpr LONG kTallest = 1000;
-    if (description.lfHeight != 0)
-        made.setPixelSize(std::abs(std::clamp(description.lfHeight, -kTallest, kTallest)));
-    if (description.lfWeight > 0)
-        made.setWeight(static_cast<QFont::Weight>(std::min<LONG>(description.lfWeight, QFont::Black)));
-    made.setItalic(description.lfItalic != 0);
-    made.setUnderline(description.lfUnderline != 0);
-    made.setStrikeOut(description.lfStrikeOut != 0);
-    return made;
-}
-
-QColor BrushColour(HBRUSH brush) {
-    const auto* const object = LiveGdiObjectAs<BrushObject>(brush);
-    return object ? ColourOf(object->colour) : QColor();
 }

@@ -28,6 +28,8 @@ struct ImageListObject : GdiObject {
     std::vector<QImage> images;
 };
 
+namespace ui {
+
 // Takes ownership; the handle lives until DeleteObject.
 HGDIOBJ AddGdiObject(GdiObject* object);
 // The live object if it is of that kind, else null.
@@ -50,3 +52,5 @@ QSize ImageListSize(HIMAGELIST list);
 QImage LoadBitmapImage(const WCHAR* bitmap);
 // The strip cut into images `width` wide, with the mask colour transparent; empty when it is absent.
 std::vector<QImage> LoadImageStrip(const WCHAR* bitmap, int width, COLORREF mask);
+
+} // namespace ui

@@ -6,6 +6,8 @@
 #include "platform/ui/drawing/devicecontext.h"
 #include "platform/ui/drawing/gdiobjects.h"
 
+namespace ui {
+
 namespace {
 
 // A bitmap resource is a bitmap file without the file's own 14-byte header.
@@ -64,6 +66,22 @@ std::vector<QImage> LoadImageStrip(const WCHAR* bitmap, int width, COLORREF mask
     return images;
 }
 
+QImage ImageListImage(HIMAGELIST list, int index) {
+    const auto* const object = LiveGdiObjectAs<ImageListObject>(list);
+    if (!object || index < 0 || static_cast<std::size_t>(index) >= object->images.size())
+        return {};
+    return object->images[static_cast<std::size_t>(index)];
+}
+
+QSize ImageListSize(HIMAGELIST list) {
+    const auto* const object = LiveGdiObjectAs<ImageListObject>(list);
+    return object ? object->size : QSize();
+}
+
+} // namespace ui
+
+using namespace ui;
+
 HBITMAP LoadBitmapW(HINSTANCE, const WCHAR* name) {
     QImage image = LoadBitmapImage(name);
     if (image.isNull())
@@ -84,18 +102,6 @@ HIMAGELIST ImageList_LoadImageW(HINSTANCE, const WCHAR* bitmap, int width, int, 
     list->size = images.front().size();
     list->images = std::move(images);
     return AddGdiObject(list);
-}
-
-QImage ImageListImage(HIMAGELIST list, int index) {
-    const auto* const object = LiveGdiObjectAs<ImageListObject>(list);
-    if (!object || index < 0 || static_cast<std::size_t>(index) >= object->images.size())
-        return {};
-    return object->images[static_cast<std::size_t>(index)];
-}
-
-QSize ImageListSize(HIMAGELIST list) {
-    const auto* const object = LiveGdiObjectAs<ImageListObject>(list);
-    return object ? object->size : QSize();
 }
 
 BOOL ImageList_GetIconSize(HIMAGELIST list, int* width, int* height) {

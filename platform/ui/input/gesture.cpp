@@ -8,6 +8,8 @@
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/screen/screen.h"
 
+namespace ui {
+
 namespace {
 
 constexpr int kHoldTime = 500; // milliseconds
@@ -40,6 +42,10 @@ void DispatchTimers() {
 }
 
 } // namespace
+
+} // namespace ui
+
+using namespace ui;
 
 DWORD SHRecognizeGesture(SHRGINFO* info) {
     const MSG* current = CurrentMessage();

@@ -11,6 +11,8 @@
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/screen/screen.h"
 
+namespace ui {
+
 namespace {
 
 constexpr WPARAM kLeftButtonHeld = 0x01;
@@ -254,3 +256,5 @@ bool HandleMenuKey(HWND window, UINT message, WPARAM wParam) {
         return SendMessageW(bar, MBM_ENTERMENUMODE, 0, 0);
     return IsLetterOrDigit(wParam) && SendMessageW(bar, MBM_OPENBYLETTER, wParam, 0);
 }
+
+} // namespace ui

@@ -9,6 +9,8 @@
 #include "platform/storage/watch.h"
 #include "platform/ui/core/windowcore.h"
 
+namespace ui {
+
 namespace {
 
 constexpr int kStorePollInterval = 200; // milliseconds
@@ -41,26 +43,6 @@ ForeignWindow& Foreign() {
 }
 
 } // namespace
-
-HWND FindWindowW(const WCHAR* className, const WCHAR* windowName) {
-    const QString wantedClass = HostText(className);
-    for (HWND window : TopLevelWindows()) {
-        const bool classFits =
-            !className || window->windowClass->name.compare(wantedClass, Qt::CaseInsensitive) == 0;
-        if (classFits && (!windowName || window->text == HostText(windowName)))
-            return window;
-    }
-    const QString folded = wantedClass.toCaseFolded();
-    if (!className || windowName || Claims().contains(folded))
-        return nullptr;
-    Foreign().className = folded.toStdU16String();
-    const WindowClaim claim = ClaimWindow(Foreign().className.c_str());
-    if (claim.taken)
-        return &Foreign().handle;
-    if (claim.listener >= 0)
-        Claims()[folded] = claim.listener;
-    return nullptr;
-}
 
 bool ForegroundElsewhere(HWND window) {
     return window == &Foreign().handle && RequestForeground(Foreign().className.c_str());
@@ -105,4 +87,28 @@ void WatchStore() {
         timer->start(kStorePollInterval);
     else
         timer->stop();
+}
+
+} // namespace ui
+
+using namespace ui;
+
+HWND FindWindowW(const WCHAR* className, const WCHAR* windowName) {
+    const QString wantedClass = HostText(className);
+    for (HWND window : TopLevelWindows()) {
+        const bool classFits =
+            !className || window->windowClass->name.compare(wantedClass, Qt::CaseInsensitive) == 0;
+        if (classFits && (!windowName || window->text == HostText(windowName)))
+            return window;
+    }
+    const QString folded = wantedClass.toCaseFolded();
+    if (!className || windowName || Claims().contains(folded))
+        return nullptr;
+    Foreign().className = folded.toStdU16String();
+    const WindowClaim claim = ClaimWindow(Foreign().className.c_str());
+    if (claim.taken)
+        return &Foreign().handle;
+    if (claim.listener >= 0)
+        Claims()[folded] = claim.listener;
+    return nullptr;
 }

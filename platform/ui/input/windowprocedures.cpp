@@ -4,6 +4,8 @@
 #include "platform/ui/input/inputtranslation.h"
 #include "platform/ui/screen/screen.h"
 
+namespace ui {
+
 namespace {
 
 LRESULT SetText(HWND window, LPARAM lParam) {
@@ -70,28 +72,6 @@ void SetWindowIcon(HWND window, WPARAM wParam, LPARAM lParam) {
 
 } // namespace
 
-LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    LRESULT result = 0;
-    if (!LiveWindow(window) || DefaultProperties(window, message, wParam, lParam, result))
-        return result;
-    switch (message) {
-    case WM_CLOSE:
-        DestroyWindow(window);
-        break;
-    case WM_SETICON:
-        SetWindowIcon(window, wParam, lParam);
-        break;
-    case WM_SYSKEYDOWN:
-    case WM_SYSKEYUP:
-    case WM_KEYUP:
-    case WM_KEYDOWN:
-        if (!HandleHelpKey(window, message, wParam))
-            HandleMenuKey(window, message, wParam);
-        break;
-    }
-    return 0;
-}
-
 LRESULT DefaultControlProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     LRESULT result = 0;
     if (!LiveWindow(window) || DefaultProperties(window, message, wParam, lParam, result))
@@ -121,4 +101,30 @@ void CommandToParent(HWND control, UINT notification) {
         SendMessageW(object->parent, WM_COMMAND,
                      MAKELONG(static_cast<WORD>(object->id), static_cast<WORD>(notification)),
                      reinterpret_cast<LPARAM>(control));
+}
+
+} // namespace ui
+
+using namespace ui;
+
+LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    LRESULT result = 0;
+    if (!LiveWindow(window) || DefaultProperties(window, message, wParam, lParam, result))
+        return result;
+    switch (message) {
+    case WM_CLOSE:
+        DestroyWindow(window);
+        break;
+    case WM_SETICON:
+        SetWindowIcon(window, wParam, lParam);
+        break;
+    case WM_SYSKEYDOWN:
+    case WM_SYSKEYUP:
+    case WM_KEYUP:
+    case WM_KEYDOWN:
+        if (!HandleHelpKey(window, message, wParam))
+            HandleMenuKey(window, message, wParam);
+        break;
+    }
+    return 0;
 }

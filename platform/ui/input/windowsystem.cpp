@@ -12,6 +12,8 @@
 #include "platform/ui/input/inputtranslation.h"
 #include "platform/ui/screen/screen.h"
 
+namespace ui {
+
 namespace {
 
 constexpr double kFontSize = 9; // points
@@ -140,3 +142,5 @@ void EnsureWindowSystem() {
 bool WindowSystemStarted() {
     return started;
 }
+
+} // namespace ui

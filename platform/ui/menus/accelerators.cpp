@@ -18,6 +18,8 @@ struct AcceleratorTable {
     std::vector<Entry> entries;
 };
 
+namespace ui {
+
 namespace {
 
 constexpr WORD kVirtualKey = 0x01; // else a character
@@ -37,6 +39,10 @@ bool Matches(const AcceleratorTable::Entry& entry, WPARAM key) {
 }
 
 } // namespace
+
+} // namespace ui
+
+using namespace ui;
 
 HACCEL LoadAcceleratorsW(HINSTANCE instance, const WCHAR* table) {
     const HRSRC resource = FindResourceW(instance, table, kAcceleratorResource);

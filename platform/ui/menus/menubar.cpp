@@ -8,6 +8,8 @@
 #include "platform/ui/drawing/gdiobjects.h"
 #include "platform/ui/menus/menubarwidget.h"
 
+namespace ui {
+
 namespace {
 
 const WCHAR* const kMenuBarClass = u"menu_worker";
@@ -209,28 +211,6 @@ void RegisterMenuBarClass() {
     RegisterBuiltInClass(kMenuBarClass, MenuBarProcedure, MakeMenuBarWidget);
 }
 
-BOOL SHCreateMenuBar(SHMENUBARINFO* info) {
-    const WindowObject* const parent = info ? LiveWindow(info->hwndParent) : nullptr;
-    if (!parent)
-        return FALSE;
-    DestroyWindow(MenuBarOf(info->hwndParent)); // the new bar takes the place of the old one
-    info->hwndMB = CreateWindowExW(0, kMenuBarClass, u"", WS_CHILD | WS_VISIBLE, 0, 0, 0, 0, info->hwndParent,
-                                   ChildId(kMenuBarId), info->hInstRes, nullptr);
-    MenuBarWidget* const widget = WidgetOf(info->hwndMB);
-    if (!widget)
-        return FALSE;
-    auto state = std::make_unique<MenuBarState>();
-    const bool empty = (info->dwFlags & SHCMBF_EMPTYBAR) != 0;
-    if (!empty && !FillBar(*widget, *state, *info)) {
-        DestroyWindow(info->hwndMB);
-        info->hwndMB = nullptr;
-        return FALSE;
-    }
-    info->hwndMB->control = std::move(state);
-    widget->Fit();
-    return TRUE;
-}
-
 bool MenuBarMnemonic(HWND bar, char16_t letter) {
     MenuBarWidget* const widget = WidgetOf(bar);
     if (!widget)
@@ -253,4 +233,30 @@ bool EnterMenuMode(HWND bar) {
         return false;
     new MenuMode(*widget); // deletes itself
     return true;
+}
+
+} // namespace ui
+
+using namespace ui;
+
+BOOL SHCreateMenuBar(SHMENUBARINFO* info) {
+    const WindowObject* const parent = info ? LiveWindow(info->hwndParent) : nullptr;
+    if (!parent)
+        return FALSE;
+    DestroyWindow(MenuBarOf(info->hwndParent)); // the new bar takes the place of the old one
+    info->hwndMB = CreateWindowExW(0, kMenuBarClass, u"", WS_CHILD | WS_VISIBLE, 0, 0, 0, 0, info->hwndParent,
+                                   ChildId(kMenuBarId), info->hInstRes, nullptr);
+    MenuBarWidget* const widget = WidgetOf(info->hwndMB);
+    if (!widget)
+        return FALSE;
+    auto state = std::make_unique<MenuBarState>();
+    const bool empty = (info->dwFlags & SHCMBF_EMPTYBAR) != 0;
+    if (!empty && !FillBar(*widget, *state, *info)) {
+        DestroyWindow(info->hwndMB);
+        info->hwndMB = nullptr;
+        return FALSE;
+    }
+    info->hwndMB->control = std::move(state);
+    widget->Fit();
+    return TRUE;
 }

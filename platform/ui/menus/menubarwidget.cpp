@@ -12,6 +12,8 @@
 #include "platform/ui/drawing/gdiobjects.h"
 #include "platform/ui/screen/screen.h"
 
+namespace ui {
+
 namespace {
 
 // At 96 dots an inch: large enough for a stylus, and nine pictures beside two popups within 480.
@@ -287,3 +289,5 @@ void MenuBarWidget::paintEvent(QPaintEvent*) {
         before = button;
     }
 }
+
+} // namespace ui

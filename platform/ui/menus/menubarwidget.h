@@ -10,6 +10,8 @@
 
 #include "platform/ui/menus/menus.h"
 
+namespace ui {
+
 // A flat button. Its picture is painted at its own size, paler when disabled.
 class BarButton : public QToolButton {
     Q_OBJECT
@@ -69,3 +71,5 @@ private:
     QPointer<QWidget> watchedParent;
     QPointer<QMenu> openPopup;
 };
+
+} // namespace ui

@@ -2,6 +2,8 @@
 #include "platform/ui/core/windowobject.h"
 #include "platform/ui/menus/menus.h"
 
+using namespace ui;
+
 BOOL ModifyMenuW(HMENU menu, UINT item, UINT flags, WPARAM newCommand, const WCHAR* text) {
     const ItemPosition found = PositionOfItem(menu, item, flags);
     if (!found.menu)

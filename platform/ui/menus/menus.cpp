@@ -7,6 +7,8 @@
 #include "platform/base/outofmemory.h"
 #include "platform/resources.h"
 
+namespace ui {
+
 namespace {
 
 // A menu resource is a header of two words (version, size of what follows the header's words), then the
@@ -97,14 +99,6 @@ void MarkRadioItem(MenuObject& menu, UINT first, UINT last, UINT checked) {
 
 } // namespace
 
-MenuObject::MenuObject() {
-    LiveMenus().insert(this);
-}
-
-MenuObject::~MenuObject() {
-    LiveMenus().erase(this);
-}
-
 MenuObject* LiveMenu(HMENU menu) {
     return LiveMenus().contains(menu) ? menu : nullptr;
 }
@@ -134,6 +128,18 @@ ItemPosition PositionOfItem(HMENU menu, UINT item, UINT flags) {
 MenuItem* FindMenuItem(HMENU menu, UINT item, UINT flags) {
     const ItemPosition found = PositionOfItem(menu, item, flags);
     return found.menu ? &found.menu->items[found.index] : nullptr;
+}
+
+} // namespace ui
+
+using namespace ui;
+
+MenuObject::MenuObject() {
+    LiveMenus().insert(this);
+}
+
+MenuObject::~MenuObject() {
+    LiveMenus().erase(this);
 }
 
 HMENU LoadMenuW(HINSTANCE instance, const WCHAR* name) {

@@ -10,6 +10,8 @@
 #include "platform/menu.h"
 #include "platform/shell.h"
 
+namespace ui {
+
 struct MenuItem {
     UINT id = 0;
     QString text; // "&Copy...\tCtrl+C"; empty for a separator
@@ -19,6 +21,8 @@ struct MenuItem {
     std::unique_ptr<MenuObject> popup;
 };
 
+} // namespace ui
+
 // A menu or a submenu; its handle is live as long as the object is.
 struct MenuObject {
     MenuObject();
@@ -26,8 +30,10 @@ struct MenuObject {
     MenuObject(const MenuObject&) = delete;
     MenuObject& operator=(const MenuObject&) = delete;
 
-    std::vector<MenuItem> items;
+    std::vector<ui::MenuItem> items;
 };
+
+namespace ui {
 
 // The live menu or submenu, or null.
 MenuObject* LiveMenu(HMENU menu);
@@ -52,3 +58,5 @@ QMenu* MakePopup(HMENU menu, HWND owner, int position);
 // until Escape. Both return false when there is nothing to open. The focus stays where it is meanwhile.
 bool MenuBarMnemonic(HWND bar, char16_t letter);
 bool EnterMenuMode(HWND bar);
+
+} // namespace ui

@@ -10,6 +10,8 @@
 #include "platform/ui/menus/menus.h"
 #include "platform/ui/screen/screen.h"
 
+namespace ui {
+
 namespace {
 
 // Items that a stylus can hit.
@@ -77,6 +79,10 @@ QMenu* MakePopup(HMENU menu, HWND owner, int position) {
     });
     return popup;
 }
+
+} // namespace ui
+
+using namespace ui;
 
 BOOL TrackPopupMenuEx(HMENU menu, UINT flags, int x, int y, HWND owner, const void*) {
     EndLabelEdit();

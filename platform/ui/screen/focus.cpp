@@ -4,6 +4,8 @@
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/screen/screen.h"
 
+namespace ui {
+
 namespace {
 
 struct FocusState {
@@ -106,32 +108,6 @@ HWND ActiveTopLevel() {
     return LiveWindow(State().active);
 }
 
-HWND GetFocus() {
-    return LiveWindow(State().focus);
-}
-
-HWND SetFocus(HWND window) {
-    const HWND before = GetFocus();
-    if (!window) {
-        State().focus = nullptr;
-        if (before)
-            SendMessageW(before, WM_KILLFOCUS, 0, 0);
-        return before;
-    }
-    if (window == before || !CanHaveFocus(window))
-        return before;
-    const HWND top = TopLevelOf(window);
-    RememberFocus(window);
-    // A window behind one that it owns gets the focus when that one is closed.
-    if (FrontOfFamily(top) != top)
-        return before;
-    if (!(top->style & WS_VISIBLE) || ChangeActive(top)) {
-        if (CanHaveFocus(window))
-            TakeFocus(window);
-    }
-    return before;
-}
-
 void ActivateTopLevel(HWND window) {
     if (!LiveWindow(window) || !window->topLevel)
         return;
@@ -191,6 +167,36 @@ void HostActivated(bool active) {
 void DropFocusInside(HWND window) {
     if (IsInside(State().focus, window))
         State().focus = nullptr;
+}
+
+} // namespace ui
+
+using namespace ui;
+
+HWND GetFocus() {
+    return LiveWindow(State().focus);
+}
+
+HWND SetFocus(HWND window) {
+    const HWND before = GetFocus();
+    if (!window) {
+        State().focus = nullptr;
+        if (before)
+            SendMessageW(before, WM_KILLFOCUS, 0, 0);
+        return before;
+    }
+    if (window == before || !CanHaveFocus(window))
+        return before;
+    const HWND top = TopLevelOf(window);
+    RememberFocus(window);
+    // A window behind one that it owns gets the focus when that one is closed.
+    if (FrontOfFamily(top) != top)
+        return before;
+    if (!(top->style & WS_VISIBLE) || ChangeActive(top)) {
+        if (CanHaveFocus(window))
+            TakeFocus(window);
+    }
+    return before;
 }
 
 BOOL SetForegroundWindow(HWND window) {

@@ -14,6 +14,8 @@
 #include "platform/ui/drawing/cursors.h"
 #include "platform/ui/screen/titlebar.h"
 
+namespace ui {
+
 namespace {
 
 // Pixels at 96 to the inch.
@@ -201,3 +203,5 @@ void UpdateTitleBar() {
     if (root && !root->text.isEmpty())
         display->setWindowTitle(root->text);
 }
+
+} // namespace ui

@@ -6,6 +6,8 @@
 
 #include "platform/ui/core/windowobject.h"
 
+namespace ui {
+
 // The display's size, title bar included, in pixels. Before the display exists: the size that it will have.
 QSize ScreenSize();
 int TitleBarHeight();
@@ -25,3 +27,5 @@ void RaiseScreen();
 void SetScreenIcon(HICON icon);
 // Made by the start of the window system, shown with its first window.
 void CreateScreen();
+
+} // namespace ui

@@ -14,6 +14,8 @@ struct ITEMIDLIST {
     int folder;
 };
 
+namespace ui {
+
 namespace {
 
 const WCHAR* const kDocumentsFolder = u"\\My Documents";
@@ -23,7 +25,19 @@ struct ShellAllocator final : IMalloc {
     DWORD Release() override { return 1; }
 };
 
+// The folder exists from its first use; on a device that cannot be written it stays missing.
+void MakeDocumentsFolder() {
+    std::string host;
+    std::error_code ignored;
+    if (HostPath(kDocumentsFolder, host))
+        std::filesystem::create_directory(host, ignored);
+}
+
 } // namespace
+
+} // namespace ui
+
+using namespace ui;
 
 BOOL SHInitDialog(SHINITDLGINFO* info) {
     WindowObject* dialog = info ? LiveWindow(info->hDlg) : nullptr;
@@ -58,18 +72,6 @@ std::int32_t SHGetMalloc(IMalloc** allocator) {
     *allocator = &shellAllocator;
     return NOERROR;
 }
-
-namespace {
-
-// The folder exists from its first use; on a device that cannot be written it stays missing.
-void MakeDocumentsFolder() {
-    std::string host;
-    std::error_code ignored;
-    if (HostPath(kDocumentsFolder, host))
-        std::filesystem::create_directory(host, ignored);
-}
-
-} // namespace
 
 std::int32_t SHGetSpecialFolderLocation(HWND, int folder, ITEMIDLIST** location) {
     constexpr std::int32_t kNoSuchFolder = -1;

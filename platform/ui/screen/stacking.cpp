@@ -3,6 +3,8 @@
 
 #include "platform/ui/core/windowcore.h"
 
+namespace ui {
+
 namespace {
 
 bool Shows(HWND window) {
@@ -48,3 +50,5 @@ void HideCoveredFrames() {
         covered = covered || (shows && (*window)->topLevel->fullScreen);
     }
 }
+
+} // namespace ui

@@ -6,6 +6,8 @@
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/screen/screen.h"
 
+namespace ui {
+
 namespace {
 
 // Pixels at 96 to the inch.
@@ -106,3 +108,5 @@ void TitleBar::Tapped() {
     else
         PostMessageW(active, WM_CLOSE, 0, 0);
 }
+
+} // namespace ui

@@ -6,6 +6,8 @@
 
 #include "platform/ui/core/windowobject.h"
 
+namespace ui {
+
 // Round, with "ok" or a cross in it.
 class TitleBarButton : public QAbstractButton {
 public:
@@ -37,3 +39,5 @@ private:
     QIcon picture;
     TitleBarButton* button;
 };
+
+} // namespace ui

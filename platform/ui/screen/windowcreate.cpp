@@ -8,6 +8,8 @@
 #include "platform/ui/drawing/devicecontext.h"
 #include "platform/ui/screen/screen.h"
 
+namespace ui {
+
 namespace {
 
 // The client area of a window that the program paints.
@@ -140,6 +142,10 @@ HWND MakeWindow(const CREATESTRUCTW& create, UINT id) {
 }
 
 } // namespace
+
+} // namespace ui
+
+using namespace ui;
 
 HWND CreateWindowExW(DWORD exStyle, const WCHAR* className, const WCHAR* windowName, DWORD style, int x,
                      int y, int width, int height, HWND parent, HMENU menu, HINSTANCE instance, void* param) {

@@ -3,6 +3,8 @@
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/screen/screen.h"
 
+namespace ui {
+
 namespace {
 
 LPARAM PackSize(const QSize& size) {
@@ -84,6 +86,10 @@ void LayOutScreen() {
     for (HWND window : windows)
         LayOutTopLevel(window);
 }
+
+} // namespace ui
+
+using namespace ui;
 
 BOOL ShowWindow(HWND window, int command) {
     WindowObject* object = LiveWindow(window);
