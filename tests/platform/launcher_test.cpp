@@ -17,6 +17,7 @@
 #include "platform/launcher/arguments.h"
 #include "platform/process.h"
 #include "platform/ui/core/windowobject.h"
+#include "platform/ui/core/windowsystem.h"
 #include "platform/window.h"
 #include "tests/platform/hostsupport.h"
 #include "tests/platform/otherprocess.h"

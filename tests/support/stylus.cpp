@@ -13,8 +13,11 @@
 #include "platform/ui/controls/header.h"
 #include "platform/ui/core/messagequeue.h"
 #include "platform/ui/core/windowcore.h"
+#include "platform/ui/core/windowsystem.h"
 #include "platform/ui/menus/menubarwidget.h"
+#include "platform/ui/screen/screen.h"
 #include "platform/ui/screen/titlebar.h"
+#include "platform/ui/screen/windows.h"
 #include "tests/support/script.h"
 
 namespace {

@@ -5,6 +5,8 @@
 #include "platform/pickers.h"
 #include "platform/shell.h"
 #include "platform/ui/core/display.h"
+#include "platform/ui/screen/screen.h"
+#include "platform/ui/screen/windows.h"
 #include "resources/resource.h"
 #include "tests/ui/templatebuilder.h"
 #include "tests/ui/windowfixture.h"

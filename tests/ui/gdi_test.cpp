@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/ui/core/windowobject.h"
+#include "platform/ui/core/windowsystem.h"
 #include "platform/ui/drawing/devicecontext.h"
 #include "resources/resource.h"
 

@@ -11,6 +11,7 @@
 
 #include "platform/errors.h"
 #include "platform/ui/menus/menubarwidget.h"
+#include "platform/ui/screen/screen.h"
 #include "resources/resource.h"
 #include "tests/support/scarcememory.h"
 #include "tests/ui/windowfixture.h"

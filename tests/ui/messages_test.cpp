@@ -5,6 +5,7 @@
 #include "platform/menu.h"
 #include "platform/shell.h"
 #include "platform/ui/core/messagequeue.h"
+#include "platform/ui/screen/screen.h"
 #include "resources/resource.h"
 #include "tests/ui/windowfixture.h"
 

@@ -4,6 +4,7 @@
 
 #include "platform/shell.h"
 #include "platform/ui/drawing/cursors.h"
+#include "platform/ui/screen/screen.h"
 #include "resources/resource.h"
 #include "tests/ui/windowfixture.h"
 

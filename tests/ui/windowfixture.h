@@ -12,6 +12,7 @@
 
 #include "platform/controls.h"
 #include "platform/ui/core/windowcore.h"
+#include "platform/ui/screen/screen.h"
 #include "tests/support/stylus.h"
 
 struct Command {

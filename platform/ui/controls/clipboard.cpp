@@ -11,6 +11,7 @@
 #include "platform/errors.h"
 #include "platform/heap.h"
 #include "platform/ui/controls/controlsupport.h"
+#include "platform/ui/core/windowsystem.h"
 
 namespace ui {
 

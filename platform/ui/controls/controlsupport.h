@@ -6,6 +6,7 @@
 
 #include "platform/controls.h"
 #include "platform/ui/core/windowobject.h"
+#include "platform/ui/input/windowprocedures.h"
 
 namespace ui {
 
@@ -33,5 +34,18 @@ QString WithoutMnemonic(const QString& text);
 void NameAfterLabel(const WindowObject& window, QWidget* widget);
 // Events of this widget and of everything below it go straight to it and never become messages.
 void TakeOwnInput(QWidget* widget);
+
+// The edit of a row's label that is going on, if any, ends with its new text, as a tap beside it makes it.
+// For what a user chooses without moving the focus: menus, the buttons of the bars.
+void EndLabelEdit();
+
+// ---- the classes, for the start of the window system ----
+void RegisterButtonClass();
+void RegisterStaticClass();
+void RegisterEditClass();
+void RegisterListViewClass();
+void RegisterProgressClass();
+void RegisterComboBoxClass();
+void RegisterDatePickerClass();
 
 } // namespace ui

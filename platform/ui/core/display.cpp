@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "platform/ui/core/windowobject.h"
+#include "platform/ui/core/windowsystem.h"
 
 namespace ui {
 

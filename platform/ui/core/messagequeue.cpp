@@ -8,6 +8,7 @@
 #include "platform/datetime.h"
 #include "platform/ui/core/keyboard.h"
 #include "platform/ui/core/windowcore.h"
+#include "platform/ui/core/windowsystem.h"
 
 namespace ui {
 
@@ -132,8 +133,8 @@ void PumpHost(bool wait) {
     DeleteBuriedWidgets(queue.depth);
     if (queue.depth == 0)
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    AgreeOnFocus();
-    WatchStore();
+    kHigherFloors.agreeOnFocus();
+    kHigherFloors.watchStore();
     const HWND replaying = queue.replaying;
     queue.replaying = nullptr;
     ++queue.depth;

@@ -3,6 +3,7 @@
 
 #include "platform/ui/core/testhooks.h"
 #include "platform/ui/core/windowcore.h"
+#include "platform/ui/core/windowsystem.h"
 
 namespace ui {
 
@@ -15,7 +16,7 @@ void RunModal(const bool& done) {
             continue;
         }
         const HWND top = TopLevelOf(message.hwnd);
-        if (top && top->dialog && IsDialogMessageW(top, &message))
+        if (top && top->dialog && kHigherFloors.takeDialogKey(top, &message))
             continue;
         TranslateMessage(&message);
         DispatchMessageW(&message);

@@ -99,21 +99,8 @@ struct WindowObject {
 
 namespace ui {
 
-// Starts the host's window system at first use; every window function comes through here.
-void EnsureWindowSystem();
-bool WindowSystemStarted();
-
 // Built-in classes register themselves once, at the start of the window system.
 void RegisterBuiltInClass(const char16_t* name, WNDPROC procedure, WidgetFactory makeWidget);
-void RegisterButtonClass();
-void RegisterStaticClass();
-void RegisterEditClass();
-void RegisterListViewClass();
-void RegisterProgressClass();
-void RegisterMenuBarClass();
-void RegisterComboBoxClass();
-void RegisterDatePickerClass();
-
 // Text as it is, lone surrogates and byte order marks included, which the host's own conversions would mend.
 // Null: empty.
 QString HostText(const WCHAR* text);
@@ -131,32 +118,11 @@ HWND TopLevelOf(HWND window);
 // Sent by SetWindowLongPtrW(GWL_STYLE) after the style has changed.
 constexpr UINT WM_STYLECHANGED = 0x007D;
 
-// The end of every built-in control's procedure: hands the host event behind the message to the widget that
-// it was meant for (making one for messages that the program posted itself), and answers what all controls
-// share: WM_SETFONT, WM_GETFONT, WM_ENABLE, WM_SETFOCUS, WM_SETTEXT, WM_GETTEXT, WM_GETTEXTLENGTH on `text`,
-// WM_SETREDRAW.
-LRESULT DefaultControlProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-
-// WM_NOTIFY to the parent; fills in the NMHDR's window and id. WM_COMMAND to the parent with a notification
-// code.
-LRESULT NotifyParent(HWND control, NMHDR* header, UINT code);
-void CommandToParent(HWND control, UINT notification);
-
 // Runs the message loop until `done` is true: the base of every modal thing. A quit message is put aside
 // meanwhile and posted again for the loops around this one: what is asked is seen and answered first. `done`
 // is looked at after each message, so whatever sets it while none is being dispatched posts a WM_NULL.
 constexpr UINT WM_NULL = 0;
 void RunModal(const bool& done);
-
-// The edit of a row's label that is going on, if any, ends with its new text, as a tap beside it makes it.
-// For what a user chooses without moving the focus: menus, the buttons of the bars.
-void EndLabelEdit();
-
-// The widget under which top-level windows stand, and its size.
-QWidget* ScreenArea();
-// Lays out a top-level window on the screen with its menu bar at its top, and sends WM_SIZE when the client
-// area changed. Also called when the bar's height changed.
-void LayOutTopLevel(HWND window);
 
 // The id that every menu bar has. In a dialog the bar is above the client area, elsewhere at its top.
 constexpr UINT kMenuBarId = 10005;

@@ -11,10 +11,12 @@
 #include "platform/ui/core/display.h"
 #include "platform/ui/core/messagequeue.h"
 #include "platform/ui/core/testhooks.h"
+#include "platform/ui/core/windowsystem.h"
 #include "platform/ui/dialogs/dialogcore.h"
 #include "platform/ui/dialogs/dialogtemplate.h"
 #include "platform/ui/drawing/gdiobjects.h"
 #include "platform/ui/screen/screen.h"
+#include "platform/ui/screen/windows.h"
 
 namespace ui {
 

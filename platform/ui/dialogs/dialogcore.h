@@ -5,6 +5,9 @@
 
 namespace ui {
 
+inline const WCHAR* const kDialogClass = u"Dialog";
+void RegisterDialogClass(); // at the start of the window system
+
 // What a window of the dialog class is given to be one.
 std::shared_ptr<DialogData> NewDialogData(DLGPROC procedure, bool modal);
 // Shows a finished dialog and runs it until EndDialog, with the owner's top-level window disabled; destroys

@@ -7,6 +7,7 @@
 #include "platform/controls.h"
 #include "platform/ui/dialogs/dialogcore.h"
 #include "platform/ui/screen/screen.h"
+#include "platform/ui/screen/windows.h"
 
 namespace ui {
 

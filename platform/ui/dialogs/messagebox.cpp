@@ -14,6 +14,7 @@
 #include "platform/ui/core/testhooks.h"
 #include "platform/ui/dialogs/dialogcore.h"
 #include "platform/ui/screen/screen.h"
+#include "platform/ui/screen/windows.h"
 
 namespace ui {
 

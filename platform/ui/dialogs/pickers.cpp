@@ -10,7 +10,9 @@
 #include "platform/ui/core/display.h"
 #include "platform/ui/core/testhooks.h"
 #include "platform/ui/core/windowobject.h"
+#include "platform/ui/core/windowsystem.h"
 #include "platform/ui/dialogs/pickerwidget.h"
+#include "platform/ui/input/windowprocedures.h"
 
 namespace ui {
 

@@ -8,6 +8,7 @@
 
 #include "platform/resources.h"
 #include "platform/ui/core/windowobject.h"
+#include "platform/ui/core/windowsystem.h"
 
 struct CursorObject {
     Qt::CursorShape shape;

@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "platform/ui/core/windowobject.h"
+#include "platform/ui/core/windowsystem.h"
 
 namespace ui {
 

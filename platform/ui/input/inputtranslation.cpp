@@ -10,6 +10,7 @@
 #include "platform/ui/core/messagequeue.h"
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/screen/screen.h"
+#include "platform/ui/screen/windows.h"
 
 namespace ui {
 

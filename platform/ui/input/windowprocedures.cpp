@@ -1,8 +1,11 @@
 // What windows do with the messages that their procedures leave to the platform.
+#include "platform/ui/input/windowprocedures.h"
+
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/drawing/gdiobjects.h"
 #include "platform/ui/input/inputtranslation.h"
 #include "platform/ui/screen/screen.h"
+#include "platform/ui/screen/windows.h"
 
 namespace ui {
 

@@ -6,7 +6,9 @@
 #include "platform/resources.h"
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/drawing/gdiobjects.h"
+#include "platform/ui/input/windowprocedures.h"
 #include "platform/ui/menus/menubarwidget.h"
+#include "platform/ui/menus/menus.h"
 
 namespace ui {
 

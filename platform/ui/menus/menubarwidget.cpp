@@ -7,10 +7,13 @@
 #include <QResizeEvent>
 #include <algorithm>
 
+#include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/core/testhooks.h"
 #include "platform/ui/core/windowobject.h"
 #include "platform/ui/drawing/gdiobjects.h"
+#include "platform/ui/input/windowprocedures.h"
 #include "platform/ui/screen/screen.h"
+#include "platform/ui/screen/windows.h"
 
 namespace ui {
 

@@ -59,4 +59,6 @@ QMenu* MakePopup(HMENU menu, HWND owner, int position);
 bool MenuBarMnemonic(HWND bar, char16_t letter);
 bool EnterMenuMode(HWND bar);
 
+void RegisterMenuBarClass(); // at the start of the window system
+
 } // namespace ui

@@ -3,6 +3,7 @@
 #include <QProxyStyle>
 #include <QStyleOption>
 
+#include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/core/display.h"
 #include "platform/ui/core/testhooks.h"
 #include "platform/ui/core/windowobject.h"

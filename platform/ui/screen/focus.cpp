@@ -3,6 +3,7 @@
 
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/screen/screen.h"
+#include "platform/ui/screen/windows.h"
 
 namespace ui {
 

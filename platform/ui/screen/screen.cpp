@@ -11,8 +11,10 @@
 #include <utility>
 
 #include "platform/ui/core/windowcore.h"
+#include "platform/ui/core/windowsystem.h"
 #include "platform/ui/drawing/cursors.h"
 #include "platform/ui/screen/titlebar.h"
+#include "platform/ui/screen/windows.h"
 
 namespace ui {
 
@@ -57,7 +59,7 @@ protected:
     }
     void closeEvent(QCloseEvent* event) override {
         event->ignore();
-        EndLabelEdit();
+        kHigherFloors.endLabelEdit();
         PostMessageW(ActiveTopLevel(), WM_CLOSE, 0, 0);
     }
     bool event(QEvent* event) override {

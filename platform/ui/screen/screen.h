@@ -11,6 +11,8 @@ namespace ui {
 // The display's size, title bar included, in pixels. Before the display exists: the size that it will have.
 QSize ScreenSize();
 int TitleBarHeight();
+// The widget under which top-level windows stand.
+QWidget* ScreenArea();
 int ScrollBarWidth();
 // Pixels of the host for that many pixels at 96 to the inch.
 int Scaled(int pixels);

@@ -8,6 +8,7 @@
 #include "platform/base/paths.h"
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/screen/screen.h"
+#include "platform/ui/screen/windows.h"
 
 // A special folder's identity.
 struct ITEMIDLIST {

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "platform/ui/core/windowcore.h"
+#include "platform/ui/screen/windows.h"
 
 namespace ui {
 

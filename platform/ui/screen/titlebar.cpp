@@ -4,7 +4,9 @@
 #include <QPainter>
 
 #include "platform/ui/core/windowcore.h"
+#include "platform/ui/core/windowsystem.h"
 #include "platform/ui/screen/screen.h"
+#include "platform/ui/screen/windows.h"
 
 namespace ui {
 
@@ -101,7 +103,7 @@ void TitleBar::paintEvent(QPaintEvent*) {
 }
 
 void TitleBar::Tapped() {
-    EndLabelEdit();
+    kHigherFloors.endLabelEdit();
     const HWND active = ActiveTopLevel();
     if (button->Kind() == TitleButton::Ok)
         PostMessageW(active, WM_COMMAND, IDOK, 0);

@@ -5,8 +5,10 @@
 #include "platform/base/outofmemory.h"
 #include "platform/ui/core/messagequeue.h"
 #include "platform/ui/core/windowcore.h"
+#include "platform/ui/core/windowsystem.h"
 #include "platform/ui/drawing/devicecontext.h"
 #include "platform/ui/screen/screen.h"
+#include "platform/ui/screen/windows.h"
 
 namespace ui {
 

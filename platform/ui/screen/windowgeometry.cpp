@@ -2,6 +2,7 @@
 #include "platform/shell.h"
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/screen/screen.h"
+#include "platform/ui/screen/windows.h"
 
 namespace ui {
 

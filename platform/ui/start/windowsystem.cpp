@@ -1,24 +1,28 @@
-// The start of the host's window system, and the look of everything.
+// The start of the host's window system, the look of everything, and the table of what lower floors ask for.
+#include "platform/ui/core/windowsystem.h"
+
 #include <QApplication>
 #include <QLoggingCategory>
 #include <QPalette>
 #include <QStyleFactory>
 
 #include "platform/storage/watch.h"
+#include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/core/display.h"
 #include "platform/ui/core/windowcore.h"
+#include "platform/ui/dialogs/dialogcore.h"
 #include "platform/ui/drawing/cursors.h"
 #include "platform/ui/drawing/look.h"
 #include "platform/ui/input/inputtranslation.h"
+#include "platform/ui/menus/menus.h"
 #include "platform/ui/screen/screen.h"
+#include "platform/ui/screen/windows.h"
 
 namespace ui {
 
 namespace {
 
 constexpr double kFontSize = 9; // points
-
-bool started = false;
 
 QPalette LightPalette() {
     QPalette palette(QColor(0xf3, 0xf5, 0xf8));
@@ -120,12 +124,7 @@ void PostFromStore(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     PostMessageW(window, message, wParam, lParam);
 }
 
-} // namespace
-
-void EnsureWindowSystem() {
-    if (started)
-        return;
-    started = true;
+void Start() {
     StartHost();
     DressHost();
     InstallInputFilter();
@@ -139,8 +138,14 @@ void EnsureWindowSystem() {
     ShowCursorOnHost();
 }
 
-bool WindowSystemStarted() {
-    return started;
-}
+} // namespace
+
+const HigherFloors kHigherFloors{
+    .start = Start,
+    .agreeOnFocus = AgreeOnFocus,
+    .watchStore = WatchStore,
+    .takeDialogKey = [](HWND dialog, MSG* input) -> bool { return IsDialogMessageW(dialog, input); },
+    .endLabelEdit = EndLabelEdit,
+};
 
 } // namespace ui

@@ -8,6 +8,7 @@
 #include "platform/base/instance.h"
 #include "platform/storage/watch.h"
 #include "platform/ui/core/windowcore.h"
+#include "platform/ui/screen/windows.h"
 
 namespace ui {
 
