@@ -1,30 +1,38 @@
 #include "backup/compressor.h"
 
-#include <algorithm>
-#include <cstdlib>
-
+#include "backup/decoder.h"
+#include "backup/encoder.h"
 #include "platform/memory.h"
 
 namespace {
-constexpr std::size_t kOutputStep = 2048;
+
+constexpr DWORD kMostInput = 512 << 20;
+
+template <typename Tables>
+void Take(Tables** tables) {
+    void* const pages = VirtualAlloc(nullptr, sizeof(Tables), MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+    *tables = static_cast<Tables*>(pages);
+}
+
+template <typename Tables>
+void GiveBack(Tables** tables) {
+    if (*tables)
+        VirtualFree(*tables, 0, MEM_RELEASE);
+    *tables = nullptr;
+}
+
 } // namespace
 
 Compressor::~Compressor() {
-    DropOutput();
     FreeTables();
 }
 
 bool Compressor::AllocateTables() {
-    constexpr std::size_t kCodeTabSize = (kCodes + kSlots) * sizeof(std::uint16_t);
-    constexpr std::size_t kHashTabSize = (2 * kCodes + kHashSize / 32 + 1) * sizeof(DWORD);
-    static_assert(kHashTabSize >= kCodes * sizeof(Span));
     for (int attempt = 0; attempt < 2; ++attempt) {
         FreeTables();
-        void* codes = VirtualAlloc(nullptr, kCodeTabSize, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
-        void* hashes = VirtualAlloc(nullptr, kHashTabSize, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
-        codeTab = static_cast<std::uint16_t*>(codes);
-        hashTab = static_cast<DWORD*>(hashes);
-        if (codeTab && hashTab)
+        Take(&encoderTables);
+        Take(&decoderTables);
+        if (encoderTables && decoderTables)
             return true;
     }
     FreeTables();
@@ -32,38 +40,26 @@ bool Compressor::AllocateTables() {
 }
 
 void Compressor::FreeTables() {
-    if (codeTab)
-        VirtualFree(codeTab, 0, MEM_RELEASE);
-    if (hashTab)
-        VirtualFree(hashTab, 0, MEM_RELEASE);
-    codeTab = nullptr;
-    hashTab = nullptr;
+    GiveBack(&encoderTables);
+    GiveBack(&decoderTables);
 }
 
-bool Compressor::NewOutput() {
-    DropOutput();
-    output = static_cast<BYTE*>(std::malloc(kOutputStep));
-    outputCapacity = output ? kOutputStep : 0;
-    return output != nullptr;
-}
-
-bool Compressor::DropOutput() {
-    std::free(output);
-    output = nullptr;
-    outputStart = outputUsed = outputCapacity = 0;
+bool Compressor::Compress(const BYTE* data, DWORD length) {
+    const bool ready = encoderTables && length <= kMostInput && output.Begin();
+    if (ready && (length == 0 || Encoder(encoderTables, &output, data, length).Run()))
+        return true;
+    output.Drop();
     return false;
 }
 
-bool Compressor::Reserve(std::size_t bytes) {
-    const std::size_t needed = outputUsed + bytes;
-    if (needed < outputCapacity)
-        return true;
-    // By half of what there is, or a long stream would be copied again and again.
-    const std::size_t capacity = needed + std::max<std::size_t>(kOutputStep, outputCapacity / 2);
-    BYTE* grown = static_cast<BYTE*>(std::realloc(output, capacity));
-    if (!grown)
-        return DropOutput();
-    output = grown;
-    outputCapacity = static_cast<DWORD>(capacity);
-    return true;
+bool Compressor::Expand(const BYTE* data, DWORD length, DWORD limit) {
+    passedLimit = false;
+    if (decoderTables && length && output.Begin()) {
+        Decoder decoder(decoderTables, &output, limit);
+        if (decoder.Run(data, length))
+            return true;
+        passedLimit = decoder.passedLimit;
+    }
+    output.Drop();
+    return false;
 }

@@ -1,11 +1,6 @@
-// Streams are the same, byte for byte, as those of the handheld's own codec, and that takes following one
-// habit of its string table. The table had 69001 slots, held each string under the key `last byte << 16 |
-// code of the rest`, and took a slot for free when the key there was not above 0. So the pair of two zero
-// bytes, whose key is 0, could lose its slot to another string that came by in its search, and was then
-// learned again under a new code. Readers never mind, but the codes that follow are others.
-#include <cstring>
+#include "backup/zeropair.h"
 
-#include "backup/compressor.h"
+#include <algorithm>
 
 namespace {
 constexpr DWORD kZeroPair = 0; // as a key
@@ -22,39 +17,38 @@ constexpr DWORD FirstSlot(DWORD key) {
 // prime, and one that begins at 0 does not stop there. It is in danger when slot 0 was taken, by a string
 // that began there. Only then the slots that are taken have to be known, and are worked out from the strings
 // so far.
-void Compressor::WatchZeroPair(DWORD newCode) {
-    const DWORD* const keys = Keys();
+bool ZeroPairWatch::Learned(const DWORD* keys, DWORD newCode) {
     DWORD string = newCode;
     if (watchedKeys != kEveryKey) {
         DWORD first = kFirstFree;
         while (first < newCode && FirstSlot(keys[first]) != 0)
             ++first;
         if (first == newCode)
-            return;
+            return false;
         watchedKeys = kEveryKey;
-        zeroPairSlot = kNoSlot;
-        std::memset(TakenBits(), 0, (kHashSize / 32 + 1) * sizeof(DWORD));
+        pairSlot = kNoSlot;
+        std::fill_n(taken, kWords, 0);
         string = kFirstFree;
     }
+    bool lost = false;
     for (; string <= newCode; ++string)
-        if (TakeSlot(keys[string]))
-            Pairs()[kZeroPair] = 0;
+        lost |= TakeSlot(keys[string]);
+    return lost;
 }
 
 // Finds the slot that a new string would have had in that table. True when it was the zero pair's.
-bool Compressor::TakeSlot(DWORD key) {
-    DWORD* const taken = TakenBits();
+bool ZeroPairWatch::TakeSlot(DWORD key) {
     DWORD slot = FirstSlot(key);
     const DWORD back = slot ? kHashSize - slot : 1;
     while (taken[slot / 32] >> slot % 32 & 1) {
         slot = slot < back ? slot + kHashSize - back : slot - back;
-        if (slot == zeroPairSlot) {
-            zeroPairSlot = kNoSlot;
+        if (slot == pairSlot) {
+            pairSlot = kNoSlot;
             return true;
         }
     }
     taken[slot / 32] |= 1u << slot % 32;
     if (key == kZeroPair)
-        zeroPairSlot = slot;
+        pairSlot = slot;
     return false;
 }

@@ -1,10 +1,8 @@
-// Expanding. A code's string is a string that was written before and the byte that followed it, so it stands
-// in the output already: all that is kept of it is where.
+#include "backup/decoder.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstring>
-
-#include "backup/compressor.h"
 
 static_assert(std::endian::native == std::endian::little, "codes are read as they lie in memory");
 
@@ -37,27 +35,25 @@ void CopyString(BYTE* to, const BYTE* from, std::size_t length) {
 
 } // namespace
 
-bool Compressor::Expand(const BYTE* data, DWORD length, DWORD limit) {
-    passedLimit = false;
-    if (!hashTab || !length || !NewOutput())
-        return DropOutput();
+Decoder::Decoder(DecoderTables* tables, OutputBuffer* target, DWORD limit)
+    : spans(tables->spans), output(*target), outputLimit(std::min(limit, kMostOutput)) {
+    // The strings of one byte stand in front of the output, so that they are copied as all others are.
+    output.start = output.used = kClearCode;
+    for (DWORD byte = 0; byte < kClearCode; ++byte) {
+        output.data[byte] = static_cast<BYTE>(byte);
+        spans[byte] = {byte, 1};
+    }
+}
+
+bool Decoder::Run(const BYTE* data, DWORD length) {
     // A single byte is a code too: the bit that it lacks counts as 0.
     const BYTE lengthened[] = {*data, 0};
     input = length == 1 ? lengthened : data;
     inputLength = std::max<DWORD>(length, sizeof lengthened);
-    inCount = 0;
-    outputLimit = std::min(limit, kMostOutput);
-    // The strings of one byte stand in front of the output, so that they are copied as all others are.
-    outputStart = outputUsed = kClearCode;
-    for (DWORD byte = 0; byte < kClearCode; ++byte) {
-        output[byte] = static_cast<BYTE>(byte);
-        Spans()[byte] = {byte, 1};
-    }
-    lastString = {0, 0};
-    return ExpandInput() || DropOutput();
+    return ExpandInput();
 }
 
-bool Compressor::ExpandInput() {
+bool Decoder::ExpandInput() {
     for (;;) {
         // A first code makes a string of no meaning, under the code that is never looked up.
         freeEnt = kClearCode;
@@ -77,15 +73,15 @@ bool Compressor::ExpandInput() {
 // Expands `count` codes of one width, up to a reset. Learning, each makes a string of the one before and a
 // byte of its own.
 template <bool learning>
-Compressor::RunEnd Compressor::ExpandRun(DWORD width, std::size_t count) {
-    // Copies, since any byte that is written might be the codec's own.
-    Span* const spans = Spans();
+Decoder::RunEnd Decoder::ExpandRun(DWORD width, std::size_t count) {
+    // Copies, since any byte that is written might be the decoder's own.
+    Span* const known = spans;
     const BYTE* const stream = input;
     const std::size_t streamLength = inputLength;
-    BYTE* to = output;
+    BYTE* to = output.data;
     const std::size_t firstBit = std::size_t{8} * inCount;
     std::size_t room = 0; // is asked for at the first string
-    std::size_t used = outputUsed;
+    std::size_t used = output.used;
     Span last = lastString;
     DWORD newCode = freeEnt;
     std::size_t done = 0;
@@ -98,16 +94,16 @@ Compressor::RunEnd Compressor::ExpandRun(DWORD width, std::size_t count) {
             break;
         }
         if (learning) {
-            spans[newCode] = {last.position, last.length + 1};
+            known[newCode] = {last.position, last.length + 1};
             // What is not known can only be the newest, which is just being made.
             code = std::min(code, newCode);
         }
-        const Span string = spans[code];
+        const Span string = known[code];
         if (used + string.length > room) {
             if (!GrowForString(used + string.length))
                 return RunEnd::Failed;
-            to = output;
-            room = std::min<std::size_t>(outputCapacity - kSlack, outputStart + outputLimit);
+            to = output.data;
+            room = std::min<std::size_t>(output.capacity - kSlack, output.start + outputLimit);
         }
         CopyString(to + used, to + string.position, string.length);
         if (learning) {
@@ -119,7 +115,7 @@ Compressor::RunEnd Compressor::ExpandRun(DWORD width, std::size_t count) {
         last = {static_cast<DWORD>(used), string.length};
         used += string.length;
     }
-    outputUsed = static_cast<DWORD>(used);
+    output.used = static_cast<DWORD>(used);
     lastString = last;
     freeEnt = newCode;
     // A reset is followed by the rest of its group of eight codes.
@@ -129,10 +125,10 @@ Compressor::RunEnd Compressor::ExpandRun(DWORD width, std::size_t count) {
 }
 
 // Makes room for output up to `end`, which counts what stands before it.
-bool Compressor::GrowForString(std::size_t end) {
-    passedLimit = end - outputStart > outputLimit;
+bool Decoder::GrowForString(std::size_t end) {
+    passedLimit = end - output.start > outputLimit;
     if (passedLimit)
         return false;
-    outputUsed = static_cast<DWORD>(std::min<std::size_t>(end, outputCapacity));
-    return Reserve(end - outputUsed + kSlack);
+    output.used = static_cast<DWORD>(std::min<std::size_t>(end, output.capacity));
+    return output.Reserve(end - output.used + kSlack);
 }

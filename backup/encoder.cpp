@@ -1,31 +1,32 @@
-// Compressing. The strings learned so far are a tree, kept by code: a string and each string that is longer
-// by a byte are found from one another in one step. What is written is the same as if they were kept in any
-// other way.
+#include "backup/encoder.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstring>
-
-#include "backup/compressor.h"
 
 static_assert(std::endian::native == std::endian::little, "codes are stored as they lie in memory");
 
 namespace {
 
-constexpr DWORD kMostInput = 512 << 20;
-constexpr LONG kHeaderBytes = 3; // counted in the ratio, although no stream here has them
+constexpr DWORD kFullGroup = 16;   // bytes of eight codes of the last width
+constexpr DWORD kCheckGap = 50000; // input bytes between two tests of the ratio
+constexpr LONG kHeaderBytes = 3;   // counted in the ratio, although no stream here has them
 constexpr LONG kCoarseRatioFrom = 0x7FFFFF;
 constexpr DWORD kFewStrings = 8192; // up to here they are forgotten one by one
 
-// A node is the byte of a string's first continuation, a filter of the others' bytes, and the first one's
-// code, which is 0 when there is none.
-constexpr DWORD NodeByte(DWORD node) {
-    return node & 0xFF;
+// How far the input is parsed.
+struct Parsed {
+    const BYTE* next;
+    DWORD code; // of the string before `next`
+    DWORD key;
+};
+
+DWORD SlotOf(DWORD key) {
+    return key * 2654435761u >> (32 - kSlotBits);
 }
-constexpr DWORD NodeCode(DWORD node) {
-    return node >> 16;
-}
-constexpr DWORD FilterBit(DWORD byte) {
-    return 0x100u << (byte & 7);
+
+DWORD NextSlot(DWORD slot) {
+    return (slot + 1) % kSlots;
 }
 
 // Eight codes of less than the last width, from the low halves of `keys`. Writes 16 bytes, of which `width`
@@ -38,62 +39,46 @@ void PackGroup(BYTE* to, const DWORD* keys, DWORD width) {
     std::memcpy(to, words, sizeof words);
 }
 
-} // namespace
-
-bool Compressor::Compress(const BYTE* data, DWORD length) {
-    if (!codeTab || !hashTab || length > kMostInput || !NewOutput())
-        return DropOutput();
-    input = data;
-    inputLength = length;
-    ratio = 0;
-    checkpoint = kCheckGap;
-    freeEnt = kFirstFree;
-    watchedKeys = 0;
-    const bool written = length == 0 || CompressInput();
-    ForgetStrings();
-    return written || DropOutput();
-}
-
 // The slot of a string, or the free one that it would take.
-inline std::uint16_t* Compressor::FindSlot(DWORD slot, DWORD key) {
-    std::uint16_t* const slots = Slots();
-    while (slots[slot] && Keys()[slots[slot]] != key)
-        slot = (slot + 1) % kSlots;
-    return slots + slot;
+inline std::uint16_t* FindSlot(EncoderTables& tables, DWORD slot, DWORD key) {
+    while (tables.slots[slot] && tables.keys[tables.slots[slot]] != key)
+        slot = NextSlot(slot);
+    return tables.slots + slot;
 }
 
 // Puts in a string that is surely new, since the node of all but its last byte says so.
-inline void Compressor::AddBelow(const Place& at, DWORD node, DWORD newCode) {
+inline void AddBelow(EncoderTables& tables, const Parsed& at, DWORD newCode) {
     const DWORD byte = at.next[-1];
-    if (!NodeCode(node)) {
-        Nodes()[at.code] = newCode << 16 | byte;
+    Node& node = tables.nodes[at.code];
+    if (!node.FirstCode()) {
+        node.SetFirst(byte, newCode);
         return;
     }
-    Nodes()[at.code] = node | FilterBit(byte);
+    node.AddOther(byte);
     DWORD slot = SlotOf(at.key);
-    while (Slots()[slot])
-        slot = (slot + 1) % kSlots;
-    Slots()[slot] = static_cast<std::uint16_t>(newCode);
+    while (tables.slots[slot])
+        slot = NextSlot(slot);
+    tables.slots[slot] = static_cast<std::uint16_t>(newCode);
 }
 
 // Goes on from one byte to the longest known string, and to the key of that string and the byte after it,
 // which is not known; learning, it is put in as `newCode`. False when the input ends before that. The third
 // byte is looked up by the bytes alone, beside the second one and not after it. Inlined by force: with a call
-// for each code, and the place kept in memory, compressing takes about a tenth longer.
+// for each code, and what is parsed kept in memory, compressing takes about a tenth longer.
 template <bool learning>
-[[gnu::always_inline]] inline bool Compressor::Match(Place& at, const BYTE* end, DWORD newCode) {
+[[gnu::always_inline]] inline bool Match(EncoderTables& tables, Parsed& at, const BYTE* end, DWORD newCode) {
     DWORD byte = *at.next++;
     const DWORD two = at.code | byte << 8;
     const DWORD three = at.next != end ? two | static_cast<DWORD>(*at.next) << 16 : two;
-    std::uint16_t* spot = &Pairs()[two];
-    at.key = byte << 16 | at.code;
+    std::uint16_t* spot = &tables.pairs[two];
+    at.key = KeyOf(at.code, byte);
     if (*spot) {
         at.code = *spot;
         if (at.next == end)
             return false;
         byte = *at.next++;
-        at.key = byte << 16 | at.code;
-        spot = FindSlot(SlotOf(three), at.key);
+        at.key = KeyOf(at.code, byte);
+        spot = FindSlot(tables, SlotOf(three), at.key);
     } else {
         if (learning)
             *spot = static_cast<std::uint16_t>(newCode);
@@ -101,46 +86,52 @@ template <bool learning>
     }
     while (*spot) {
         at.code = *spot;
-        DWORD node;
+        Node node;
         for (;;) {
             if (at.next == end)
                 return false;
             byte = *at.next++;
-            node = Nodes()[at.code];
-            if (NodeByte(node) != byte || !NodeCode(node))
+            node = tables.nodes[at.code];
+            if (!node.BeginsWith(byte))
                 break;
-            at.code = NodeCode(node);
+            at.code = node.FirstCode();
         }
-        at.key = byte << 16 | at.code;
-        if (!(node & FilterBit(byte))) {
+        at.key = KeyOf(at.code, byte);
+        if (!node.MayHave(byte)) {
             if (learning)
-                AddBelow(at, node, newCode);
+                AddBelow(tables, at, newCode);
             return true;
         }
-        spot = FindSlot(SlotOf(at.key), at.key);
+        spot = FindSlot(tables, SlotOf(at.key), at.key);
     }
     if (learning)
         *spot = static_cast<std::uint16_t>(newCode);
     return true;
 }
 
+} // namespace
+
+Encoder::Encoder(EncoderTables* encoderTables, OutputBuffer* target, const BYTE* data, DWORD length)
+    : tables(*encoderTables), output(*target), zeroPair(encoderTables->zeroPairBits), input(data),
+      inputLength(length), prefixCode(data[0]), checkpoint(kCheckGap) {}
+
 // Splits input into the longest known strings. Learning, it goes on until all codes are given, and the codes
-// to be written are the prefixes in Keys(); else it writes them itself, and goes on until `stop` bytes are
+// to be written are the prefixes in the keys; else it writes them itself, and goes on until `stop` bytes are
 // consumed. False when the input has ended, with its last code left in prefixCode.
 template <bool learning>
-bool Compressor::Parse(DWORD stop) {
+bool Encoder::Parse(DWORD stop) {
     const BYTE* const end = input + inputLength;
-    DWORD* const keys = Keys();
-    BYTE* to = output + outputUsed;
+    EncoderTables& known = tables; // local, since any byte that is written might be the encoder's own
+    BYTE* to = output.data + output.used;
     DWORD newCode = freeEnt;
-    Place at = {input + inCount, prefixCode, 0};
+    Parsed at = {input + inCount, prefixCode, 0};
     bool more = false;
-    while (!more && at.next != end && Match<learning>(at, end, newCode)) {
+    while (!more && at.next != end && Match<learning>(known, at, end, newCode)) {
         if constexpr (learning) {
-            keys[newCode] = at.key;
-            Nodes()[newCode] = 0;
-            if (at.key <= watchedKeys)
-                WatchZeroPair(newCode);
+            known.keys[newCode] = at.key;
+            known.nodes[newCode].Clear();
+            if (zeroPair.Concerns(at.key) && zeroPair.Learned(known.keys, newCode))
+                known.pairs[0] = 0;
             more = ++newCode == kCodes;
         } else {
             std::memcpy(to, &at.code, 2);
@@ -152,24 +143,22 @@ bool Compressor::Parse(DWORD stop) {
     inCount = static_cast<DWORD>(at.next - input);
     prefixCode = at.code;
     freeEnt = newCode;
-    outputUsed = static_cast<DWORD>(to - output);
+    output.used = static_cast<DWORD>(to - output.data);
     return more;
 }
 
-bool Compressor::CompressInput() {
-    prefixCode = input[0];
-    inCount = 1;
+bool Encoder::Run() {
     for (;;) {
         bool more = Parse<true>(0);
         if (!more)
-            Keys()[freeEnt] = prefixCode; // the last code, and no string is made with it
+            tables.keys[freeEnt] = prefixCode; // the last code, and no string is made with it
         if (!PackCodes(more ? freeEnt : freeEnt + 1))
             return false;
         // From here on no strings are learned, until the ratio falls.
         for (bool fell = false; more && !fell;) {
             const DWORD stop = std::max<DWORD>(checkpoint, inCount + 1);
             // Each code stands for a byte at least; after them come a last code, a reset and its padding.
-            if (!Reserve(2 * (stop - inCount) + 4 * kFullGroup))
+            if (!output.Reserve(2 * (stop - inCount) + 4 * kFullGroup))
                 return false;
             more = Parse<false>(stop);
             if (!more)
@@ -184,11 +173,11 @@ bool Compressor::CompressInput() {
 
 // Writes the prefixes of the strings from the first one up to `end`, the codes growing as the strings do in
 // number. Each width but the last comes 2^(width-1) times, so that its groups of eight are full.
-bool Compressor::PackCodes(DWORD end) {
-    if (!Reserve(2 * (end - kFirstFree) + 2 * kFullGroup))
+bool Encoder::PackCodes(DWORD end) {
+    if (!output.Reserve(2 * (end - kFirstFree) + 2 * kFullGroup))
         return false;
-    const DWORD* const keys = Keys();
-    BYTE* to = output + outputUsed;
+    const DWORD* const keys = tables.keys;
+    BYTE* to = output.data + output.used;
     DWORD string = kFirstFree;
     for (DWORD width = kFirstWidth; width < kLastWidth && string < end; ++width) {
         const DWORD widthEnd = std::min(end, (1u << width) + 1);
@@ -204,20 +193,20 @@ bool Compressor::PackCodes(DWORD end) {
     }
     for (; string < end; ++string, to += 2)
         std::memcpy(to, keys + string, 2);
-    outputUsed = static_cast<DWORD>(to - output);
+    output.used = static_cast<DWORD>(to - output.data);
     return true;
 }
 
 // One code of the last width, into room that is reserved.
-void Compressor::PutCode(DWORD code) {
-    std::memcpy(output + outputUsed, &code, 2);
-    outputUsed += 2;
+void Encoder::PutCode(DWORD code) {
+    std::memcpy(output.data + output.used, &code, 2);
+    output.used += 2;
 }
 
-bool Compressor::RatioFell() {
+bool Encoder::RatioFell() {
     const LONG consumed = static_cast<LONG>(inCount);
     // Bytes count as written when their group of eight codes is full.
-    const LONG bytesOut = kHeaderBytes + static_cast<LONG>(outputUsed / kFullGroup * kFullGroup);
+    const LONG bytesOut = kHeaderBytes + static_cast<LONG>(output.used / kFullGroup * kFullGroup);
     checkpoint = consumed + static_cast<LONG>(kCheckGap);
     LONG reached;
     if (consumed > kCoarseRatioFrom)
@@ -230,36 +219,37 @@ bool Compressor::RatioFell() {
 }
 
 // Writes the code that tells the reader to begin anew, and does so here.
-void Compressor::Reset() {
+void Encoder::Reset() {
     PutCode(kClearCode);
     // The group is filled up with what the group before it had there. A reader skips it.
-    if (const DWORD begun = outputUsed % kFullGroup) {
-        std::memcpy(output + outputUsed, output + outputUsed - kFullGroup, kFullGroup - begun);
-        outputUsed += kFullGroup - begun;
+    if (const DWORD begun = output.used % kFullGroup) {
+        std::memcpy(output.data + output.used, output.data + output.used - kFullGroup, kFullGroup - begun);
+        output.used += kFullGroup - begun;
     }
     ForgetStrings();
     freeEnt = kFirstFree;
-    watchedKeys = 0;
+    zeroPair.Reset();
 }
 
-// Leaves Pairs() and Slots() empty, as they are to be before a first byte.
-void Compressor::ForgetStrings() {
+// Leaves pairs and slots empty, as they are to be before a first byte.
+void Encoder::ForgetStrings() {
     if (freeEnt - kFirstFree > kFewStrings) {
-        std::memset(codeTab, 0, (kCodes + kSlots) * sizeof(std::uint16_t));
+        std::memset(tables.pairs, 0, sizeof tables.pairs);
+        std::memset(tables.slots, 0, sizeof tables.slots);
         return;
     }
     for (DWORD string = kFirstFree; string < freeEnt; ++string) {
-        const DWORD key = Keys()[string];
-        const DWORD prefix = key & 0xFFFF;
+        const DWORD key = tables.keys[string];
+        const DWORD prefix = RestOf(key);
         if (prefix < kClearCode) {
-            Pairs()[prefix | key >> 16 << 8] = 0;
+            tables.pairs[prefix | LastByteOf(key) << 8] = 0;
             continue;
         }
-        const DWORD before = Keys()[prefix];
-        const bool ofThree = (before & 0xFFFF) < kClearCode;
-        const DWORD three = (before & 0xFF) | before >> 16 << 8 | key >> 16 << 16;
+        const DWORD before = tables.keys[prefix];
+        const bool ofThree = RestOf(before) < kClearCode;
+        const DWORD three = RestOf(before) | LastByteOf(before) << 8 | LastByteOf(key) << 16;
         // A string stands in the unbroken row of slots that begins at its own.
-        for (DWORD slot = SlotOf(ofThree ? three : key); Slots()[slot]; slot = (slot + 1) % kSlots)
-            Slots()[slot] = 0;
+        for (DWORD slot = SlotOf(ofThree ? three : key); tables.slots[slot]; slot = NextSlot(slot))
+            tables.slots[slot] = 0;
     }
 }
