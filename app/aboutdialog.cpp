@@ -28,6 +28,15 @@ void InitAbout(HWND dialog) {
     ShowKilobytes(dialog, IDC_ABOUT_FREE, IDS_FREE_MEMORY, store.dwFreeSize);
 }
 
+void OnAboutCommand(HWND dialog, UINT command) {
+    switch (command) {
+    case IDOK:
+    case IDCANCEL:
+        EndDialog(dialog, IDOK);
+        break;
+    }
+}
+
 LONG_PTR AboutProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     if (HandleFrameMessage(dialog, message, wParam, lParam, u"tarnwickscope.htm#tarnwickscope_help"))
         return TRUE;
@@ -36,9 +45,7 @@ LONG_PTR AboutProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
         InitAbout(dialog);
         return TRUE;
     case WM_COMMAND:
-        if (LOWORD(wParam) != IDOK && LOWORD(wParam) != IDCANCEL)
-            return FALSE;
-        EndDialog(dialog, IDOK);
+        OnAboutCommand(dialog, LOWORD(wParam));
         return TRUE;
     }
     return FALSE;

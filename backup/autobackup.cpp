@@ -11,13 +11,13 @@
 namespace {
 
 template <typename T>
-bool WriteWhole(HANDLE file, const T& data) {
+bool WriteStruct(HANDLE file, const T& data) {
     DWORD written = 0;
     return WriteFile(file, &data, sizeof data, &written, nullptr) && written == sizeof data;
 }
 
 template <typename T>
-bool ReadWhole(HANDLE file, T* data) {
+bool ReadStruct(HANDLE file, T* data) {
     DWORD read = 0;
     return ReadFile(file, data, sizeof *data, &read, nullptr) && read == sizeof *data;
 }
@@ -61,7 +61,7 @@ void ScriptWriter::Create(HWND owner, const WCHAR* archivePath, bool compressed,
     CopyText(header.archivePath, archivePath);
     if (password)
         header.password = *password;
-    if (!WriteWhole(file, header))
+    if (!WriteStruct(file, header))
         GiveUp(owner);
 }
 
@@ -70,7 +70,7 @@ void ScriptWriter::Append(HWND owner, const WCHAR* databaseName) {
         return;
     ScriptEntry entry = {};
     CopyText(entry.databaseName, databaseName);
-    if (!WriteWhole(file, entry))
+    if (!WriteStruct(file, entry))
         GiveUp(owner);
 }
 
@@ -78,10 +78,10 @@ void ScriptWriter::Complete(HWND owner, DWORD databaseCount, bool complete) {
     if (file == INVALID_HANDLE_VALUE)
         return;
     ScriptHeader header;
-    bool written = GoTo(file, 0) && ReadWhole(file, &header);
+    bool written = GoTo(file, 0) && ReadStruct(file, &header);
     if (written) {
         header.databaseCount = databaseCount;
-        written = GoTo(file, 0) && WriteWhole(file, header) && (!complete || FlushFileBuffers(file));
+        written = GoTo(file, 0) && WriteStruct(file, header) && (!complete || FlushFileBuffers(file));
     }
     if (!written) {
         GiveUp(owner);
@@ -95,7 +95,7 @@ void ScriptWriter::Complete(HWND owner, DWORD databaseCount, bool complete) {
 namespace {
 
 bool ReadScriptHeader(HANDLE script, ScriptHeader* header) {
-    if (!ReadWhole(script, header) || header->mark != kScriptMark)
+    if (!ReadStruct(script, header) || header->mark != kScriptMark)
         return false;
     const WCHAR* const end = std::end(header->archivePath);
     header->password.text[kPasswordCapacity - 1] = 0;
@@ -105,7 +105,7 @@ bool ReadScriptHeader(HANDLE script, ScriptHeader* header) {
 bool WriteListedDatabases(HANDLE script, const WCHAR* path, DWORD count, BackupEngine* engine) {
     for (DWORD i = 0; i < count; ++i) {
         ScriptEntry entry;
-        if (!ReadWhole(script, &entry)) {
+        if (!ReadStruct(script, &entry)) {
             ReportScript(engine->MessageOwner(), IDS_SCRIPT_MISSING, path);
             return false;
         }

@@ -61,14 +61,13 @@ void InitProperties(HWND dialog) {
     ShowNumber(dialog, IDC_PROPERTIES_RECORDS, info.wNumRecords);
 }
 
-bool OnPropertiesCommand(HWND dialog, UINT command) {
+void OnPropertiesCommand(HWND dialog, UINT command) {
     switch (command) {
     case IDOK:
     case IDCANCEL:
         EndDialog(dialog, static_cast<int>(command));
-        return true;
+        break;
     }
-    return false;
 }
 
 LONG_PTR PropertiesProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -79,7 +78,8 @@ LONG_PTR PropertiesProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lP
         InitProperties(dialog);
         return TRUE;
     case WM_COMMAND:
-        return OnPropertiesCommand(dialog, LOWORD(wParam));
+        OnPropertiesCommand(dialog, LOWORD(wParam));
+        return TRUE;
     }
     return FALSE;
 }
