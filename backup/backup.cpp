@@ -1,6 +1,7 @@
 #include "backup/backup.h"
 
 #include "app/application.h"
+#include "backup/backupdialog.h"
 #include "backup/compressor.h"
 #include "platform/datetime.h"
 #include "platform/errors.h"

@@ -40,6 +40,3 @@ private:
 
     bool rewriting = false; // an entry for which fewer records were found than its block declared
 };
-
-// The "Backup Databases" options; false when the user cancelled. Fills the options of the engine.
-bool ShowBackupOptions(HWND owner, BackupEngine* engine);

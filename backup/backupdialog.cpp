@@ -1,4 +1,5 @@
-// The "Backup Databases" options.
+#include "backup/backupdialog.h"
+
 #include "app/application.h"
 #include "app/dialogframe.h"
 #include "backup/backup.h"

@@ -6,6 +6,7 @@
 #include "app/application.h"
 #include "backup/compressor.h"
 #include "backup/passworddialogs.h"
+#include "backup/restoredialog.h"
 #include "platform/controls.h"
 #include "platform/text.h"
 #include "resources/resource.h"

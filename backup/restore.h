@@ -29,6 +29,3 @@ private:
     bool ReadData(const WCHAR* target, DWORD length, RecordBuffer* read);
     bool ExpandRecord(const RecordBuffer& stored, DWORD length, RecordBuffer* record);
 };
-
-// The list of an archive's databases. True when all that the user selected was restored.
-bool ShowRestoreList(HWND owner, RestoreEngine* engine);

@@ -1,4 +1,5 @@
-// The list of an archive's databases, from which the user picks those to restore.
+#include "backup/restoredialog.h"
+
 #include "app/application.h"
 #include "app/dialogframe.h"
 #include "backup/restore.h"
