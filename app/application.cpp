@@ -1,5 +1,7 @@
 #include "app/application.h"
 
+#include "platform/process.h"
+
 Application& App() {
     static Application application;
     return application;
@@ -11,6 +13,12 @@ HINSTANCE AppInstance() {
 
 bool RunsUnattended() {
     return App().settings && App().settings->unattended;
+}
+
+bool MayShowFailure() {
+    if (RunsUnattended())
+        NoteFailure();
+    return !RunsUnattended();
 }
 
 bool RunsInteractively() {

@@ -35,5 +35,8 @@ Application& App();
 HINSTANCE AppInstance();
 // Failures are to be kept quiet: a run from the command line with switch I.
 bool RunsUnattended();
+// Whether a failure that just happened may be shown; one that is kept quiet is counted, for whoever asks the
+// process how it went.
+bool MayShowFailure();
 // Questions and dialogs may be shown.
 bool RunsInteractively();

@@ -72,7 +72,7 @@ HANDLE CreateFileForWriting(HWND owner, const WCHAR* path, WCHAR* chosenPath, bo
             continue;
         }
         // The text speaks of a backup file whatever was to be created; it is kept so.
-        if (!created && !RunsUnattended())
+        if (!created && MayShowFailure())
             MessageFromString(owner, IDS_COULD_NOT_CREATE_FILE, path, kFailureBox);
         if (chosenPath && chosenPath != path)
             CopyText(chosenPath, MAX_PATH, path);

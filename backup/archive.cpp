@@ -25,17 +25,17 @@ HWND Archive::MessageOwner() const {
 }
 
 void Archive::ReportFailure(UINT stringId) const {
-    if (!RunsUnattended())
+    if (MayShowFailure())
         MessageFromString(MessageOwner(), stringId, kFailureBox);
 }
 
 void Archive::ReportFailure(UINT stringId, const WCHAR* argument) const {
-    if (!RunsUnattended())
+    if (MayShowFailure())
         MessageFromString(MessageOwner(), stringId, argument, kFailureBox);
 }
 
 void Archive::ReportOutOfMemory() const {
-    if (!RunsUnattended())
+    if (MayShowFailure())
         SHShowOutOfMemory(MessageOwner(), 0);
 }
 

@@ -27,7 +27,7 @@ bool GoTo(HANDLE file, LONG offset) {
 }
 
 void ReportScript(HWND owner, UINT stringId, const WCHAR* path) {
-    if (!RunsUnattended())
+    if (MayShowFailure())
         MessageFromString(owner, stringId, path, kFailureBox);
 }
 

@@ -250,7 +250,7 @@ UINT ErrorStringId(DWORD error) {
 const WCHAR* DbHandle::ReportError(const WCHAR* format, const WCHAR* nameForMessage) {
     const DWORD error = GetLastError();
     LoadText(ErrorStringId(error), errorText);
-    if (reportErrors && !RunsUnattended())
+    if (reportErrors && MayShowFailure())
         ShowError(format, nameForMessage);
     SetLastError(error);
     return errorText;

@@ -11,6 +11,7 @@
 #include "dblist/databaselist.h"
 #include "platform/errors.h"
 #include "platform/objectstore.h"
+#include "platform/process.h"
 #include "platform/shell.h"
 #include "platform/text.h"
 #include "resources/resource.h"
@@ -158,7 +159,7 @@ void WriteAllDatabases(BackupEngine& engine, HANDLE databases, const WCHAR* path
 void BackUpAllDatabases(const WCHAR* path) {
     const std::unique_ptr<BackupEngine> engine(new (std::nothrow) BackupEngine);
     if (!engine) {
-        if (!RunsUnattended())
+        if (MayShowFailure())
             SHShowOutOfMemory(nullptr, 0);
         return;
     }
@@ -196,8 +197,10 @@ void RunJob(const CommandLine& parsed) {
 int RunCommandLine(const WCHAR* commandLine) {
     const CommandLine parsed = Parse(commandLine);
     Settings* settings = new (std::nothrow) Settings;
-    if (!settings)
+    if (!settings) {
+        NoteFailure();
         return kExitCode;
+    }
     App().settings = settings;
     settings->interactive = !parsed.quietDialogs;
     settings->unattended = parsed.unattended;

@@ -1,6 +1,7 @@
 #include "platform/launcher/arguments.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <string_view>
 #include <vector>
 
@@ -20,12 +21,53 @@ bool NeedsQuotes(const std::u16string& text) {
     return text.empty() || std::any_of(text.begin(), text.end(), IsSpaceCharacter);
 }
 
+// The switch's letter as a small one, 0 for what is no switch. The program looks no further than the letter.
+WCHAR SwitchLetter(const std::u16string& word) {
+    constexpr WCHAR kToSmall = u'a' - u'A';
+    return word.size() > 1 && (word[0] == u'-' || word[0] == u'/') ? word[1] | kToSmall : 0;
+}
+
+bool TakesPath(WCHAR letter) {
+    return letter == u'a' || letter == u'b' || letter == u'r';
+}
+
+bool PathIsNext(const Words& words) {
+    bool isNext = false;
+    for (const std::u16string& word : words)
+        isNext = !isNext && TakesPath(SwitchLetter(word));
+    return isNext;
+}
+
+// To the program a leading slash begins a switch.
+bool IsHostPath(std::string_view argument, bool pathIsNext) {
+    std::error_code unreadable;
+    return argument.starts_with('/') && (pathIsNext || argument.find('/', 1) != std::string_view::npos ||
+                                         std::filesystem::exists(argument, unreadable));
+}
+
+// Links are followed here, for the device's paths step back by name.
+std::u16string DevicePathOf(std::string_view hostPath) {
+    namespace fs = std::filesystem;
+    std::error_code unreadable;
+    const fs::path path(hostPath);
+    const fs::path folder = fs::weakly_canonical(path.parent_path(), unreadable);
+    std::u16string result =
+        u"\\Storage Card" + FromUtf8((unreadable ? path : folder / path.filename()).string());
+    std::replace(result.begin(), result.end(), u'/', u'\\');
+    return result;
+}
+
 // Adds an argument for the program as it will take it. The program splits at blanks and knows double quotes,
 // but no escapes, and it cuts what is too long: such an argument would name another file.
 std::string AddWord(Words& words, std::string_view argument) {
-    const std::u16string text = FromUtf8(argument);
+    std::u16string text = FromUtf8(argument);
     if (ToUtf8(text) != argument)
         return Complain(argument, "is not UTF-8");
+    if (IsHostPath(argument, PathIsNext(words))) {
+        if (text.find(u'\\') != std::u16string::npos)
+            return Complain(argument, "holds a backslash, which parts names on the device");
+        text = DevicePathOf(argument);
+    }
     if (text.size() >= MAX_PATH)
         return Complain(argument, "is too long");
     if (text.starts_with(u'"') || (NeedsQuotes(text) && text.find(u'"') != std::u16string::npos))
@@ -43,19 +85,33 @@ std::u16string Join(const Words& words) {
     return line;
 }
 
-// Of the program's switches, those for jobs are followed by a path; the last of them counts.
+// Of several jobs the last counts.
 bool MakesDevice(const Words& words) {
-    constexpr WCHAR kToSmall = u'a' - u'A';
     bool makes = words.empty();
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        const std::u16string& word = words[i];
-        const WCHAR letter = word.size() > 1 && (word[0] == u'-' || word[0] == u'/') ? word[1] | kToSmall : 0;
-        if (letter == u'a' || letter == u'b' || letter == u'r') {
-            makes = letter == u'r';
-            ++i;
-        }
+    bool isPath = false;
+    for (const std::u16string& word : words) {
+        const WCHAR letter = isPath ? WCHAR(0) : SwitchLetter(word);
+        isPath = TakesPath(letter);
+        makes = isPath ? letter == u'r' : makes;
     }
     return makes;
+}
+
+// Takes one of the launcher's options that stand alone.
+bool TakeFlag(std::string_view argument, Options& options) {
+    const struct {
+        std::string_view names[2];
+        bool* flag;
+    } known[] = {
+        {{"--help", "-h"}, &options.help},
+        {{"--version", "-v"}, &options.version},
+        {{"--check", ""}, &options.check},
+        {{"--samples", ""}, &options.samples},
+    };
+    for (const auto& [names, flag] : known)
+        if (argument == names[0] || (!names[1].empty() && argument == names[1]))
+            return *flag = true;
+    return false;
 }
 
 } // namespace
@@ -66,12 +122,10 @@ std::string ParseArguments(int count, const char* const* arguments, Options& opt
     std::string complaint;
     for (int i = 1; i < count && complaint.empty(); ++i) {
         const std::string_view argument = arguments[i];
+        if (TakeFlag(argument, options))
+            continue;
         if (!argument.starts_with("--"))
             complaint = AddWord(words, argument);
-        else if (argument == "--help")
-            options.help = true;
-        else if (argument == "--version")
-            options.version = true;
         else if (argument == "--device" && i + 1 < count && *arguments[i + 1])
             options.device = arguments[++i];
         else if (argument.starts_with(deviceIs) && argument != deviceIs)

@@ -7,10 +7,14 @@ struct Options {
     std::string device; // host path; empty: the usual one
     bool help = false;
     bool version = false;
+    bool check = false;         // the exit code tells whether the job failed
+    bool samples = false;       // a device that is missing is made with sample databases, without asking
     bool makesDevice = true;    // opens the window, or restores: what else there is needs a device
     std::u16string commandLine; // for the program
 };
 
-// Arguments that begin with "--" are the launcher's, all others the program's. Returns what is wrong with
-// them, empty when nothing is.
+// Arguments that begin with "--" are the launcher's, and so are -h and -v; all others are the program's. An
+// absolute path of the host becomes the device's path for the same file: an argument that begins with a slash
+// where the program wants a path, that holds another slash, or that names what exists. Returns what is wrong
+// with the arguments, empty when nothing is.
 std::string ParseArguments(int count, const char* const* arguments, Options& options);

@@ -1,5 +1,6 @@
 // The host's entry: takes the options that are the launcher's own, opens the device, and hands everything
 // else to the program as its one command line.
+#include <QString>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -15,11 +16,12 @@
 namespace {
 
 constexpr int kNoDisplay = 1;
+constexpr int kJobFailed = 1;
 constexpr int kBadOption = 2;
 constexpr int kBadDevice = 3;
 
 void PrintHelp() {
-    std::puts("Usage: pocket-strandview [--device DIR] [switches]\n"
+    std::puts("Usage: pocket-strandview [options] [switches]\n"
               "\n"
               "Without switches, opens the window on the device's databases. With switches, does one\n"
               "job and ends:\n"
@@ -30,21 +32,23 @@ void PrintHelp() {
               "  -I          do not report failures of single databases\n"
               "  -P          show no progress\n"
               "  -S          take system databases too\n"
-              "A path that begins with \\ is the device's, \\Storage Card\\ is this computer's file system,\n"
-              "any other is relative to the working folder. What begins with / is a switch.\n"
+              "A path that begins with \\ is the device's; any other is this computer's, as usual. Switches\n"
+              "may begin with / too: /B is one, /home/all.bkp is a path.\n"
               "\n"
               "  --device DIR  use the device in the folder DIR; the window and -R make it when it is\n"
               "                missing. Otherwise $STRANDVIEW_DEVICE, else pocket-strandview/device in\n"
               "                $XDG_DATA_HOME (~/.local/share)\n"
-              "  --version     print the version and end\n"
-              "  --help        print this and end\n"
+              "  --samples     fill a device that is missing with sample databases, without asking\n"
+              "  --check       exit with 0 when nothing failed, and with 1 when something did\n"
+              "  --version, -v print the version and end\n"
+              "  --help, -h    print this and end\n"
               "\n"
               "On a display, a job shows its progress unless -P is given, and what it asks and tells in\n"
               "boxes that wait for an answer. Without a display, or where QT_QPA_PLATFORM names one that\n"
               "shows nothing, it opens none of them and writes to standard error.\n"
               "\n"
-              "Exit codes: 255 after every job, whatever became of it; 0 after the window; 1 no display\n"
-              "for the window; 2 wrong arguments; 3 the device cannot be used.");
+              "Exit codes: 255 after every job, whatever became of it, unless --check is given; 0 after\n"
+              "the window; 1 no display for the window; 2 wrong arguments; 3 the device cannot be used.");
 }
 
 const char* Reason(DWORD error) {
@@ -82,12 +86,25 @@ int ReportDevice(const std::string& named) {
     return kBadDevice;
 }
 
+// What the libraries remark, for instance on a plugin that is not installed, is of no use to a user. Whoever
+// looks for a fault has set one of these.
+void SilenceLibraries() {
+    for (const char* variable : {"QT_DEBUG_PLUGINS", "QT_LOGGING_RULES", "QT_FATAL_WARNINGS"})
+        if (std::getenv(variable))
+            return;
+    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
+        if (type == QtFatalMsg)
+            std::fprintf(stderr, "pocket-strandview: %s\n", text.toUtf8().constData());
+    });
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     // A full disk or a closed pipe is an error to report, not a reason to be killed.
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
+    SilenceLibraries();
     Options options;
     if (const std::string complaint = ParseArguments(argc, argv, options); !complaint.empty()) {
         std::fprintf(stderr, "pocket-strandview: %s\n", complaint.c_str());
@@ -102,16 +119,16 @@ int main(int argc, char** argv) {
         return 0;
     }
     if (options.commandLine.empty() && ui::NoDisplay()) {
-        std::fputs(
-            "pocket-strandview: there is no display to open the window on. Start it from a desktop session,\n"
-            "or set DISPLAY or WAYLAND_DISPLAY (\"ssh -X\" brings a display along, \"xvfb-run\" makes one).\n"
-            "Backups and restores need none; see --help.\n",
-            stderr);
+        std::fputs("pocket-strandview: there is no display to open the window on; start it from a desktop "
+                   "session, or set DISPLAY or WAYLAND_DISPLAY\n",
+                   stderr);
         return kNoDisplay;
     }
     if (!UseDevice(options.device, options.makesDevice) || !OpenDeviceStore())
         return ReportDevice(options.device);
     // The module needs a value of its own only; its resources are linked into this very file.
     static char module;
-    return WinMain(reinterpret_cast<HINSTANCE>(&module), nullptr, options.commandLine.data(), SW_SHOWNORMAL);
+    const int code =
+        WinMain(reinterpret_cast<HINSTANCE>(&module), nullptr, options.commandLine.data(), SW_SHOWNORMAL);
+    return options.check ? FailureNoted() * kJobFailed : code;
 }

@@ -54,6 +54,32 @@ TEST(Launcher, HandsOnOneCommandLine) {
     EXPECT_NE(Parse({"--device"}, refused), "");
 }
 
+TEST(Launcher, TakesHostPathsWherePathsBelong) {
+    const struct {
+        std::vector<const char*> typed;
+        std::u16string handedOn;
+    } known[] = {
+        {{"-B", "/all.bkp"}, u"-B \"\\Storage Card\\all.bkp\""},
+        {{"-B", "/tmp/no such/../all.bkp", "/d"}, u"-B \"\\Storage Card\\tmp\\all.bkp\" /d"},
+        {{"/b", "x", "/B", "y", "/d"}, u"/b x /B y /d"},
+        {{"/backup", "/d"}, u"/backup \"\\Storage Card\\d\""},
+        {{"/etc"}, u"\"\\Storage Card\\etc\""},
+        {{"/nowhere/at/all"}, u"\"\\Storage Card\\nowhere\\at\\all\""},
+        {{"-B", "a/b"}, u"-B a/b"},
+    };
+    for (const auto& [typed, handedOn] : known) {
+        std::vector<const char*> arguments{"program"};
+        arguments.insert(arguments.end(), typed.begin(), typed.end());
+        Options options;
+        EXPECT_EQ(ParseArguments(static_cast<int>(arguments.size()), arguments.data(), options), "");
+        EXPECT_EQ(options.commandLine, handedOn);
+    }
+    Options refused;
+    EXPECT_NE(Parse({"-B", "/a\\b"}, refused), "") << "the device would find a folder in it";
+    const std::string tooLong = std::string("/").append(MAX_PATH - 14, 'x');
+    EXPECT_NE(Parse({"-B", tooLong.c_str()}, refused), "");
+}
+
 TEST(Launcher, OnlyTheWindowAndARestoreMakeADevice) {
     const struct {
         std::vector<const char*> typed;
@@ -108,7 +134,8 @@ TEST(Launcher, SaysHowToGetADisplayAndLeavesNoDevice) {
     auto environment = WithoutDisplay();
     const QString device = folder.filePath("device");
     EXPECT_EQ(Start({"--version"}, environment).out, "Pocket Strandview " PROGRAM_VERSION "\n");
-    EXPECT_TRUE(Start({"--help"}, environment).out.contains("--device DIR"));
+    EXPECT_EQ(Start({"-v"}, environment).out, Start({"--version"}, environment).out);
+    EXPECT_TRUE(Start({"-h"}, environment).out.contains("--device DIR"));
     const Outcome wrong = Start({"--wrong"}, environment);
     EXPECT_EQ(wrong.code, 2);
     EXPECT_TRUE(wrong.error.contains("--wrong") && wrong.out.isEmpty());
@@ -117,7 +144,8 @@ TEST(Launcher, SaysHowToGetADisplayAndLeavesNoDevice) {
         environment.insert("QT_QPA_PLATFORM", platform);
         const Outcome window = Start({"--device", device}, environment);
         EXPECT_EQ(window.code, 1) << platform;
-        EXPECT_TRUE(window.error.contains("no display")) << window.error.toStdString();
+        EXPECT_TRUE(window.error.contains("no display") && window.error.count('\n') == 1)
+            << window.error.toStdString();
     }
     EXPECT_FALSE(QDir(device).exists());
     const Outcome job = Start({"--device", device, "-R", "none.bkp"}, environment);

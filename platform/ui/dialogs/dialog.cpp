@@ -7,6 +7,7 @@
 
 #include "platform/base/outofmemory.h"
 #include "platform/base/utf8.h"
+#include "platform/process.h"
 #include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/core/display.h"
 #include "platform/ui/core/messagequeue.h"
@@ -186,6 +187,7 @@ LONG_PTR DialogBoxIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialogTe
         const std::string title =
             dialogTemplate ? ToUtf8(ParseDialogTemplate(dialogTemplate).caption) : std::string();
         std::fprintf(stderr, "%s: a dialog was cancelled, since there is no display\n", title.c_str());
+        NoteFailure();
         return IDCANCEL;
     }
     const HWND dialog = UnlessOutOfMemory<HWND>(

@@ -9,6 +9,7 @@
 #include <cstdio>
 
 #include "platform/base/outofmemory.h"
+#include "platform/process.h"
 #include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/core/display.h"
 #include "platform/ui/core/testhooks.h"
@@ -208,6 +209,14 @@ HWND MakeBox(HWND owner, const QString& text, const WCHAR* caption, UINT style) 
     return unfinished.release();
 }
 
+// A question that a user answers is none, whatever its sign.
+bool TellsOfFailure(UINT style, HWND box) {
+    const UINT icon = style & kIconMask;
+    if ((style & kButtonsMask) == MB_OK)
+        return icon == MB_ICONEXCLAMATION || icon == MB_ICONHAND;
+    return !box || (style & kButtonsMask) == MB_ABORTRETRYIGNORE;
+}
+
 // For a question the line ends with the answer that is assumed.
 void PrintBox(const QString& text, const WCHAR* caption, UINT style) {
     QString line = HostText(caption) + QStringLiteral(": ") + text;
@@ -233,6 +242,8 @@ int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT style)
     const HWND box = UnlessOutOfMemory<HWND>(nullptr, [&] {
         return NoDisplay() ? nullptr : MakeBox(stoodBefore, HostText(text), caption, style);
     });
+    if (TellsOfFailure(style, box))
+        NoteFailure();
     if (!box) {
         PrintBox(HostText(text), caption, style);
         return 0;

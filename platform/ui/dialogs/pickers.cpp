@@ -6,6 +6,7 @@
 
 #include "platform/base/outofmemory.h"
 #include "platform/base/paths.h"
+#include "platform/process.h"
 #include "platform/text.h"
 #include "platform/ui/core/display.h"
 #include "platform/ui/core/testhooks.h"
@@ -85,6 +86,7 @@ BOOL RunPicker(OPENFILENAMEW* info, bool save) {
     const WCHAR* const title = save ? u"Save As" : u"Open";
     if (NoDisplay()) {
         std::fprintf(stderr, "%s: a file cannot be chosen without a display\n", save ? "Save As" : "Open");
+        NoteFailure();
         return FALSE;
     }
     RegisterPickerClass();
