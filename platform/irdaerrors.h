@@ -1,0 +1,19 @@
+// Last errors of infrared sockets.
+#pragma once
+
+#include "platform/errors.h"
+
+constexpr DWORD WSAEACCES = 10013;
+constexpr DWORD WSAEFAULT = 10014;
+constexpr DWORD WSAEINVAL = 10022;
+constexpr DWORD WSAEMFILE = 10024;
+constexpr DWORD WSAENOTSOCK = 10038;
+constexpr DWORD WSAEAFNOSUPPORT = 10047;
+constexpr DWORD WSAEADDRINUSE = 10048;
+constexpr DWORD WSAEADDRNOTAVAIL = 10049;
+constexpr DWORD WSAENETDOWN = 10050;
+constexpr DWORD WSAECONNABORTED = 10053;
+constexpr DWORD WSAECONNRESET = 10054;
+constexpr DWORD WSAENOBUFS = 10055;
+constexpr DWORD WSAETIMEDOUT = 10060;
+constexpr DWORD WSAECONNREFUSED = 10061;
