@@ -14,6 +14,7 @@
 #include "dblist/management.h"
 #include "dblist/propertiesdialog.h"
 #include "dblist/viewmodify.h"
+#include "infrared/beaming.h"
 #include "platform/menu.h"
 #include "platform/shell.h"
 #include "platform/text.h"
@@ -144,6 +145,14 @@ void RunDatabaseCommand(HWND mainWindow, UINT command) {
     case IDM_EMPTY:
         if (OnSelectedDatabase(mainWindow, EmptyDatabaseCommand))
             SaveSelectionAndRebuild();
+        break;
+    case IDM_SEND:
+        if (OnSelectedDatabase(mainWindow, SendDatabase))
+            SaveSelectionAndRebuild();
+        break;
+    case IDM_RECEIVE:
+        if (ReceiveDatabase(mainWindow))
+            RebuildDatabaseList();
         break;
     case IDM_PROPERTIES:
         if (SelectedRowCount() == 1)

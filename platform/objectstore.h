@@ -143,7 +143,14 @@ BOOL CeOidGetInfo(CEOID oid, CEOIDINFO* info);
 
 // Makes an empty database. Names have 1 to 31 characters and are compared without regard to case; there are
 // at most four sort orders. The new identifier, or 0.
-CEOID CeCreateDatabase(const WCHAR* name, DWORD type, WORD sortOrders, const SORTORDERSPEC* specs);
+//
+// With CEDB_UNFINISHED the database is to be whole or not at all: unless CeFinishDatabase is called, it is
+// deleted when the store is opened next and no process has it open, such as after the death of the one that
+// made it.
+constexpr DWORD CEDB_UNFINISHED = 0x0001;
+CEOID CeCreateDatabase(const WCHAR* name, DWORD type, WORD sortOrders, const SORTORDERSPEC* specs,
+                       DWORD flags = 0);
+BOOL CeFinishDatabase(CEOID oid);
 
 // Opens a database: by identifier when *oid is not 0, else by name, and then its identifier is put into *oid.
 // `sort` is the property of one of its sort orders, else ERROR_INVALID_PARAMETER, or 0 for the order in which

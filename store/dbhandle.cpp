@@ -42,10 +42,10 @@ HANDLE DbHandle::OpenWithNotify(HWND notify, const WCHAR* databaseName, CEPROPID
     return Opened(CeOpenDatabase(&oid, databaseName, sortProperty, flags, notify), databaseName);
 }
 
-HANDLE DbHandle::Create(const WCHAR* databaseName, const CEDBASEINFO& info) {
+HANDLE DbHandle::Create(const WCHAR* databaseName, const CEDBASEINFO& info, DWORD flags) {
     if (handle != INVALID_HANDLE_VALUE)
         Close();
-    oid = CeCreateDatabase(databaseName, info.dwDbaseType, info.wNumSortOrder, info.rgSortSpecs);
+    oid = CeCreateDatabase(databaseName, info.dwDbaseType, info.wNumSortOrder, info.rgSortSpecs, flags);
     if (!oid) {
         Report(IDS_COULD_NOT_CREATE, databaseName);
         return INVALID_HANDLE_VALUE;
@@ -92,6 +92,15 @@ bool DbHandle::GetInfo(CEDBASEINFO* info) {
     }
     *info = object.infDatabase;
     return true;
+}
+
+bool DbHandle::Finish() {
+    if (!IsOpen())
+        return false;
+    if (CeFinishDatabase(oid))
+        return true;
+    Report(IDS_COULD_NOT_UPDATE);
+    return false;
 }
 
 bool DbHandle::SetInfo(CEOID database, const CEDBASEINFO& info) {

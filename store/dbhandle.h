@@ -39,13 +39,15 @@ public:
     // Opening closes what was open. The invalid handle on failure.
     HANDLE Open(const WCHAR* databaseName, CEPROPID sortProperty, DWORD flags);
     HANDLE OpenWithNotify(HWND notify, const WCHAR* databaseName, CEPROPID sortProperty, DWORD flags);
-    HANDLE Create(const WCHAR* databaseName, const CEDBASEINFO& info);
+    // `flags` are those of CeCreateDatabase.
+    HANDLE Create(const WCHAR* databaseName, const CEDBASEINFO& info, DWORD flags = 0);
     bool Close(); // true also when nothing was open
 
     // Every operation leaves the last error of its failure to its caller, also after it has been reported.
     // All below but SetInfo and DeleteDatabase fail at once, without a message and with
     // ERROR_INVALID_PARAMETER, when no database is open.
     bool GetInfo(CEDBASEINFO* info); // zeroed on failure
+    bool Finish();                   // one made with CEDB_UNFINISHED
     bool SetInfo(CEOID database, const CEDBASEINFO& info);
 
     // The index is the record's 0-based position in the order that the database was opened with.

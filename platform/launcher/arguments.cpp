@@ -114,10 +114,26 @@ bool TakeFlag(std::string_view argument, Options& options) {
     return false;
 }
 
+// What an option that names a folder sets; null for any other argument.
+std::string* FolderOf(std::string_view argument, Options& options) {
+    const std::string_view name = argument.substr(0, argument.find('='));
+    return name == "--device" ? &options.device : name == "--air" ? &options.air : nullptr;
+}
+
+// The folder of the option at `i`, which stands behind "=" or is the next argument.
+std::string TakeFolder(int count, const char* const* arguments, int& i, std::string& folder) {
+    const std::string_view option = arguments[i];
+    const std::size_t equals = option.find('=');
+    if (equals != std::string_view::npos)
+        folder = option.substr(equals + 1);
+    else
+        folder = i + 1 < count ? arguments[++i] : "";
+    return folder.empty() ? std::string(option.substr(0, equals)) + " needs a folder" : std::string();
+}
+
 } // namespace
 
 std::string ParseArguments(int count, const char* const* arguments, Options& options) {
-    constexpr std::string_view deviceIs = "--device=";
     Words words;
     std::string complaint;
     for (int i = 1; i < count && complaint.empty(); ++i) {
@@ -126,12 +142,8 @@ std::string ParseArguments(int count, const char* const* arguments, Options& opt
             continue;
         if (!argument.starts_with("--"))
             complaint = AddWord(words, argument);
-        else if (argument == "--device" && i + 1 < count && *arguments[i + 1])
-            options.device = arguments[++i];
-        else if (argument.starts_with(deviceIs) && argument != deviceIs)
-            options.device = argument.substr(deviceIs.size());
-        else if (argument == "--device" || argument == deviceIs)
-            complaint = "--device needs a folder";
+        else if (std::string* const folder = FolderOf(argument, options))
+            complaint = TakeFolder(count, arguments, i, *folder);
         else
             complaint = "unknown option " + std::string(argument) + "; see --help";
     }

@@ -5,6 +5,7 @@
 
 struct Options {
     std::string device; // host path; empty: the usual one
+    std::string air;    // the same
     bool help = false;
     bool version = false;
     bool check = false;         // the exit code tells whether the job failed

@@ -8,6 +8,7 @@
 
 #include "platform/device.h"
 #include "platform/errors.h"
+#include "platform/irda/air.h"
 #include "platform/launcher/arguments.h"
 #include "platform/process.h"
 #include "platform/ui/core/display.h"
@@ -38,6 +39,8 @@ void PrintHelp() {
               "  --device DIR  use the device in the folder DIR; the window and -R make it when it is\n"
               "                missing. Otherwise $STRANDVIEW_DEVICE, else pocket-strandview/device in\n"
               "                $XDG_DATA_HOME (~/.local/share)\n"
+              "  --air DIR     send to and receive from the devices whose air is the folder DIR. Otherwise\n"
+              "                $STRANDVIEW_AIR, else pocket-strandview/air in $XDG_RUNTIME_DIR\n"
               "  --samples     fill a device that is missing with sample databases, without asking\n"
               "  --check       exit with 0 when nothing failed, and with 1 when something did\n"
               "  --version, -v print the version and end\n"
@@ -126,6 +129,7 @@ int main(int argc, char** argv) {
     }
     if (!UseDevice(options.device, options.makesDevice) || !OpenDeviceStore())
         return ReportDevice(options.device);
+    UseAir(options.air);
     // The module needs a value of its own only; its resources are linked into this very file.
     static char module;
     const int code =

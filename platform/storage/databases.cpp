@@ -152,7 +152,7 @@ HANDLE FindFirst(DWORD type) {
     return select.Failed() ? INVALID_HANDLE_VALUE : AddKernelObject(std::move(enumeration));
 }
 
-CEOID Create(std::u16string_view name, DWORD type, WORD sortOrders, const SORTORDERSPEC* specs) {
+CEOID Create(std::u16string_view name, DWORD type, WORD sortOrders, const SORTORDERSPEC* specs, DWORD flags) {
     Store* store = TheStore();
     if (!store)
         return 0;
@@ -161,12 +161,16 @@ CEOID Create(std::u16string_view name, DWORD type, WORD sortOrders, const SORTOR
     name.copy(row.info.szDbaseName, name.size());
     row.info.dwDbaseType = type;
     TakeSortOrders(row.info, sortOrders, specs);
+    const bool unfinished = (flags & CEDB_UNFINISHED) != 0;
+    if (unfinished)
+        store->locks.SetTidy(false); // so that the next opening looks for it
     if (!InTransaction(*store, [&] {
             if (!NameIsFree(*store, name, 0))
                 return false;
             row.oid = store->NewIdentifier();
             row.info.ftLastModified = Now();
-            return row.oid != 0 && store->catalogue.Insert(row);
+            return row.oid != 0 && store->catalogue.Insert(row) &&
+                   (!unfinished || MarkUnfinished(*store, row.oid));
         }))
         return 0;
     store->AfterCommit([&] { store->catalogue.Keep(row); });
@@ -252,15 +256,27 @@ BOOL CeOidGetInfo(CEOID oid, CEOIDINFO* info) {
         });
 }
 
-CEOID CeCreateDatabase(const WCHAR* name, DWORD type, WORD sortOrders, const SORTORDERSPEC* specs) {
+CEOID CeCreateDatabase(const WCHAR* name, DWORD type, WORD sortOrders, const SORTORDERSPEC* specs,
+                       DWORD flags) {
     const std::size_t length = NameLength(name);
     if (length == 0)
         return 0;
-    if (sortOrders > CEDB_MAXSORTORDER || (sortOrders != 0 && !specs)) {
+    if (sortOrders > CEDB_MAXSORTORDER || (sortOrders != 0 && !specs) || (flags & ~CEDB_UNFINISHED) != 0) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
-    return UnlessOutOfMemory(CEOID{0}, [&] { return Create({name, length}, type, sortOrders, specs); });
+    return UnlessOutOfMemory(CEOID{0}, [&] {
+        return Create({name, length}, type, sortOrders, specs, flags);
+    });
+}
+
+BOOL CeFinishDatabase(CEOID oid) {
+    return UnlessOutOfMemory(
+        FALSE,
+        [&] {
+            Store* store = TheStore();
+            return store && store->catalogue.Find(oid) && FinishDatabase(*store, oid) ? TRUE : FALSE;
+        });
 }
 
 HANDLE CeOpenDatabase(CEOID* oid, const WCHAR* name, CEPROPID sort, DWORD flags, HWND notify) {

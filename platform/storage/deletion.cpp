@@ -86,10 +86,58 @@ bool DeleteDatabase(Store& store, CEOID database) {
     return store.Sync();
 }
 
+namespace {
+
+// Made when first needed: a store of an earlier version has no such table.
+constexpr const char* kMakeUnfinished = "CREATE TABLE IF NOT EXISTS unfinished (oid INTEGER PRIMARY KEY)";
+
+// False with the last error set.
+bool FindUnfinished(Store& store, std::vector<CEOID>& unfinished) {
+    Statement table(store.connection, "SELECT count(*) FROM sqlite_schema WHERE name = 'unfinished'");
+    if (!table.Row() || table.Number(0) == 0)
+        return !table.Failed();
+    Statement select(store.connection, "SELECT oid FROM unfinished WHERE oid IN (SELECT oid FROM databases)");
+    while (select.Row())
+        unfinished.push_back(static_cast<CEOID>(select.Number(0)));
+    return !select.Failed();
+}
+
+// False when one is still being made, or could not be deleted.
+bool DeleteUnfinished(Store& store) {
+    std::vector<CEOID> unfinished;
+    bool done = FindUnfinished(store, unfinished);
+    for (const CEOID database : unfinished) {
+        const bool alone = store.locks.HoldAlone(database);
+        done = alone && DeleteDatabase(store, database) && done;
+        if (alone)
+            store.locks.ReleaseAlone(database);
+    }
+    return done;
+}
+
+} // namespace
+
+bool MarkUnfinished(Store& store, CEOID database) {
+    if (store.connection.Execute(kMakeUnfinished) != 0)
+        return false;
+    Statement insert(store.connection, "INSERT INTO unfinished VALUES (?1)");
+    return insert.Bind(database).Run();
+}
+
+bool FinishDatabase(Store& store, CEOID database) {
+    return InTransaction(
+               store,
+               [&] {
+                   Statement remove(store.connection, "DELETE FROM unfinished WHERE oid = ?1");
+                   return remove.Bind(database).Run();
+               }) &&
+           store.Sync();
+}
+
 void TidyUp(Store& store) {
     std::vector<CEOID> leftovers;
     if (!store.locks.IsTidy() && FindLeftovers(store, leftovers)) {
-        bool tidy = true;
+        bool tidy = DeleteUnfinished(store);
         for (const CEOID database : leftovers)
             tidy = DeleteContents(store, database) && tidy;
         store.locks.SetTidy(tidy && store.Sync());

@@ -11,8 +11,12 @@ namespace storage {
 bool DeleteDatabase(Store& store, CEOID database);
 // Within a write transaction.
 bool DeleteSortKeys(Store& store, CEOID database);
-// Deletes what earlier deletions left, unless nothing is known to be left, and sets room aside for later
-// ones. To be called with the setup lock.
+// Within a write transaction: the database is deleted by TidyUp, once nobody has it open, unless it was
+// finished before.
+bool MarkUnfinished(Store& store, CEOID database);
+bool FinishDatabase(Store& store, CEOID database);
+// Deletes what earlier deletions left and what was never finished, unless nothing is known to be left, and
+// sets room aside for later ones. To be called with the setup lock.
 void TidyUp(Store& store);
 
 } // namespace storage
