@@ -1,0 +1,34 @@
+// Another device, as far as the air goes: what it sends, and what it is answered, byte by byte.
+#pragma once
+
+#include <atomic>
+#include <string>
+#include <thread>
+#include <vector>
+
+struct PeerStep {
+    enum Kind { Send, Expect, Close, AwaitEnd } kind;
+    std::string bytes = {};
+};
+
+// Runs the steps beside the program.
+class Peer {
+public:
+    enum Side { Calls, IsCalled };
+    Peer(Side side, const std::string& air, std::vector<PeerStep> steps);
+    ~Peer() { Join(); }
+    Peer(const Peer&) = delete;
+    Peer& operator=(const Peer&) = delete;
+
+    void Join();
+    // What went otherwise than the steps say; empty when nothing did.
+    std::string complaint;
+    std::atomic<bool> done = false;
+
+private:
+    void Run(Side side, const std::string& air);
+    void Follow(int link);
+
+    std::vector<PeerStep> steps;
+    std::thread thread;
+};
