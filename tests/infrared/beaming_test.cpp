@@ -146,7 +146,8 @@ TEST_F(Beaming, SendsByteByByteAndCancelsOnEitherSide) {
             WaitFor([&] { return peer.done.load() && App().idle; }, "the refusal");
             EXPECT_EQ(peer.complaint, "");
         }
-        Peer peer(Peer::IsCalled, air, whole + Steps{{PeerStep::Expect, std::string(1, '?')}});
+        // The address, and then nothing until the sender is gone.
+        Peer peer(Peer::IsCalled, air, whole + Steps{{PeerStep::Expect, std::string(5, '?')}});
         Press(Qt::Key_S, Qt::ControlModifier);
         InWindow(IDD_TRANSFER);
         WaitFor([&] { return Text(IDC_TRANSFER_STATUS) == u"Sending record 1 of 1..."; }, "a record");
