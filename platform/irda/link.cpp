@@ -7,7 +7,7 @@
 
 #include "platform/irda/hosterrors.h"
 #include "platform/ui/core/messagequeue.h"
-#include "platform/ui/core/windowobject.h"
+#include "platform/ui/core/windowsystem.h"
 
 namespace {
 
@@ -28,8 +28,8 @@ bool WaitUntilReady(const Descriptor& link, short event) {
             SetLastError(WSAECONNRESET);
             return false;
         }
-        if (WindowSystemStarted())
-            PumpHost(false);
+        if (ui::WindowSystemStarted())
+            ui::PumpHost(false);
     }
     return true;
 }
