@@ -40,6 +40,7 @@ bool ProgressDialog::Create(HWND owner) {
 
 void ProgressDialog::SetRange(int n) {
     range = n;
+    barPosition = 0;
     SendDlgItemMessageW(window, IDC_PROGRESS_BAR, PBM_SETRANGE32, 0, n);
     SendDlgItemMessageW(window, IDC_PROGRESS_BAR, PBM_SETSTEP, 1, 0);
     SendDlgItemMessageW(window, IDC_PROGRESS_BAR, PBM_SETPOS, 0, 0);
@@ -47,11 +48,33 @@ void ProgressDialog::SetRange(int n) {
 
 void ProgressDialog::SetText(UINT formatString, int newPosition, const WCHAR* argument) {
     position = newPosition == kNextPosition ? position + 1 : newPosition;
+    barPosition = position + 1;
     lineFormat = formatString;
     CopyText(lineArgument, argument);
     lineWaits = true;
+    ShowLater();
+}
+
+void ProgressDialog::SetLine(const WCHAR* text) {
+    lineFormat = 0;
+    CopyText(lineArgument, text);
+    lineWaits = true;
+    ShowLater();
+}
+
+void ProgressDialog::Step() {
+    ++barPosition;
+    ShowLater();
+}
+
+void ProgressDialog::DisableCancel() {
+    EnableWindow(GetDlgItem(window, IDCANCEL), FALSE);
+}
+
+void ProgressDialog::ShowLater() {
+    waits = true;
     if (IsDue())
-        ShowLine();
+        ShowNow();
 }
 
 // A line is shown at once while that takes little of the time, for nobody knows how long the next step takes.
@@ -61,22 +84,29 @@ bool ProgressDialog::IsDue() const {
 }
 
 void ProgressDialog::ShowWaitingText() {
+    if (waits)
+        ShowNow();
+}
+
+void ProgressDialog::ShowNow() {
+    const auto begin = std::chrono::steady_clock::now();
     if (lineWaits)
         ShowLine();
+    SendDlgItemMessageW(window, IDC_PROGRESS_BAR, PBM_SETPOS, static_cast<WPARAM>(barPosition), 0);
+    UpdateWindow(window);
+    lineWaits = waits = false;
+    shownAt = GetTickCount();
+    showing += std::chrono::steady_clock::now() - begin;
 }
 
 void ProgressDialog::ShowLine() {
-    const auto begin = std::chrono::steady_clock::now();
     WCHAR format[kFormatCapacity];
     WCHAR line[kFormatCapacity + MAX_PATH];
-    LoadText(lineFormat, format);
-    wsprintfW(line, format, lineArgument, position, range - 1);
-    SetDlgItemTextW(window, IDC_PROGRESS_TEXT, line);
-    SendDlgItemMessageW(window, IDC_PROGRESS_BAR, PBM_SETPOS, position + 1, 0);
-    UpdateWindow(window);
-    lineWaits = false;
-    shownAt = GetTickCount();
-    showing += std::chrono::steady_clock::now() - begin;
+    if (lineFormat) {
+        LoadText(lineFormat, format);
+        wsprintfW(line, format, lineArgument, position, range - 1);
+    }
+    SetDlgItemTextW(window, IDC_PROGRESS_TEXT, lineFormat ? line : lineArgument);
 }
 
 void ProgressDialog::DispatchWaiting() {
@@ -118,6 +148,8 @@ void ProgressDialog::Init(HWND dialog) {
 }
 
 void ProgressDialog::AskToCancel() {
+    if (!IsWindowEnabled(GetDlgItem(window, IDCANCEL))) // the cross of the window still is
+        return;
     if (MessageFromString(window, confirmString, kQuestionBox) == IDYES)
         cancelled = 1;
 }

@@ -131,7 +131,7 @@ bool Settings::Save() {
         const DWORD nameBytes = static_cast<DWORD>((lstrlenW(scriptName) + 1) * sizeof(WCHAR));
         saved = RegSetValueExW(key, kScriptName.name, 0, kScriptName.type, FieldOf(this, kScriptName),
                                nameBytes) == ERROR_SUCCESS;
-        RegCloseKey(key);
+        saved = RegCloseKey(key) == ERROR_SUCCESS && saved;
     }
     RegCloseKey(user);
     return saved;

@@ -4,8 +4,8 @@
 
 #include <memory>
 
-#include "app/progressdialog.h"
-#include "app/uiservices.h"
+#include "app/passworddialogs.h"
+#include "app/progressdisplay.h"
 #include "platform/objectstore.h"
 
 class Compressor;
@@ -21,18 +21,6 @@ struct ArchiveHeader {
 static_assert(sizeof(ArchiveHeader) == 24);
 
 constexpr DWORD kPasswordFollows = 0x10;
-constexpr int kPasswordCapacity = 20; // characters, terminator included
-
-// A password as archives, scripts and registry backups store it: scrambled, ended by a zero.
-struct PasswordBlock {
-    WCHAR text[kPasswordCapacity];
-};
-static_assert(sizeof(PasswordBlock) == 40);
-
-// Scrambles a password in place, or unscrambles it. The result always ends within the block, with zeros
-// behind its end: a character that equals the mask becomes the end.
-void ScramblePassword(PasswordBlock* password);
-
 struct DatabaseBlock {
     DWORD blockSize;
     CEDBASEINFO info;
@@ -71,13 +59,10 @@ public:
     void ReportFailure(UINT stringId) const;
     void ReportFailure(UINT stringId, const WCHAR* argument) const;
     void ReportOutOfMemory() const;
-    // Makes the progress dialog, or with the settings' noProgress the wait cursor that stands for it.
-    void BeginProgress(UINT confirmString, UINT titleString);
     // Called before a step that moves so many bytes. When that may take long, what the progress was last told
     // is brought to the screen first.
     void BeforeStep(DWORD bytes);
     static constexpr DWORD kLongStep = 1 << 20; // from here on
-    void EndProgress();
     // The user has cancelled, or the program is to end: no further database is begun.
     bool Stopped() const;
     // Before a database, and before each of its records; false once the user has cancelled. The block must
@@ -89,8 +74,7 @@ public:
     ArchiveHeader header = {};
     DWORD entryOffset = 0; // where the current database entry starts
     std::unique_ptr<Compressor> codec;
-    std::unique_ptr<ProgressDialog> progress;
-    std::unique_ptr<WaitCursor> waitCursor;
+    ProgressDisplay progress;
     PasswordBlock password = {};
     bool passwordFlag = false;
 

@@ -43,7 +43,7 @@ bool BackupEngine::BeginBackup(HWND ownerWindow, bool showOptions, const WCHAR* 
     entryOffset = header.firstEntry;
     if (generateScript)
         script.Create(owner, archivePath, codec != nullptr, passwordFlag ? &password : nullptr);
-    BeginProgress(IDS_CONFIRM_ABORT_BACKUP, IDS_BACKUP_DATABASES);
+    progress.Begin(owner, IDS_CONFIRM_ABORT_BACKUP, IDS_BACKUP_DATABASES);
     return true;
 }
 
@@ -152,7 +152,7 @@ bool BackupEngine::Finish() {
     const bool written = WriteHeader() && cut;
     const bool closed = CloseFile(complete && written);
     codec.reset();
-    EndProgress();
+    progress.End();
     script.Complete(owner, header.databaseCount, complete && written && closed);
     return written && closed;
 }

@@ -3,7 +3,7 @@
 #include "app/application.h"
 #include "app/dialogframe.h"
 #include "backup/backup.h"
-#include "backup/passworddialogs.h"
+#include "app/passworddialogs.h"
 #include "platform/text.h"
 #include "resources/resource.h"
 

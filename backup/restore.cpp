@@ -4,8 +4,8 @@
 #include <cstring>
 
 #include "app/application.h"
+#include "app/passworddialogs.h"
 #include "backup/compressor.h"
-#include "backup/passworddialogs.h"
 #include "backup/restoredialog.h"
 #include "platform/controls.h"
 #include "platform/text.h"
@@ -83,9 +83,9 @@ bool RestoreEngine::RestoreDatabases(HWND list) {
     if (!ReadHeader())
         return false;
     entryOffset = header.firstEntry;
-    BeginProgress(IDS_CONFIRM_ABORT_RESTORE, IDS_RESTORE_DATABASES);
+    progress.Begin(owner, IDS_CONFIRM_ABORT_RESTORE, IDS_RESTORE_DATABASES);
     const bool ok = RestoreEntries(list);
-    EndProgress();
+    progress.End();
     return ok;
 }
 

@@ -18,6 +18,7 @@
 #include "platform/menu.h"
 #include "platform/shell.h"
 #include "platform/text.h"
+#include "regbackup/registrybackup.h"
 #include "resources/resource.h"
 
 namespace {
@@ -187,6 +188,12 @@ void RunProgramCommand(HWND mainWindow, UINT command) {
         break;
     case IDM_AUTOBACKUP:
         ReplayScript(mainWindow);
+        break;
+    case IDM_BACKUP_REGISTRY:
+        BackupRegistry(mainWindow, nullptr);
+        break;
+    case IDM_RESTORE_REGISTRY:
+        RestoreRegistry(mainWindow, nullptr);
         break;
     }
 }

@@ -250,6 +250,8 @@ constexpr int IDNO = 7;
 // box (the text, and for a question the answer that 0 stands for, go to standard error as one line), or the
 // box was destroyed with its owner. 0 never means Yes.
 int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT style);
+// The sound of a box with that icon; the host has one for all.
+void MessageBeep(UINT style);
 
 inline const WCHAR* const IDC_WAIT = MAKEINTRESOURCEW(32514);
 HCURSOR LoadCursorW(HINSTANCE instance, const WCHAR* name); // instance null: the platform's own

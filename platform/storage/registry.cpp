@@ -1,13 +1,10 @@
 // The registry's keys and values, in two tables of the store. The main keys are parents that need no row.
 #include "platform/registry.h"
 
-#include <algorithm>
-#include <cstring>
-
-#include "platform/base/handles.h"
 #include "platform/base/outofmemory.h"
 #include "platform/errors.h"
 #include "platform/storage/fold.h"
+#include "platform/storage/registrykeys.h"
 #include "platform/storage/registrypaths.h"
 
 namespace storage {
@@ -18,26 +15,7 @@ constexpr std::size_t kLongestValueName = 259;
 constexpr std::size_t kLongestClass = 259;
 constexpr DWORD kLargestValue = 1 << 20;
 
-// How far an enumeration has come, so that the next index need not be counted out from the first. It holds
-// while nothing in the registry changes.
-struct Progress {
-    DWORD index = 0; // of the item after `folded`
-    std::u16string folded;
-    std::uint64_t change = 0; // 0: nowhere
-};
-
-struct OpenKey : KernelObject {
-    std::int64_t id = kNoKey;   // a row, or minus 1 to minus 3 for a main key
-    std::size_t pathLength = 0; // below the main key
-    Progress keys;
-    Progress values;
-};
-
-std::uint64_t ownChanges = 1; // of this process; together with the store's epoch it tells of every change
-
-std::uint64_t ChangeNow(const Store& store) {
-    return ownChanges + store.epoch;
-}
+int openKeys = 0; // that the program holds
 
 LONG Fail(DWORD error) {
     SetLastError(error);
@@ -46,6 +24,10 @@ LONG Fail(DWORD error) {
 
 LONG FailAsSet() {
     return static_cast<LONG>(GetLastError());
+}
+
+LONG AsSet(bool done) {
+    return done ? static_cast<LONG>(ERROR_SUCCESS) : FailAsSet();
 }
 
 std::u16string_view View(const WCHAR* text) {
@@ -66,9 +48,11 @@ OpenKey* FindKey(HKEY key) {
     return &mainKey;
 }
 
+enum class Gathering { Goes, GoesOn }; // what becomes of what is gathered through the key
+
 // Runs a call on an open key.
 template <typename Call>
-LONG WithKey(HKEY key, Call call) {
+LONG WithKey(HKEY key, Gathering gathering, Call call) {
     return UnlessOutOfMemory(
         static_cast<LONG>(ERROR_NOT_ENOUGH_MEMORY),
         [&]() -> LONG {
@@ -76,15 +60,29 @@ LONG WithKey(HKEY key, Call call) {
             if (!store)
                 return FailAsSet();
             OpenKey* open = FindKey(key);
-            return open ? call(*store, *open) : Fail(ERROR_INVALID_HANDLE);
+            if (!open)
+                return Fail(ERROR_INVALID_HANDLE);
+            if (!WriteGathered(*store, gathering == Gathering::GoesOn ? open : nullptr))
+                return FailAsSet();
+            return call(*store, *open);
         });
 }
+template <typename Call>
+LONG WithKey(HKEY key, Call call) {
+    return WithKey(key, Gathering::Goes, call);
+}
 
-HKEY AddOpenKey(std::int64_t id, std::size_t pathLength) {
+std::unique_ptr<OpenKey> MakeOpenKey(std::int64_t id, std::size_t pathLength) {
     auto open = std::make_unique<OpenKey>();
     open->id = id;
     open->pathLength = pathLength;
-    return AddKernelObject(std::move(open));
+    return open;
+}
+
+HKEY AddOpenKey(std::unique_ptr<OpenKey> open) {
+    const HKEY handle = AddKernelObject(std::move(open));
+    ++openKeys;
+    return handle;
 }
 
 // Copies a text with its terminator. False when it does not fit.
@@ -97,11 +95,10 @@ bool GiveText(std::u16string_view text, WCHAR* out, DWORD* length) {
     return true;
 }
 
-// Copies what a value's row holds: its type and its bytes.
-LONG GiveValue(const Statement& row, int typeColumn, int dataColumn, DWORD* type, BYTE* data, DWORD* size) {
-    const std::string_view bytes = row.Bytes(dataColumn);
+// Copies what a value holds: its type and its bytes.
+LONG GiveValue(DWORD valueType, std::string_view bytes, DWORD* type, BYTE* data, DWORD* size) {
     if (type)
-        *type = static_cast<DWORD>(row.Number(typeColumn));
+        *type = valueType;
     if (!size)
         return data ? Fail(ERROR_INVALID_PARAMETER) : static_cast<LONG>(ERROR_SUCCESS);
     const DWORD room = *size;
@@ -114,19 +111,11 @@ LONG GiveValue(const Statement& row, int typeColumn, int dataColumn, DWORD* type
     return ERROR_SUCCESS;
 }
 
-// Steps a statement that yields folded names in order, and starts behind ?2 with ?3 rows left out, to an
-// index. Column 0 is the folded name. False at the end or on failure, with the last error set.
-bool StepTo(Statement& select, const Store& store, std::int64_t key, DWORD index, Progress& progress) {
-    const bool follows = progress.change == ChangeNow(store) && progress.index == index;
-    const std::u16string after = follows ? progress.folded : std::u16string();
-    select.Bind(key).BindText(after).Bind(follows ? 0 : index).Bind(follows ? 1 : 0);
-    if (!select.Row()) {
-        if (!select.Failed())
-            SetLastError(ERROR_NO_MORE_ITEMS);
-        return false;
-    }
-    progress = {index + 1, std::u16string(select.Text(0)), ChangeNow(store)};
-    return true;
+// What nothing can be written to says so at once, and not when what is gathered is written.
+bool MayChange(const Store& store) {
+    if (store.readOnlyError != ERROR_SUCCESS)
+        SetLastError(store.readOnlyError);
+    return store.readOnlyError == ERROR_SUCCESS;
 }
 
 LONG OpenPath(Store& store, const OpenKey& key, std::u16string_view path, HKEY* opened) {
@@ -136,7 +125,7 @@ LONG OpenPath(Store& store, const OpenKey& key, std::u16string_view path, HKEY* 
     const std::int64_t id = FindPath(store, key.id, path);
     if (id == kNoKey)
         return FailAsSet();
-    *opened = AddOpenKey(id, length);
+    *opened = AddOpenKey(MakeOpenKey(id, length));
     return ERROR_SUCCESS;
 }
 
@@ -145,49 +134,46 @@ LONG CreatePath(Store& store, const OpenKey& key, std::u16string_view path, std:
     std::size_t length = key.pathLength;
     if (!opened || MeasurePath(path, length) != ERROR_SUCCESS || keyClass.size() > kLongestClass)
         return Fail(ERROR_INVALID_PARAMETER);
-    std::int64_t id = FindPath(store, key.id, path);
+    const std::int64_t id = FindPath(store, key.id, path);
     const bool found = id != kNoKey;
-    if (!found && GetLastError() == ERROR_FILE_NOT_FOUND) {
-        if (length > kLongestPath)
-            return Fail(ERROR_FILENAME_EXCED_RANGE); // whoever reads a path has room for no more
-        id = MakePath(store, key.id, path, keyClass);
-        ++ownChanges;
-    }
-    if (id == kNoKey)
+    if (!found && GetLastError() != ERROR_FILE_NOT_FOUND)
         return FailAsSet();
-    *opened = AddOpenKey(id, length);
+    if (!found && length > kLongestPath)
+        return Fail(ERROR_FILENAME_EXCED_RANGE); // whoever reads a path has room for no more
+    if (!found && !MayChange(store))
+        return FailAsSet();
+    std::unique_ptr<OpenKey> open = MakeOpenKey(id, length);
+    OpenKey& made = *open;
+    *opened = AddOpenKey(std::move(open));
+    if (!found)
+        GatherKey(made, key.id, path, keyClass);
     if (disposition)
         *disposition = found ? REG_OPENED_EXISTING_KEY : REG_CREATED_NEW_KEY;
     return ERROR_SUCCESS;
 }
 
-bool SetValue(Store& store, std::int64_t key, std::u16string_view name, DWORD type, std::string_view bytes) {
-    const std::u16string folded = Fold(name);
-    const bool set = InTransaction(store, [&] {
-        Statement write(store.connection,
-                        "INSERT INTO vals (key, folded, name, type, data) VALUES (?1, ?2, ?3, ?4, ?5) "
-                        "ON CONFLICT (key, folded) DO UPDATE SET type = excluded.type, data = excluded.data");
-        return write.Bind(key).BindText(folded).BindText(name).Bind(type).BindBytes(bytes).Run();
-    });
-    ++ownChanges;
-    return set;
+// A main key is never closed, so what is changed through it is written at once.
+LONG ChangeValue(Store& store, HKEY handle, OpenKey& key, ValueChange change) {
+    if (!MayChange(store))
+        return FailAsSet();
+    GatherChange(key, std::move(change));
+    if (!IsMainKey(handle) || WriteGatheredThrough(store, key))
+        return ERROR_SUCCESS;
+    GiveUpGathered(key);
+    return FailAsSet();
 }
 
-bool DeleteValue(Store& store, std::int64_t key, std::u16string_view name) {
-    const std::u16string folded = Fold(name);
-    const bool deleted = InTransaction(store, [&] {
-        Statement remove(store.connection, "DELETE FROM vals WHERE key = ?1 AND folded = ?2");
-        if (!remove.Bind(key).BindText(folded).Run())
-            return false;
-        SetLastError(ERROR_FILE_NOT_FOUND); // unless one was there
-        return store.connection.Changes() != 0;
-    });
-    ++ownChanges;
-    return deleted;
-}
-
-LONG AsSet(bool done) {
-    return done ? static_cast<LONG>(ERROR_SUCCESS) : FailAsSet();
+LONG CloseKey(HKEY key) {
+    LONG result = ERROR_SUCCESS;
+    if (!IsMainKey(key)) {
+        if (!FindKernelObject<OpenKey>(key))
+            return Fail(ERROR_INVALID_HANDLE);
+        --openKeys;
+        result = AsSet(CloseKernelObject(key));
+    }
+    // Whoever writes many keys holds another one open meanwhile: bringing each to the disk takes its time.
+    Store* store = openKeys == 0 ? StoreIfOpen() : nullptr;
+    return store && !store->Sync() ? FailAsSet() : result;
 }
 
 } // namespace
@@ -210,39 +196,45 @@ LONG RegCreateKeyExW(HKEY key, const WCHAR* path, DWORD, const WCHAR* keyClass, 
 }
 
 LONG RegCloseKey(HKEY key) {
-    if (!IsMainKey(key) && (!FindKernelObject<OpenKey>(key) || !CloseKernelObject(key)))
-        return Fail(ERROR_INVALID_HANDLE);
-    Store* store = StoreIfOpen();
-    return AsSet(!store || store->Sync());
+    return UnlessOutOfMemory(
+        static_cast<LONG>(ERROR_NOT_ENOUGH_MEMORY), [=] { return CloseKey(key); });
 }
 
 LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD*, DWORD* type, BYTE* data, DWORD* size) {
     return WithKey(
         key,
-        [&](Store& store, const OpenKey& open) {
-            const std::u16string folded = Fold(View(name));
-            Statement select(store.connection, "SELECT type, data FROM vals WHERE key = ?1 AND folded = ?2");
-            if (!select.Bind(open.id).BindText(folded).Row())
-                return select.Failed() ? FailAsSet() : Fail(ERROR_FILE_NOT_FOUND);
-            return GiveValue(select, 0, 1, type, data, size);
+        [&](Store& store, OpenKey& open) {
+            LONG result = ERROR_SUCCESS;
+            const bool found = FindValue(
+                store, open, Fold(View(name)),
+                [&](DWORD held, std::string_view bytes) {
+                    result = GiveValue(held, bytes, type, data, size);
+                });
+            return found ? result : FailAsSet();
         });
 }
 
 LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD, DWORD type, const BYTE* data, DWORD size) {
     return WithKey(
-        key,
-        [&](Store& store, const OpenKey& open) {
+        key, Gathering::GoesOn,
+        [&](Store& store, OpenKey& open) {
             if ((size != 0 && !data) || size > kLargestValue || View(name).size() > kLongestValueName)
                 return Fail(ERROR_INVALID_PARAMETER);
-            return AsSet(
-                SetValue(store, open.id, View(name), type, {reinterpret_cast<const char*>(data), size}));
+            return ChangeValue(store, key, open,
+                               {Fold(View(name)), std::u16string(View(name)), type,
+                                std::string(reinterpret_cast<const char*>(data), size), false});
         });
 }
 
 LONG RegDeleteValueW(HKEY key, const WCHAR* name) {
     return WithKey(
-        key,
-        [&](Store& store, const OpenKey& open) { return AsSet(DeleteValue(store, open.id, View(name))); });
+        key, Gathering::GoesOn,
+        [&](Store& store, OpenKey& open) {
+            const std::u16string folded = Fold(View(name));
+            return ValueWillExist(store, open, folded)
+                       ? ChangeValue(store, key, open, {folded, {}, 0, {}, true})
+                       : FailAsSet();
+        });
 }
 
 LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* nameLength, DWORD*, WCHAR* keyClass,
@@ -252,13 +244,11 @@ LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* nameLength, DWORD*
         [&](Store& store, OpenKey& open) {
             if (!name || !nameLength || (keyClass && !classLength))
                 return Fail(ERROR_INVALID_PARAMETER);
-            Statement select(store.connection,
-                             "SELECT folded, name, class FROM keys WHERE parent = ?1 AND folded >= ?2 "
-                             "ORDER BY folded LIMIT 1 OFFSET ?3 + ?4");
-            if (!StepTo(select, store, open.id, index, open.keys))
+            const ListedKey* const listed = KeyAt(store, open, index);
+            if (!listed)
                 return FailAsSet();
-            const bool fits = GiveText(select.Text(1), name, nameLength) &&
-                              (!keyClass || GiveText(select.Text(2), keyClass, classLength));
+            const bool fits = GiveText(listed->name, name, nameLength) &&
+                              (!keyClass || GiveText(listed->keyClass, keyClass, classLength));
             return fits ? static_cast<LONG>(ERROR_SUCCESS) : Fail(ERROR_MORE_DATA);
         });
 }
@@ -270,13 +260,11 @@ LONG RegEnumValueW(HKEY key, DWORD index, WCHAR* name, DWORD* nameLength, DWORD*
         [&](Store& store, OpenKey& open) {
             if (!name || !nameLength)
                 return Fail(ERROR_INVALID_PARAMETER);
-            Statement select(store.connection,
-                             "SELECT folded, name, type, data FROM vals WHERE key = ?1 AND folded >= ?2 "
-                             "ORDER BY folded LIMIT 1 OFFSET ?3 + ?4");
-            if (!StepTo(select, store, open.id, index, open.values))
+            const ListedValue* const listed = ValueAt(store, open, index);
+            if (!listed)
                 return FailAsSet();
-            if (!GiveText(select.Text(1), name, nameLength))
+            if (!GiveText(listed->name, name, nameLength))
                 return Fail(ERROR_MORE_DATA);
-            return GiveValue(select, 2, 3, type, data, size);
+            return GiveValue(listed->type, listed->bytes, type, data, size);
         });
 }

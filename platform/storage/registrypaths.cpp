@@ -1,5 +1,7 @@
 #include "platform/storage/registrypaths.h"
 
+#include <algorithm>
+
 #include "platform/errors.h"
 #include "platform/storage/fold.h"
 
@@ -18,12 +20,32 @@ std::u16string_view NextPart(std::u16string_view& path) {
     return part;
 }
 
+// The keys on the way to the one that was found last, for neighbours have most of it in common. No call takes
+// a key away, so they hold until another process changes something.
+struct Step {
+    std::int64_t parent;
+    std::u16string folded;
+    std::int64_t id;
+};
+struct Way {
+    std::uint64_t epoch = 0;
+    std::vector<Step> steps;
+};
+Way way;
+
 // kNoKey with the last error set when there is none.
 std::int64_t FindChild(Store& store, std::int64_t parent, std::u16string_view name) {
     const std::u16string folded = Fold(name);
+    if (way.epoch == store.epoch)
+        for (const Step& step : way.steps)
+            if (step.parent == parent && step.folded == folded)
+                return step.id;
     Statement select(store.connection, "SELECT id FROM keys WHERE parent = ?1 AND folded = ?2");
-    if (select.Bind(parent).BindText(folded).Row())
-        return select.Number(0);
+    if (select.Bind(parent).BindText(folded).Row()) {
+        const std::int64_t id = select.Number(0);
+        RememberChild(store, parent, folded, id);
+        return id;
+    }
     if (!select.Failed())
         SetLastError(ERROR_FILE_NOT_FOUND);
     return kNoKey;
@@ -58,23 +80,27 @@ std::int64_t FindPath(Store& store, std::int64_t key, std::u16string_view path) 
 
 std::int64_t MakePath(Store& store, std::int64_t parent, std::u16string_view path,
                       std::u16string_view keyClass) {
-    std::int64_t key = kNoKey;
-    const bool made = InTransaction(store, [&] {
-        key = parent;
-        std::u16string_view rest = path;
-        for (std::u16string_view part = NextPart(rest); key != kNoKey && !part.empty();) {
-            const std::u16string_view next = NextPart(rest);
-            const std::int64_t child = FindChild(store, key, part);
-            if (child == kNoKey && GetLastError() != ERROR_FILE_NOT_FOUND)
-                return false;
-            key = child != kNoKey
-                      ? child
-                      : MakeChild(store, key, part, next.empty() ? keyClass : std::u16string_view());
-            part = next;
-        }
-        return key != kNoKey;
-    });
-    return made ? key : kNoKey;
+    std::int64_t key = parent;
+    std::u16string_view rest = path;
+    for (std::u16string_view part = NextPart(rest); key != kNoKey && !part.empty();) {
+        const std::u16string_view next = NextPart(rest);
+        const std::int64_t child = FindChild(store, key, part);
+        if (child == kNoKey && GetLastError() != ERROR_FILE_NOT_FOUND)
+            return kNoKey;
+        key = child != kNoKey ? child
+                              : MakeChild(store, key, part, next.empty() ? keyClass : std::u16string_view());
+        part = next;
+    }
+    return key;
+}
+
+void RememberChild(const Store& store, std::int64_t parent, std::u16string_view folded, std::int64_t id) {
+    const auto isParent = [=](const Step& step) { return step.id == parent; };
+    const auto last = std::find_if(way.steps.begin(), way.steps.end(), isParent);
+    const bool goesOn = way.epoch == store.epoch && last != way.steps.end();
+    way.epoch = store.epoch;
+    way.steps.resize(goesOn ? static_cast<std::size_t>(last - way.steps.begin()) + 1 : 0);
+    way.steps.push_back({parent, std::u16string(folded), id});
 }
 
 } // namespace storage

@@ -3,20 +3,20 @@
 
 #include <string_view>
 
-#include "platform/storage/store.h"
+#include "platform/storage/registrykeys.h"
 
 namespace storage {
-
-constexpr std::int64_t kNoKey = 0; // a key's row is any other number; those of the main keys are negative
 
 // The error of a path with a part that is too long, else ERROR_SUCCESS. `length` is that of a key's own path
 // below its main key and grows to that of the path behind it.
 DWORD MeasurePath(std::u16string_view path, std::size_t& length);
 // kNoKey with the last error set when there is none.
 std::int64_t FindPath(Store& store, std::int64_t key, std::u16string_view path);
-// Makes what is missing of a path, in one step; only the last key gets the class. kNoKey with the last error
-// set on failure.
+// Makes what is missing of a path, within a transaction; only the last key gets the class. kNoKey with the
+// last error set on failure.
 std::int64_t MakePath(Store& store, std::int64_t parent, std::u16string_view path,
                       std::u16string_view keyClass);
+// Spares the next search for it.
+void RememberChild(const Store& store, std::int64_t parent, std::u16string_view folded, std::int64_t id);
 
 } // namespace storage

@@ -12,6 +12,7 @@
 #include "platform/base/outofmemory.h"
 #include "platform/device.h"
 #include "platform/storage/opendatabase.h"
+#include "platform/storage/registrykeys.h"
 #include "platform/storage/storefile.h"
 
 namespace storage {
@@ -246,6 +247,8 @@ Store* TheStore() {
 }
 
 void CloseStore() {
+    if (Slot())
+        UnlessOutOfMemory(false, [] { return WriteGathered(*Slot(), nullptr); });
     Slot().reset();
 }
 

@@ -189,7 +189,7 @@ TEST_F(ArchiveTest, ProgressIsOnTheScreenBeforeALargeRecord) {
     ASSERT_TRUE(engine.BeginBackup(nullptr, false, kPath));
     EXPECT_TRUE(engine.WriteDatabase(u"Large"));
     WCHAR line[MAX_PATH];
-    GetDlgItemTextW(engine.progress->window, IDC_PROGRESS_TEXT, line, MAX_PATH);
+    GetDlgItemTextW(engine.progress.dialog->window, IDC_PROGRESS_TEXT, line, MAX_PATH);
     EXPECT_EQ(std::u16string(line), u"Storing Database \"Large\"\nRecord 21 of 21");
     EXPECT_TRUE(engine.Finish());
 }

@@ -255,3 +255,8 @@ int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT style)
     std::erase(OpenBoxes(), box);
     return answer == IDCANCEL ? SafeButton(style).id : static_cast<int>(answer);
 }
+
+void MessageBeep(UINT) {
+    if (!NoDisplay())
+        QApplication::beep();
+}

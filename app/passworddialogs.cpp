@@ -1,6 +1,9 @@
-#include "backup/passworddialogs.h"
+#include "app/passworddialogs.h"
+
+#include <algorithm>
 
 #include "app/dialogframe.h"
+#include "app/uiservices.h"
 #include "platform/datetime.h"
 #include "platform/text.h"
 #include "resources/resource.h"
@@ -117,6 +120,16 @@ LONG_PTR EnterPasswordProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM
 }
 
 } // namespace
+
+void ScramblePassword(PasswordBlock* password) {
+    constexpr WCHAR kMask = 0x5C3A;
+    WCHAR* const end = password->text + kPasswordCapacity;
+    WCHAR* character = password->text;
+    // A character that becomes 0 ends the password: stored ones are compared in this shortened form too.
+    while (character < end - 1 && *character && (*character ^= kMask) != 0)
+        ++character;
+    std::fill(character, end, WCHAR(0));
+}
 
 bool AskNewPassword(PasswordBlock* password, HWND owner) {
     return RunDialog(IDD_PROTECT_BACKUP, owner, ProtectBackupProcedure, reinterpret_cast<LPARAM>(password)) ==
