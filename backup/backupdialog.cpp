@@ -2,8 +2,8 @@
 
 #include "app/application.h"
 #include "app/dialogframe.h"
-#include "backup/backup.h"
 #include "app/passworddialogs.h"
+#include "backup/backup.h"
 #include "platform/text.h"
 #include "resources/resource.h"
 

@@ -13,8 +13,9 @@
 // What is changed through one open key (the key itself, when it is made, and its values) is one step, which
 // others see whole or not at all. It is written when the key is closed, or when the process makes any other
 // call here; a process that dies before has changed nothing. So these calls, too, fail with the errors of
-// writing; nothing of the step is written then, and it is given up when the key is closed. Through a main key by its own number each change is
-// written at once. What was written outlives a power cut once the process has closed all keys.
+// writing; nothing of the step is written then, and it is given up when the key is closed. Through a main key
+// by its own number each change is written at once. What was written outlives a power cut once the process
+// has closed all keys.
 #pragma once
 
 #include "platform/types.h"
@@ -48,8 +49,8 @@ LONG RegOpenKeyExW(HKEY key, const WCHAR* path, DWORD options, DWORD access, HKE
 LONG RegCreateKeyExW(HKEY key, const WCHAR* path, DWORD reserved, const WCHAR* keyClass, DWORD options,
                      DWORD access, void* security, HKEY* opened, DWORD* disposition);
 
-// Writes what was changed through the key, which is closed also when that fails. A main key's own number stays
-// open.
+// Writes what was changed through the key, which is closed also when that fails. A main key's own number
+// stays open.
 LONG RegCloseKey(HKEY key);
 
 // Reads a value; a null or empty name is the default value. `type`, `data` and `size` may be null. *size is
