@@ -61,22 +61,26 @@ Peer::Peer(Side side, const std::string& air, std::vector<PeerStep> todo) : step
     thread = std::thread([this, side, air] { Run(side, air); });
 }
 
-void Peer::Join() {
-    if (thread.joinable())
-        thread.join();
+Peer::~Peer() {
+    if (link >= 0)
+        shutdown(link, SHUT_RDWR);
+    thread.join();
+    if (link >= 0)
+        close(link);
 }
 
 void Peer::Run(Side side, const std::string& air) {
-    const int link = side == Calls ? Call(air) : BeCalled(air);
+    link = side == Calls ? Call(air) : BeCalled(air);
     if (link < 0)
         complaint = "nobody there";
     else
-        Follow(link);
-    close(link);
+        Follow();
+    if (link >= 0)
+        shutdown(link, SHUT_RDWR); // the number stays taken, so that nobody else gets it meanwhile
     done = true;
 }
 
-void Peer::Follow(int link) {
+void Peer::Follow() {
     setsockopt(link, SOL_SOCKET, SO_RCVTIMEO, &kPatience, sizeof(kPatience));
     for (std::size_t number = 0; number < steps.size(); ++number) {
         const PeerStep& step = steps[number];
@@ -84,6 +88,10 @@ void Peer::Follow(int link) {
             send(link, step.bytes.data(), step.bytes.size(), MSG_NOSIGNAL);
         } else if (step.kind == PeerStep::Close) {
             return;
+        } else if (step.kind == PeerStep::Silence) {
+            char unheeded[64];
+            while (recv(link, unheeded, sizeof(unheeded), 0) > 0)
+                continue;
         } else {
             std::string got(step.kind == PeerStep::AwaitEnd ? 1 : step.bytes.size(), '\0');
             const ssize_t bytes = recv(link, got.data(), got.size(), MSG_WAITALL);

@@ -7,7 +7,7 @@
 #include <vector>
 
 struct PeerStep {
-    enum Kind { Send, Expect, Close, AwaitEnd } kind;
+    enum Kind { Send, Expect, Close, AwaitEnd, Silence } kind;
     std::string bytes = {};
 };
 
@@ -16,19 +16,19 @@ class Peer {
 public:
     enum Side { Calls, IsCalled };
     Peer(Side side, const std::string& air, std::vector<PeerStep> steps);
-    ~Peer() { Join(); }
+    ~Peer(); // hangs up
     Peer(const Peer&) = delete;
     Peer& operator=(const Peer&) = delete;
 
-    void Join();
     // What went otherwise than the steps say; empty when nothing did.
     std::string complaint;
     std::atomic<bool> done = false;
 
 private:
     void Run(Side side, const std::string& air);
-    void Follow(int link);
+    void Follow();
 
     std::vector<PeerStep> steps;
+    std::atomic<int> link = -1;
     std::thread thread;
 };
