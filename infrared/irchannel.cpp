@@ -47,7 +47,7 @@ void IrChannel::Report(UINT formatId, const WCHAR* call) const {
 }
 
 int IrChannel::Broken(UINT formatId, const WCHAR* call) {
-    if (!broken) {
+    if (!broken && GetLastError() != WSAEINTR) {
         broken = true;
         Report(formatId, call);
     }

@@ -5,7 +5,8 @@
 #include "platform/window.h"
 
 // Every failure is shown once, with the name of the failing call and the last error. After one on the link
-// nothing more can be sent or received, and further calls fail in silence.
+// nothing more can be sent or received, and further calls fail in silence. A call that the blocking hook has
+// ended fails in silence, too, but the link stays.
 class IrChannel {
 public:
     explicit IrChannel(HWND owner);

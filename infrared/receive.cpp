@@ -56,7 +56,6 @@ bool Receiver::FindSender() {
     return transfer.WaitReadable(true) && transfer.channel.Accept();
 }
 
-// The dialog answers until the first byte is there; a block that has begun is not waited for long.
 bool Receiver::Receive(void* buffer, DWORD length) {
     return transfer.WaitReadable(false) &&
            transfer.channel.ReceiveBytes(buffer, static_cast<int>(length)) == static_cast<int>(length);
@@ -115,6 +114,8 @@ bool Receiver::ReceiveRecords() {
         case kEndOfTransfer:
             return database.Finish();
         case kCancel:
+            if (transfer.stopped)
+                return GiveUp();
             transfer.Show(IDS_CANCELLED_BY_HOST, kFailureBox);
             return false;
         default:
@@ -160,9 +161,9 @@ bool Receiver::MakeRoom(DWORD announced, DWORD size) {
 bool Receiver::ReceiveData(DWORD size) {
     for (DWORD done = 0; done < size;) {
         const DWORD piece = std::min(size - done, kBlockSize);
-        if (!MakeRoom(size, done + piece) || !transfer.WaitReadable(false))
+        if (!MakeRoom(size, done + piece) || !Receive(record.data + done, piece))
             return GiveUp();
-        if (transfer.channel.ReceiveBytes(record.data + done, static_cast<int>(piece)) < 0 || !Acknowledge())
+        if (!Acknowledge())
             return false;
         done += piece;
     }

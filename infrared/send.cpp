@@ -1,18 +1,31 @@
 #include <algorithm>
+#include <cstring>
 
 #include "app/uiservices.h"
 #include "infrared/beaming.h"
 #include "infrared/transfer.h"
 #include "platform/datetime.h"
+#include "platform/heap.h"
 #include "platform/shell.h"
 #include "resources/resource.h"
 #include "store/dbhandle.h"
 
 namespace {
 
+// A block while it is being sent, with a little room to spare.
+struct WorkBuffer {
+    WorkBuffer() : data(static_cast<BYTE*>(LocalAlloc(LMEM_FIXED, kBlockSize + 10))) {}
+    ~WorkBuffer() { LocalFree(data); }
+    WorkBuffer(const WorkBuffer&) = delete;
+    WorkBuffer& operator=(const WorkBuffer&) = delete;
+
+    BYTE* data;
+};
+
 struct Sender {
-    Sender(HWND mainWindow, DbHandle& source, const CEDBASEINFO& info)
-        : transfer(mainWindow, IDS_SENDING_DATABASE, info.szDbaseName), database(source), header(info) {}
+    Sender(HWND mainWindow, DbHandle& source, const CEDBASEINFO& info, const WorkBuffer& buffer)
+        : transfer(mainWindow, IDS_SENDING_DATABASE, info.szDbaseName), database(source), header(info),
+          work(buffer) {}
 
     bool FindReceiver();
     bool SendHeader();
@@ -25,6 +38,7 @@ struct Sender {
     Transfer transfer;
     DbHandle& database;
     const CEDBASEINFO& header;
+    const WorkBuffer& work;
     RecordBuffer record;
 };
 
@@ -86,9 +100,9 @@ bool Sender::SendData() {
     DWORD done = 0;
     while (done < record.size) {
         const DWORD piece = std::min(record.size - done, kBlockSize);
-        const int sent = transfer.PumpAndPause()
-                             ? transfer.channel.SendBytes(record.data + done, static_cast<int>(piece))
-                             : -1;
+        std::memcpy(work.data, record.data + done, piece);
+        const int sent =
+            transfer.PumpAndPause() ? transfer.channel.SendBytes(work.data, static_cast<int>(piece)) : -1;
         if (sent < 0 || !Answered())
             return false;
         done += static_cast<DWORD>(sent);
@@ -107,9 +121,14 @@ bool SendDatabase(HWND mainWindow, const WCHAR* name) {
         MessageFromString(mainWindow, IDS_DATABASE_EMPTY_TO_SEND, name, kFailureBox);
         return false;
     }
+    const WorkBuffer work;
+    if (!work.data) {
+        SHShowOutOfMemory(mainWindow, 0);
+        return false;
+    }
     bool sent = false;
     {
-        Sender sender(mainWindow, database, header);
+        Sender sender(mainWindow, database, header, work);
         if (!sender.transfer.Shown()) {
             SHShowOutOfMemory(mainWindow, 0);
             return false;

@@ -34,6 +34,10 @@ LONG_PTR TransferProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
     return FALSE;
 }
 
+bool PumpWhileBlocked(void* transfer) {
+    return static_cast<Transfer*>(transfer)->Pump();
+}
+
 HWND MakeDialog(HWND owner) {
     const DLGTEMPLATE* dialogTemplate = FindDialogTemplate(IDD_TRANSFER);
     return dialogTemplate
@@ -51,9 +55,11 @@ Transfer::Transfer(HWND main, UINT titleString, const WCHAR* name)
     ShowWindow(window, SW_SHOWNORMAL);
     EnableWindow(mainWindow, FALSE);
     UpdateWindow(window);
+    SetBlockingHook(PumpWhileBlocked, this);
 }
 
 Transfer::~Transfer() {
+    SetBlockingHook(nullptr, nullptr);
     channel.Close();
     EnableWindow(mainWindow, TRUE);
     DestroyWindow(window);
@@ -114,9 +120,9 @@ bool Transfer::DispatchWaiting() {
 }
 
 bool Transfer::Pump() {
-    if (!DispatchWaiting())
-        return false;
-    if (App().cancelRequested && Show(IDS_CONFIRM_CANCEL_TRANSFER, kQuestionBox) == IDYES)
+    stopped = stopped || !DispatchWaiting() ||
+              (App().cancelRequested && Show(IDS_CONFIRM_CANCEL_TRANSFER, kQuestionBox) == IDYES);
+    if (stopped)
         return false;
     App().cancelRequested = 0;
     UpdateWindow(window);

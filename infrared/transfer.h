@@ -23,7 +23,8 @@ public:
     void SetSteps(DWORD steps);
     void Step();
 
-    // Dispatches what waits, and asks when Cancel was pressed: false to stop.
+    // Dispatches what waits, and asks when Cancel was pressed: false to stop. The channel calls it, too,
+    // while a block that has begun is not there yet.
     bool Pump();
     // The same, and then the pause before each sending.
     bool PumpAndPause();
@@ -36,6 +37,7 @@ public:
     HWND mainWindow;
     HWND window = nullptr;
     IrChannel channel;
+    bool stopped = false; // by the user
 
 private:
     bool DispatchWaiting();

@@ -4,6 +4,7 @@
 // a socket (platform/irda/air.h). Two devices are in range of each other when they use the same folder.
 //
 // Calls that fail set the last error:
+//   WSAEINTR          the blocking hook has ended the wait
 //   WSAEACCES         the air belongs to another user
 //   WSAEFAULT         a buffer or address of the wrong size
 //   WSAEINVAL         the socket is not in the state that the call needs, or an unknown option or address
@@ -17,8 +18,8 @@
 //   WSAENOBUFS        the host has no memory
 //   WSAETIMEDOUT, WSAECONNREFUSED   the other device does not answer, for it is busy or about to go
 //
-// No call but `send` and `recv` waits. While those do, windows are painted, and what the user does meanwhile
-// stays in the queue until the program asks for messages again.
+// No call but `send` and `recv` waits. While those do, they call the blocking hook; without one windows are
+// painted, and what the user does meanwhile stays in the queue until the program asks for messages again.
 #pragma once
 
 #include "platform/handles.h"
@@ -55,6 +56,11 @@ struct DEVICELIST {
     IRDA_DEVICE_INFO Device[1];
 };
 static_assert(sizeof(IRDA_DEVICE_INFO) == 28 && offsetof(DEVICELIST, Device) == 4);
+
+// Called every few milliseconds while a call waits, and may dispatch messages: false ends the wait. It must
+// not use the socket. Null for none.
+using BlockingHook = bool (*)(void* context);
+void SetBlockingHook(BlockingHook hook, void* context);
 
 // INVALID_SOCKET on failure; all calls below but `accept` and `recv` return SOCKET_ERROR then, or 0 when they
 // succeed and nothing else is said.

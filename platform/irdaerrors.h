@@ -3,6 +3,7 @@
 
 #include "platform/errors.h"
 
+constexpr DWORD WSAEINTR = 10004;
 constexpr DWORD WSAEACCES = 10013;
 constexpr DWORD WSAEFAULT = 10014;
 constexpr DWORD WSAEINVAL = 10022;

@@ -117,6 +117,10 @@ SOCKET Accept(IrdaSocket& listening) {
 
 } // namespace
 
+void SetBlockingHook(BlockingHook hook, void* context) {
+    SetLinkHook(hook, context);
+}
+
 SOCKET socket(int family, int type, int protocol) {
     if (family != AF_IRDA || type != SOCK_STREAM || protocol != 0) {
         SetLastError(WSAEAFNOSUPPORT);

@@ -11,25 +11,39 @@
 
 namespace {
 
-constexpr int kPaintInterval = 20; // milliseconds
+constexpr int kHookInterval = 10; // milliseconds
 
 int patience = 40000;
+bool (*blockingHook)(void*) = nullptr;
+void* hookContext = nullptr;
 
 bool IsReady(const Descriptor& link, short event, int milliseconds) {
     pollfd wanted{link.Number(), event, 0};
     return poll(&wanted, 1, milliseconds) > 0;
 }
 
-// Windows are painted meanwhile, and input is queued. False with the last error set when the link is silent.
+// False to wait no longer.
+bool DoMeanwhile() {
+    if (blockingHook)
+        return blockingHook(hookContext);
+    if (ui::WindowSystemStarted())
+        ui::PumpHost(false); // windows are painted, and input is queued
+    return true;
+}
+
+bool StopWaiting(DWORD error) {
+    SetLastError(error);
+    return false;
+}
+
+// False with the last error set when the link is silent, or the hook does not want to wait.
 bool WaitUntilReady(const Descriptor& link, short event) {
     const auto begin = std::chrono::steady_clock::now();
-    while (!IsReady(link, event, kPaintInterval)) {
-        if (std::chrono::steady_clock::now() - begin >= std::chrono::milliseconds(patience)) {
-            SetLastError(WSAECONNRESET);
-            return false;
-        }
-        if (ui::WindowSystemStarted())
-            ui::PumpHost(false);
+    while (!IsReady(link, event, kHookInterval)) {
+        if (std::chrono::steady_clock::now() - begin >= std::chrono::milliseconds(patience))
+            return StopWaiting(WSAECONNRESET);
+        if (!DoMeanwhile())
+            return StopWaiting(WSAEINTR);
     }
     return true;
 }
@@ -47,6 +61,11 @@ bool HasUnread(const Descriptor& link) {
 
 void SetLinkPatience(int milliseconds) {
     patience = milliseconds;
+}
+
+void SetLinkHook(bool (*hook)(void* context), void* context) {
+    blockingHook = hook;
+    hookContext = context;
 }
 
 bool LinkHasNews(const Descriptor& link) {
