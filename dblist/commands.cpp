@@ -14,6 +14,7 @@
 #include "dblist/management.h"
 #include "dblist/propertiesdialog.h"
 #include "dblist/viewmodify.h"
+#include "export/export.h"
 #include "infrared/beaming.h"
 #include "platform/menu.h"
 #include "platform/shell.h"
@@ -154,6 +155,9 @@ void RunDatabaseCommand(HWND mainWindow, UINT command) {
     case IDM_RECEIVE:
         if (ReceiveDatabase(mainWindow))
             RebuildDatabaseList();
+        break;
+    case IDM_EXPORT:
+        OnSelectedDatabase(mainWindow, ExportCommand);
         break;
     case IDM_PROPERTIES:
         if (SelectedRowCount() == 1)

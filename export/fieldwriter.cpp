@@ -1,0 +1,72 @@
+#include "export/fieldwriter.h"
+
+#include "app/uiservices.h"
+#include "platform/files.h"
+
+namespace {
+
+constexpr WCHAR kByteOrderMark = 0xFEFF;
+constexpr WCHAR kQuote = u'"';
+
+bool HoldsSeparator(const WCHAR* text) {
+    for (; *text; ++text)
+        if (*text == u'\t' || *text == u',')
+            return true;
+    return false;
+}
+
+} // namespace
+
+FieldWriter::~FieldWriter() {
+    Close(false);
+}
+
+bool FieldWriter::Create(HWND owner, WCHAR* path) {
+    file = CreateFileForWriting(owner, path, path, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return false;
+    failed = false;
+    if (unicode)
+        Put(kByteOrderMark);
+    return true;
+}
+
+void FieldWriter::WriteField(const WCHAR* text, bool quoted) {
+    if (!text || !*text)
+        return;
+    quoted = quoted || HoldsSeparator(text);
+    // Quirk: in 8 bits a character is cut down, not translated. One that becomes a quote is doubled as well,
+    // or readers would take it for the end of the field.
+    const WCHAR kept = unicode ? 0xFFFF : 0xFF;
+    if (quoted)
+        Put(kQuote);
+    for (; *text; ++text) {
+        const WCHAR unit = *text & kept;
+        Put(unit);
+        if (unit == kQuote)
+            Put(kQuote);
+    }
+    if (quoted)
+        Put(kQuote);
+}
+
+void FieldWriter::WriteLineEnd() {
+    Put(u'\r');
+    Put(u'\n');
+}
+
+void FieldWriter::Flush() {
+    DWORD written = 0;
+    failed = failed || !WriteFile(file, buffer, gathered, &written, nullptr) || written != gathered;
+    gathered = 0;
+}
+
+bool FieldWriter::Close(bool complete) {
+    if (file == INVALID_HANDLE_VALUE)
+        return false;
+    Flush();
+    const bool synced = complete && !failed && FlushFileBuffers(file);
+    const bool closed = CloseHandle(file);
+    file = INVALID_HANDLE_VALUE;
+    return synced && closed;
+}
