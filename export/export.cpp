@@ -52,12 +52,6 @@ void WriteLine(ExportState* state, const RecordBuffer& record) {
     state->writer.WriteLineEnd();
 }
 
-// Quirk: a record that cannot be read leaves no line, and nothing is said.
-bool ReadQuietly(DbHandle& database, RecordBuffer* record) {
-    const QuietReports quiet(database);
-    return database.ReadRecord(record) != 0;
-}
-
 // False when a write failed, or when not all records could be reached.
 bool WriteLines(ExportState* state, DbHandle& database) {
     const WaitCursor wait;
@@ -65,7 +59,8 @@ bool WriteLines(ExportState* state, DbHandle& database) {
     DWORD index = 0;
     bool found = WalkToFirst(database, &index);
     while (found) {
-        if (ReadQuietly(database, &record))
+        // Quirk: a record that cannot be read leaves no line, and nothing is said.
+        if (database.ReadRecord(&record))
             WriteLine(state, record);
         if (state->writer.failed)
             return false;
@@ -76,6 +71,8 @@ bool WriteLines(ExportState* state, DbHandle& database) {
 
 bool WriteDatabase(ExportState* state, const WCHAR* name) {
     DbHandle database(state->owner);
+    // Whatever fails, there is one message, about the file.
+    const QuietReports quiet(database);
     if (database.Open(name, 0, 0) == INVALID_HANDLE_VALUE)
         return false;
     state->writer.separator = state->format == kCommaSeparated ? u',' : u'\t';

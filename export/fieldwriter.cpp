@@ -35,15 +35,13 @@ void FieldWriter::WriteField(const WCHAR* text, bool quoted) {
     if (!text || !*text)
         return;
     quoted = quoted || HoldsSeparator(text);
-    // Quirk: in 8 bits a character is cut down, not translated. One that becomes a quote is doubled as well,
-    // or readers would take it for the end of the field.
-    const WCHAR kept = unicode ? 0xFFFF : 0xFF;
+    // Quirk: in 8 bits a character is cut down to its low byte, not translated. Only what is a quote in the
+    // text is doubled, not what becomes one by the cut.
     if (quoted)
         Put(kQuote);
     for (; *text; ++text) {
-        const WCHAR unit = *text & kept;
-        Put(unit);
-        if (unit == kQuote)
+        Put(*text);
+        if (*text == kQuote)
             Put(kQuote);
     }
     if (quoted)
