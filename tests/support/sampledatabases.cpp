@@ -24,6 +24,13 @@ CEPROPVAL ToProperty(const SampleValue& value) {
     case CEVT_R8:
         property.val.dblVal = value.number;
         break;
+    case CEVT_FILETIME: {
+        const auto ticks = static_cast<std::int64_t>(value.number);
+        property.val.filetime = {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
+        break;
+    }
+    case CEVT_BLOB: // an empty one
+        break;
     case CEVT_I2:
     case CEVT_UI2:
         property.val.uiVal = static_cast<WORD>(static_cast<std::int64_t>(value.number));
