@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/pickers.h"
+#include "platform/text.h"
 #include "platform/ui/core/testhooks.h"
 #include "platform/ui/dialogs/pickerwidget.h"
 #include "tests/support/testdevice.h"
@@ -79,9 +80,15 @@ TEST_F(Pickers, SaveGivesTheDevicePathWithTheExtension) {
     const Case cases[] = {
         {QStringLiteral("Old\\plain"), u"\\My Documents\\Old\\plain.bkp"},
         {QStringLiteral("other.txt"), u"\\My Documents\\other.txt"},
+        {QStringLiteral(".bkp"), u"\\My Documents\\.bkp"}, // as proposed
+        {QStringLiteral(".bkpweek"), u"\\My Documents\\week.bkp"},
+        {QStringLiteral(".bkpweek.bkp"), u"\\My Documents\\week.bkp"},
+        {QStringLiteral("week.bkp.bkp"), u"\\My Documents\\week.bkp"},
+        {QStringLiteral("week.3.bkp"), u"\\My Documents\\week.3.bkp"},
         {QStringLiteral("all"), u"\\My Documents\\all.bkp"}, // the program asks about overwriting by itself
     };
     for (const Case& one : cases) {
+        CopyText(path, u".bkp");
         WhenShown([&](QWidget* picker) { Type(picker, one.typed); });
         ASSERT_TRUE(Run(true));
         EXPECT_EQ(std::u16string(path), one.saved);
@@ -144,8 +151,14 @@ TEST_F(Pickers, CancelAndPathsTooLongGiveNothing) {
     WhenShown([](QWidget* picker) { QTest::keyClick(picker, Qt::Key_Escape); });
     EXPECT_FALSE(Run(false));
     EXPECT_EQ(std::u16string(path), u".bkp");
-    WhenShown([](QWidget* picker) { Type(picker, QStringLiteral("all")); });
+    bool told = false;
+    WhenShown([&](QWidget* picker) {
+        Type(picker, QStringLiteral("all"));
+        told = picker->findChild<QLabel*>(QStringLiteral("pickerProblem"))->text().contains(u"too long");
+        Press(picker, "pickerCancel");
+    });
     EXPECT_FALSE(Run(true, 21)); // one short of the path with its terminator
+    EXPECT_TRUE(told);
     EXPECT_TRUE(Run(true, 22));
     // So is the end of the picker's window, by itself or with its owner.
     owner = CreateWindowExW(0, u"Dialog", u"", WS_VISIBLE, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);

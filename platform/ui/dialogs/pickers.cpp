@@ -68,6 +68,7 @@ PickerRequest RequestOf(const OPENFILENAMEW& info, bool save) {
     request.proposedName = QString::fromUtf16(info.lpstrFile);
     static const QRegularExpression leading(QStringLiteral("^\\*?\\."));
     request.extension = QString::fromUtf16(info.lpstrDefExt).remove(leading);
+    request.room = static_cast<int>(info.nMaxFile);
     request.filters = ParseFilters(info.lpstrFilter);
     return request;
 }

@@ -247,8 +247,22 @@ QString PickerWidget::HostPathOfName(const QString& name) const {
     return HostPathOf(absolute ? name : folder + u'/' + name);
 }
 
-void PickerWidget::Accept() {
+// The proposed name is often an extension only. Whoever types behind it, or types an extension although it is
+// there, still means one extension at the end.
+QString PickerWidget::NameAsMeant() const {
     QString name = nameEdit->text().trimmed();
+    const QString& proposed = request.proposedName;
+    if (!proposed.startsWith(u'.') || name == proposed)
+        return name;
+    if (name.startsWith(proposed, Qt::CaseInsensitive))
+        return name.mid(proposed.size()).trimmed();
+    if (name.endsWith(proposed + proposed, Qt::CaseInsensitive))
+        name.chop(proposed.size());
+    return name;
+}
+
+void PickerWidget::Accept() {
+    QString name = NameAsMeant();
     if (name.isEmpty())
         return Complain(tr("Enter a name."));
     const QString asTyped = HostPathOfName(name);
@@ -264,8 +278,11 @@ void PickerWidget::Accept() {
         return Complain(tr("There is no such folder."));
     if (request.mustExist && !info.exists())
         return Complain(tr("There is no file “%1” here.").arg(info.fileName()));
+    const QString path = QDir::cleanPath(chosen);
+    if (DevicePathOf(path).size() >= request.room)
+        return Complain(tr("The name is too long, together with its folders."));
     if (finished)
-        std::exchange(finished, nullptr)(QDir::cleanPath(chosen));
+        std::exchange(finished, nullptr)(path);
 }
 
 void PickerWidget::Cancel() {

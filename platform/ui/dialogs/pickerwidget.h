@@ -23,6 +23,7 @@ struct PickerRequest {
     bool mustExist = false;
     QString proposedName;
     QString extension; // without a dot; given to a name without extension
+    int room = 0;      // characters of a device path, terminator included
     QList<PickerFilter> filters;
 };
 
@@ -52,6 +53,7 @@ private:
     void Tapped(const QModelIndex& index);
     void Opened(const QModelIndex& index);
     void Complain(const QString& problem);
+    QString NameAsMeant() const;
     void FitColumns();
     QString HostPathOfName(const QString& name) const; // empty when it leads nowhere
 
