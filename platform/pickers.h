@@ -21,6 +21,7 @@ struct OPENFILENAMEW {
 };
 
 // True when the user chose; starts in the documents folder. Dispatches messages meanwhile. A path that does
-// not fit in nMaxFile is refused there, and the user may choose another. Without a display: false, with a line on standard error.
+// not fit in nMaxFile is refused there, and the user may choose another. Without a display: false, with a
+// line on standard error.
 BOOL GetOpenFileNameW(OPENFILENAMEW* info);
 BOOL GetSaveFileNameW(OPENFILENAMEW* info);
