@@ -31,7 +31,7 @@ inline PeerStep Hears(const std::string& bytes) {
 }
 inline const PeerStep kCloses = {PeerStep::Close};
 inline const PeerStep kHearsEnd = {PeerStep::AwaitEnd};
-// Nothing more is heard until the link ends, however it does.
+// Nothing more is said until the link ends, however it does.
 inline const PeerStep kIsSilent = {PeerStep::Silence};
 
 inline Steps operator+(Steps steps, const Steps& more) {

@@ -10,10 +10,14 @@
 constexpr const WCHAR* kComplete = u"Database transfer successfully completed!";
 constexpr const WCHAR* kByHost = u"Transfer has been cancelled by host machine.";
 constexpr const WCHAR* kLost = u"Unable to read data from Infrared port. Error Code: recv[10054].";
+constexpr const WCHAR* kSure = u"Cancel database transfer. Are you sure?";
 
 class Beaming : public Session {
 protected:
-    Beaming() { UseAir(air); }
+    Beaming() {
+        UseAir(air);
+        EXPECT_TRUE(OpenAir().Valid());
+    }
     ~Beaming() override { SetLinkPatience(40000); }
 
     std::string air = device.folder + "/air";

@@ -17,7 +17,6 @@ constexpr const WCHAR* kInvalid =
     u"Pocket Strandview on both devices.";
 constexpr const WCHAR* kBadRecord =
     u"Couldn't create a new record in \"Notes\" database: The parameter is incorrect";
-constexpr const WCHAR* kSure = u"Cancel database transfer. Are you sure?";
 
 struct PeerCase {
     const char* name;

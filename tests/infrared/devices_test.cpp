@@ -15,7 +15,6 @@ namespace {
 class Devices : public Beaming {
 protected:
     void AwaitInAir(std::ptrdiff_t count) const {
-        std::filesystem::create_directory(air);
         while (std::distance(std::filesystem::directory_iterator(air), {}) != count)
             std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }

@@ -89,9 +89,9 @@ void Peer::Follow() {
         } else if (step.kind == PeerStep::Close) {
             return;
         } else if (step.kind == PeerStep::Silence) {
-            char unheeded[64];
-            while (recv(link, unheeded, sizeof(unheeded), 0) > 0)
-                continue;
+            silent = true;
+            for (char byte; recv(link, &byte, 1, 0) == 1;)
+                heard += byte;
         } else {
             std::string got(step.kind == PeerStep::AwaitEnd ? 1 : step.bytes.size(), '\0');
             const ssize_t bytes = recv(link, got.data(), got.size(), MSG_WAITALL);

@@ -22,6 +22,9 @@ public:
 
     // What went otherwise than the steps say; empty when nothing did.
     std::string complaint;
+    // What came during its silence, once it is done.
+    std::string heard;
+    std::atomic<bool> silent = false;
     std::atomic<bool> done = false;
 
 private:
