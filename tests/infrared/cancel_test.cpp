@@ -1,6 +1,7 @@
 // Cancel, in every state of either side.
 #include "app/application.h"
 #include "platform/objectstore.h"
+#include "platform/ui/core/windowcore.h"
 #include "resources/resource.h"
 #include "tests/infrared/beambytes.h"
 #include "tests/infrared/beaming.h"
@@ -82,6 +83,7 @@ TEST_F(Cancelling, NobodyIsThere) {
             Press(key, Qt::ControlModifier);
             InWindow(IDD_TRANSFER);
             WaitFor([&] { return Text(IDC_TRANSFER_STATUS) == status; }, "the search");
+            EXPECT_FALSE(Control(IDC_TRANSFER_BAR)->widget->isVisible()) << "it is for later";
             Cancel();
             WaitFor([] { return App().idle != 0; }, "the search to end");
         }

@@ -50,6 +50,8 @@ void MakeWidget(HWND window) {
                                                       : new ClientWidget(window, parentWidget);
     window->widget = widget;
     BindWidget(window, widget);
+    if (!window->topLevel)
+        widget->hide(); // or the host would show it along with its parent
     if (window->style & WS_DISABLED && !window->topLevel)
         widget->setEnabled(false);
     if (!window->windowClass->makeWidget)
