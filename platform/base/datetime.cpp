@@ -1,15 +1,16 @@
 #include "platform/datetime.h"
 
-#include <QDate>
 #include <QLocale>
-#include <QTime>
 #include <chrono>
+#include <cstdlib>
 #include <ctime>
+#include <string>
 #include <thread>
 
 #include "platform/base/clock.h"
 #include "platform/base/hosterror.h"
 #include "platform/base/localepatterns.h"
+#include "platform/base/localetimes.h"
 #include "platform/base/outofmemory.h"
 #include "platform/text.h"
 
@@ -47,11 +48,26 @@ std::time_t HostSeconds(Ticks utc) {
     return sinceEpoch / kTicksPerSecond - (sinceEpoch % kTicksPerSecond < 0);
 }
 
+// The zone as the host has it now. Its file is looked at no more than twice a second: that costs more than
+// all else about a time.
+void NoticeZone() {
+    static std::string known;
+    static DWORD noticed = 0;
+    static bool before = false;
+    const char* const zone = std::getenv("TZ");
+    if (before && known == (zone ? zone : "") && GetTickCount() - noticed < 500)
+        return;
+    tzset();
+    known = zone ? zone : "";
+    noticed = GetTickCount();
+    before = true;
+}
+
 // How far the local zone is ahead of UTC at a moment.
 Ticks ZoneOffset(Ticks utc) {
     const std::time_t seconds = HostSeconds(utc);
     std::tm fields{};
-    tzset();
+    NoticeZone();
     return localtime_r(&seconds, &fields) ? fields.tm_gmtoff * kTicksPerSecond : 0;
 }
 
@@ -175,21 +191,14 @@ LONG CompareFileTime(const FILETIME* left, const FILETIME* right) {
 int GetDateFormatW(DWORD, DWORD, const SYSTEMTIME* date, const WCHAR*, WCHAR* text, int capacity) {
     if (!Clear(text, capacity) || !ValidDate(*date))
         return Invalid();
-    return UnlessOutOfMemory(0, [=] {
-        const QDate day(date->wYear, date->wMonth, date->wDay);
-        return Deliver(QLocale::system().toString(day, QLocale::ShortFormat), text, capacity);
-    });
+    return UnlessOutOfMemory(0, [=] { return Deliver(ShortDateText(*date), text, capacity); });
 }
 
 int GetTimeFormatW(DWORD, DWORD flags, const SYSTEMTIME* time, const WCHAR*, WCHAR* text, int capacity) {
     if (!Clear(text, capacity) || !ValidTime(*time))
         return Invalid();
-    return UnlessOutOfMemory(0, [=] {
-        const QLocale locale = QLocale::system();
-        const QString pattern = TimePattern(locale, !(flags & TIME_NOSECONDS));
-        return Deliver(locale.toString(QTime(time->wHour, time->wMinute, time->wSecond), pattern), text,
-                       capacity);
-    });
+    return UnlessOutOfMemory(
+        0, [=] { return Deliver(ShortTimeText(*time, !(flags & TIME_NOSECONDS)), text, capacity); });
 }
 
 DWORD GetTickCount() {

@@ -1,0 +1,122 @@
+#include "platform/base/localetimes.h"
+
+#include <QDate>
+#include <QLocale>
+#include <QTime>
+#include <array>
+#include <vector>
+
+#include "platform/base/localepatterns.h"
+
+namespace {
+
+struct KeptDay {
+    int number = -1;
+    QString text;
+};
+
+// A part of a time: the hour, minute, second or half of the day by its value, or a text between them.
+struct TimePart {
+    enum Kind { hour, hourOfHalf, minute, second, half, fixed };
+    Kind kind;
+    std::vector<QString> texts;
+};
+
+// Texts of the values from 0 on, as the locale writes `letters`.
+std::vector<QString> PartTexts(const QLocale& locale, TimePart::Kind kind, const QString& letters) {
+    std::vector<QString> texts;
+    const int count = kind == TimePart::half ? 2 : kind <= TimePart::hourOfHalf ? 24 : 60;
+    for (int i = 0; i < count; ++i) {
+        const int hour = kind == TimePart::half ? 12 * i : kind <= TimePart::hourOfHalf ? i : 0;
+        const int minute = kind == TimePart::minute ? i : 0;
+        const int second = kind == TimePart::second ? i : 0;
+        texts.push_back(locale.toString(QTime(hour, minute, second), letters));
+    }
+    return texts;
+}
+
+// A time pattern taken apart; not `simple` when it has something that is left to the library.
+struct TimeForm {
+    TimeForm(const QLocale& locale, const QString& wanted) : pattern(wanted) {
+        const bool halves = pattern.contains(u'A', Qt::CaseInsensitive);
+        for (qsizetype at = 0; at < pattern.size() && simple;) {
+            const QString letters = LettersAt(at);
+            Add(locale, letters, halves);
+            at += letters.size();
+        }
+    }
+
+    QString pattern;
+    std::vector<TimePart> parts;
+    bool simple = true;
+
+private:
+    QString LettersAt(qsizetype at) const {
+        const QString two = pattern.mid(at, 2);
+        const bool pair = two == u"AP" || two == u"ap" || (two.size() == 2 && two[0] == two[1]);
+        return pair ? two : two.left(1);
+    }
+    void Add(const QLocale& locale, const QString& letters, bool halves) {
+        static constexpr QStringView known = u"HhmsAa";
+        const qsizetype place = known.indexOf(letters[0]);
+        if (place < 0) {
+            simple = simple && !letters[0].isLetter() && letters[0] != u'\'';
+            parts.push_back({TimePart::fixed, {letters}});
+            return;
+        }
+        TimePart::Kind kind = std::array{TimePart::hour,   TimePart::hour, TimePart::minute,
+                                         TimePart::second, TimePart::half, TimePart::half}[place];
+        if (letters[0] == u'h' && halves)
+            kind = TimePart::hourOfHalf;
+        // Runs longer than two, and half an AP.
+        simple = simple && (parts.empty() || parts.back().kind != kind) &&
+                 (kind != TimePart::half || letters.size() == 2);
+        parts.push_back({kind, PartTexts(locale, kind, letters)});
+    }
+};
+
+int ValueOf(TimePart::Kind kind, const SYSTEMTIME& time) {
+    switch (kind) {
+    case TimePart::hour:
+        return time.wHour;
+    case TimePart::hourOfHalf:
+        return (time.wHour + 11) % 12 + 1;
+    case TimePart::minute:
+        return time.wMinute;
+    case TimePart::second:
+        return time.wSecond;
+    case TimePart::half:
+        return time.wHour / 12;
+    case TimePart::fixed:
+        break;
+    }
+    return 0;
+}
+
+} // namespace
+
+const QString& ShortDateText(const SYSTEMTIME& date) {
+    static std::array<KeptDay, 1024> days; // about three years in a row
+    const int number = (date.wYear * 12 + date.wMonth - 1) * 31 + date.wDay - 1;
+    KeptDay& day = days[static_cast<std::size_t>(number) % days.size()];
+    if (day.number != number) {
+        day.text =
+            QLocale::system().toString(QDate(date.wYear, date.wMonth, date.wDay), QLocale::ShortFormat);
+        day.number = number;
+    }
+    return day.text;
+}
+
+QString ShortTimeText(const SYSTEMTIME& time, bool withSeconds) {
+    static const QLocale locale = QLocale::system();
+    static const std::array forms{TimeForm(locale, TimePattern(locale, false)),
+                                  TimeForm(locale, TimePattern(locale, true))};
+    const TimeForm& form = forms[withSeconds];
+    if (!form.simple)
+        return locale.toString(QTime(time.wHour, time.wMinute, time.wSecond), form.pattern);
+    QString text;
+    text.reserve(16);
+    for (const TimePart& part : form.parts)
+        text += part.texts[static_cast<std::size_t>(ValueOf(part.kind, time))];
+    return text;
+}
