@@ -1,11 +1,5 @@
 #include "tests/backup/backupfixture.h"
 
-#include <algorithm>
-#include <cstring>
-
-#include "app/application.h"
-#include "platform/files.h"
-#include "platform/ui/core/testhooks.h"
 #include "tests/storage/storesupport.h"
 
 const char* const kPlainArchive = R"(
@@ -37,35 +31,6 @@ const char* const kCompressedArchive = R"(
     00 00 00 03 00 04 00 40 90 e0 81 82 08 3f 00 10
     80 10 00 88 86 04 83 00 70 33 b1 20)";
 
-Bytes FromHex(const char* text) {
-    Bytes bytes;
-    unsigned value = 0;
-    for (int read = 0; std::sscanf(text, " %2x%n", &value, &read) == 1; text += read)
-        bytes.push_back(static_cast<BYTE>(value));
-    return bytes;
-}
-
-Bytes Slice(const Bytes& bytes, std::size_t from, std::size_t count) {
-    const std::size_t begin = std::min(from, bytes.size());
-    const std::size_t end = begin + std::min(count, bytes.size() - begin);
-    return {bytes.begin() + begin, bytes.begin() + end};
-}
-
-void PutNumber(Bytes* bytes, std::size_t offset, DWORD value) {
-    std::memcpy(bytes->data() + offset, &value, sizeof value);
-}
-
-Bytes Changed(Bytes bytes, std::size_t offset, DWORD value) {
-    PutNumber(&bytes, offset, value);
-    return bytes;
-}
-
-DWORD NumberAt(const Bytes& bytes, std::size_t offset) {
-    DWORD value = 0;
-    std::memcpy(&value, bytes.data() + offset, sizeof value);
-    return value;
-}
-
 Bytes ArchiveOf(const std::u16string& letters) {
     const Bytes one = FromHex(kPlainArchive);
     Bytes archive = Slice(one, 0, kPlainBlock);
@@ -77,33 +42,6 @@ Bytes ArchiveOf(const std::u16string& letters) {
         archive.insert(archive.end(), entry.begin(), entry.end());
     }
     return archive;
-}
-
-Bytes FileBytes(const WCHAR* path) {
-    Bytes bytes;
-    const HANDLE file = CreateFileW(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, 0);
-    EXPECT_NE(file, INVALID_HANDLE_VALUE) << testing::PrintToString(path);
-    if (file == INVALID_HANDLE_VALUE)
-        return bytes;
-    bytes.resize(GetFileSize(file, nullptr));
-    DWORD read = 0;
-    ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr);
-    CloseHandle(file);
-    return bytes;
-}
-
-void WriteBytes(const WCHAR* path, const Bytes& bytes) {
-    const HANDLE file = CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, 0);
-    ASSERT_NE(file, INVALID_HANDLE_VALUE) << testing::PrintToString(path);
-    DWORD written = 0;
-    WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
-    CloseHandle(file);
-}
-
-bool FileExists(const WCHAR* path) {
-    const HANDLE file =
-        CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, 0);
-    return file != INVALID_HANDLE_VALUE && CloseHandle(file);
 }
 
 void DeleteAllBut(const std::u16string& name) {
@@ -135,28 +73,4 @@ bool BackUp(BackupEngine& engine, const WCHAR* path, std::initializer_list<const
     for (const WCHAR* name : names)
         whole = whole && engine.WriteDatabase(name);
     return engine.Finish() && whole;
-}
-
-BackupTest::BackupTest() {
-    App().settings = &settings;
-    settings.interactive = 0;
-    settings.noProgress = 1;
-    ui::TestHooks().dialog = [this](const ui::DialogSeen&) { EXPECT_FALSE(settings.noProgress); };
-    ui::TestHooks().messageBox = [this](const ui::MessageBoxSeen& box) {
-        const Message next = expected.empty() ? Message{u"no message", IDOK} : expected.front();
-        EXPECT_EQ(next.text, box.text);
-        if (!expected.empty())
-            expected.pop_front();
-        ui::AnswerMessageBox(next.answer);
-    };
-}
-
-BackupTest::~BackupTest() {
-    EXPECT_TRUE(expected.empty()) << "a message was expected in vain";
-    ui::TestHooks() = {};
-    App().settings = nullptr;
-}
-
-void BackupTest::ExpectMessage(const std::u16string& text, int answer) {
-    expected.push_back({text, answer});
 }
