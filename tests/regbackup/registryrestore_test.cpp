@@ -1,10 +1,27 @@
 // What a restore changes in the registry, and what it leaves.
 #include <algorithm>
+#include <csignal>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "platform/ui/core/testhooks.h"
 #include "regbackup/registrybackup.h"
 #include "tests/regbackup/registryfixture.h"
 #include "tests/support/quiettest.h"
+
+namespace {
+
+int writesToDeath = -1; // none: lives on
+
+} // namespace
+
+// In place of the C library's, as the store calls it.
+extern "C" ssize_t pwrite64(int descriptor, const void* bytes, size_t count, off64_t offset) {
+    if (writesToDeath >= 0 && writesToDeath-- == 0)
+        kill(getpid(), SIGKILL);
+    return syscall(SYS_pwrite64, descriptor, bytes, count, offset);
+}
 
 namespace {
 
@@ -133,6 +150,45 @@ TEST_F(RegistryRestoreTest, KeyThatCannotBeWrittenIsAskedAbout) {
         AnswerMessageBox(asks ? IDRETRY : IDOK);
     };
     EXPECT_TRUE(RestoreQuietly());
+    EXPECT_EQ(WholeRegistry(), saved);
+}
+
+// At each of a restore's writes to the store it is killed once; then each key has both of its values of
+// before, or both of the file.
+TEST_F(RegistryRestoreTest, KilledRestoreLeavesNoKeyHalfWay) {
+    constexpr int kKeys = 4;
+    const auto setAll = [](const std::u16string& text) {
+        for (WCHAR letter = u'a'; letter < u'a' + kKeys; ++letter) {
+            SetText(HKEY_LOCAL_MACHINE, std::u16string(1, letter), u"first", text);
+            SetText(HKEY_LOCAL_MACHINE, std::u16string(1, letter), u"second", text);
+        }
+    };
+    setAll(u"new");
+    const std::string saved = WholeRegistry();
+    Save();
+    bool killed = true;
+    bool partial = false;
+    for (int writes = 0; killed; ++writes) {
+        setAll(u"old");
+        device.Restart();
+        int status = 0;
+        const pid_t child = fork();
+        if (child == 0) {
+            writesToDeath = writes;
+            Restore();
+            _exit(0);
+        }
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        killed = WIFSIGNALED(status);
+        device.Restart();
+        const std::string now = Listing(HKEY_LOCAL_MACHINE);
+        int restored = 0;
+        for (std::size_t at = now.find("\\0w"); at != std::string::npos; at = now.find("\\0w", at + 1))
+            ++restored;
+        EXPECT_EQ(restored % 2, 0) << now;
+        partial = partial || (restored > 0 && restored < 2 * kKeys);
+    }
+    EXPECT_TRUE(partial);
     EXPECT_EQ(WholeRegistry(), saved);
 }
 
