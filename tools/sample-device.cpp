@@ -31,7 +31,7 @@ bool WriteReadme() {
 bool FillDevice() {
     return MakeContacts() && MakeCalendar() && MakeMail() && MakeNotes() && MakeJournals() && MakeCallLog() &&
            MakeVocabulary() && MakeLibrary() && MakeSketches() && MakeOddities() && MakeSystemDatabases() &&
-           WriteReadme();
+           MakeRegistry() && WriteReadme();
 }
 
 int Complain(const char* folder, const char* what) {

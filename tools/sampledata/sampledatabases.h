@@ -13,3 +13,4 @@ bool MakeVocabulary();
 bool MakeLibrary();  // four sort orders
 bool MakeSketches(); // blobs
 bool MakeOddities(); // every type of value, an empty database, records of differing properties
+bool MakeRegistry(); // keys below all three main keys, with every type of value
