@@ -40,9 +40,9 @@ protected:
     // Says in the end whether the file was refused with the message for it, or restored.
     void ExpectCleanEnd(const Bytes& bytes) {
         std::u16string told;
-        TestHooks().messageBox = [&](const MessageBoxSeen& box) {
+        ui::TestHooks().messageBox = [&](const ui::MessageBoxSeen& box) {
             told += box.text;
-            AnswerMessageBox(IDOK);
+            ui::AnswerMessageBox(IDOK);
         };
         EXPECT_EQ(Restore(bytes) ? kSoftReset : kUnreadable, told);
     }

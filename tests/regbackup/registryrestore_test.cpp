@@ -144,10 +144,10 @@ TEST_F(RegistryRestoreTest, KeyThatCannotBeWrittenIsAskedAbout) {
     Restore();
     EXPECT_EQ(WholeRegistry(), laterSaved);
 
-    TestHooks().messageBox = [&](const MessageBoxSeen& box) {
+    ui::TestHooks().messageBox = [&](const ui::MessageBoxSeen& box) {
         const bool asks = box.text == kNotStored;
         EXPECT_EQ(storage::TheStore()->connection.Execute("DROP TRIGGER IF EXISTS locked"), 0);
-        AnswerMessageBox(asks ? IDRETRY : IDOK);
+        ui::AnswerMessageBox(asks ? IDRETRY : IDOK);
     };
     EXPECT_TRUE(RestoreQuietly());
     EXPECT_EQ(WholeRegistry(), saved);

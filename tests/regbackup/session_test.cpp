@@ -137,7 +137,7 @@ TEST_F(RegistrySession, OneMainKeyIsRestored) {
 
 // Cancel arrives as the progress opens, for the backup is soon over.
 TEST_F(RegistrySession, CancelledBackupLeavesNoFile) {
-    TestHooks().dialog = [seen = TestHooks().dialog](const DialogSeen& dialog) {
+    ui::TestHooks().dialog = [seen = ui::TestHooks().dialog](const ui::DialogSeen& dialog) {
         seen(dialog);
         if (dialog.dialogTemplate == FindDialogTemplate(IDD_PROGRESS))
             PostMessageW(dialog.window, WM_COMMAND, IDCANCEL, 0);

@@ -7,19 +7,19 @@ QuietTest::QuietTest() {
     App().settings = &settings;
     settings.interactive = 0;
     settings.noProgress = 1;
-    TestHooks().dialog = [this](const DialogSeen&) { EXPECT_FALSE(settings.noProgress); };
-    TestHooks().messageBox = [this](const MessageBoxSeen& box) {
+    ui::TestHooks().dialog = [this](const ui::DialogSeen&) { EXPECT_FALSE(settings.noProgress); };
+    ui::TestHooks().messageBox = [this](const ui::MessageBoxSeen& box) {
         const Message next = expected.empty() ? Message{u"no message", IDOK} : expected.front();
         EXPECT_EQ(next.text, box.text);
         if (!expected.empty())
             expected.pop_front();
-        AnswerMessageBox(next.answer);
+        ui::AnswerMessageBox(next.answer);
     };
 }
 
 QuietTest::~QuietTest() {
     EXPECT_TRUE(expected.empty()) << "a message was expected in vain";
-    TestHooks() = {};
+    ui::TestHooks() = {};
     App().settings = nullptr;
 }
 

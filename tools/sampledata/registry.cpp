@@ -1,5 +1,5 @@
-#include "platform/errors.h"
 #include "platform/registry.h"
+
 #include <algorithm>
 #include <cstring>
 #include <string>
