@@ -69,6 +69,27 @@ TEST_F(Cancelling, TheSenderGoes) {
     });
 }
 
+TEST_F(Cancelling, TheReceiverGoesWhileTheSenderWaits) {
+    sending = true;
+    MakeDatabase(u"Notes", {{TextValue(1, u"Hi")}});
+    const PeerStep header = {PeerStep::Skip, std::string(sizeof(CEDBASEINFO), ' ')};
+    const Steps toRecord = {header, Says(kAck), Hears(kRecord)};
+    const Steps toDescriptor = toRecord + Steps{Says(kAck), {PeerStep::Skip, kHiDescriptor}};
+    const Steps toStored = toDescriptor + Steps{Says(kAck), Hears(kHi), Says(kAck)};
+    RunProgram([&] {
+        SelectRow(10001, u"Notes");
+        for (const Steps& state : {Steps{header}, toRecord, toDescriptor, toStored}) {
+            ExpectMessage(kLost);
+            ExpectMessage(kByHost);
+            Peer peer(Peer::IsCalled, air, state + Steps{kCloses});
+            Press(Qt::Key_S, Qt::ControlModifier);
+            WaitFor([&] { return peer.done.load() && App().idle; }, "the transfer to end");
+            InMainWindow();
+            EXPECT_EQ(peer.complaint, "");
+        }
+    });
+}
+
 TEST_F(Cancelling, NobodyIsThere) {
     MakeDatabase(u"Notes", {{TextValue(1, u"Hi")}});
     MakeDatabase(u"Void", {});

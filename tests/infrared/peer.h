@@ -7,7 +7,7 @@
 #include <vector>
 
 struct PeerStep {
-    enum Kind { Send, Expect, Close, AwaitEnd, Silence } kind;
+    enum Kind { Send, Expect, Skip, Close, AwaitEnd, Silence } kind; // Skip takes as many bytes
     std::string bytes = {};
 };
 
