@@ -204,7 +204,8 @@ Descriptor OpenAir() {
     Descriptor air(open(AirFolder().c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     struct stat status {};
     if (!air.Valid() || fstat(air.Number(), &status) != 0) {
-        SetLastError(errno == ELOOP ? WSAEACCES : errno == ENOENT ? WSAENETDOWN : IrdaErrorOf(errno));
+        // Something else in its place, such as a link, is nobody's air.
+        SetLastError(errno == ENOTDIR ? WSAEACCES : errno == ENOENT ? WSAENETDOWN : IrdaErrorOf(errno));
         return {};
     }
     if (status.st_uid != geteuid()) {

@@ -21,7 +21,7 @@ void UseAir(const std::string& folder);
 const std::string& AirFolder();
 
 // The folder, made when it is missing, and closed to other users. Not valid with the last error set:
-// WSAEACCES when it belongs to somebody else, WSAENETDOWN, WSAEMFILE.
+// WSAEACCES when it belongs to somebody else or is no folder, WSAENETDOWN, WSAEMFILE.
 Descriptor OpenAir();
 
 // Of the chosen device: made at its first use and kept in the device's folder. A device that cannot be
