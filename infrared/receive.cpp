@@ -116,6 +116,7 @@ bool Receiver::ReceiveRecords() {
         case kCancel:
             if (transfer.stopped)
                 return GiveUp();
+            Abandon(); // before anybody is told
             transfer.Show(IDS_CANCELLED_BY_HOST, kFailureBox);
             return false;
         default:
@@ -187,6 +188,7 @@ void Receiver::Abandon() {
     database.Close();
     if (created)
         database.DeleteDatabase(target);
+    created = false;
 }
 
 } // namespace

@@ -15,10 +15,11 @@ inline const std::string kEnd = "\x07\x11\0\0"s;
 inline const std::string kStop = "\x08\x11\0\0"s;
 
 // The database "Notes" of type 7 with one record and no sort orders; sizes and time do not matter.
-inline std::string Header(char sortOrders = 0) {
-    return "\x0F\0\0\0N\0o\0t\0e\0s\0"s + std::string(54, '\0') + "\x07\0\0\0\x01\0"s + sortOrders +
+inline std::string Header(const std::string& name, char sortOrders = 0) {
+    return "\x0F\0\0\0"s + name + std::string(64 - name.size(), '\0') + "\x07\0\0\0\x01\0"s + sortOrders +
            std::string(45, '\0');
 }
+inline const std::string kNotes = "N\0o\0t\0e\0s\0"s;
 // One property, 1 of type 31, with its text "Hi" behind it.
 inline const std::string kHi = "\x1F\0\x01\0\0\0\0\0\x10\0\0\0\0\0\0\0H\0i\0\0\0"s;
 inline const std::string kHiDescriptor = "\x01\0\0\0\0\0\0\0\x16\0\0\0\0\0\0\0"s;
@@ -39,7 +40,7 @@ inline Steps operator+(Steps steps, const Steps& more) {
     return steps;
 }
 
-inline const Steps kToHeader = {Says(Header()), Hears(kAck)};
+inline const Steps kToHeader = {Says(Header(kNotes)), Hears(kAck)};
 inline const Steps kToDescriptor = kToHeader + Steps{Says(kRecord), Hears(kAck)};
 inline const Steps kToData = kToDescriptor + Steps{Says(kHiDescriptor), Hears(kAck)};
 inline const Steps kToStored = kToData + Steps{Says(kHi), Hears(kAck), Hears(kAck)};

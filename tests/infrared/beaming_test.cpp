@@ -15,6 +15,7 @@ namespace {
 constexpr const WCHAR* kInvalid =
     u"The data received from Infrared Port is invalid. Please make sure that you use the same version of "
     u"Pocket Strandview on both devices.";
+constexpr const WCHAR* kUnnamed = u"Couldn't create \"\" database: The parameter is incorrect";
 constexpr const WCHAR* kBadRecord =
     u"Couldn't create a new record in \"Notes\" database: The parameter is incorrect";
 
@@ -33,11 +34,16 @@ TEST_F(Beaming, ReceivesWholeDatabasesOrNone) {
     const PeerCase cases[] = {
         {"whole", kToStored + Steps{Says(kAck), Says(kEnd), kHearsEnd}, {kComplete}, u"1=Hi\n"},
         {"leaves before its header", {kCloses}, {kLost}, u"missing"},
-        {"half a header", {Says(Header().substr(0, 60)), kCloses}, {kLost}, u"missing"},
-        {"half a header and silence", {Says(Header().substr(0, 60)), kHearsEnd}, {kLost}, u"missing"},
+        {"half a header", {Says(Header(kNotes).substr(0, 60)), kCloses}, {kLost}, u"missing"},
+        {"half a header and silence", {Says(Header(kNotes).substr(0, 60)), kHearsEnd}, {kLost}, u"missing"},
         {"garbage for a header",
-         {Says(Header(9)), Hears(kStop), kHearsEnd},
+         {Says(Header(kNotes, 9)), Hears(kStop), kHearsEnd},
          {u"Couldn't create \"Notes\" database: The parameter is incorrect"},
+         u"missing"},
+        {"no name", {Says(Header("")), Hears(kStop), kHearsEnd}, {kUnnamed}, u"missing"},
+        {"a name without an end",
+         {Says(Header(std::string(64, 'a'))), Hears(kAck), Says(kEnd), kHearsEnd},
+         {kComplete},
          u"missing"},
         {"cancels", kToStored + Steps{Says(kStop), kHearsEnd}, {kByHost}, u"missing"},
         {"leaves between records", kToStored + Steps{kCloses}, {kLost, kByHost}, u"missing"},
@@ -115,7 +121,7 @@ TEST_F(Beaming, ADatabaseInUseLeavesEverythingAsItIs) {
     RunProgram([&] {
         CEOID oid = 0;
         const HANDLE held = CeOpenDatabase(&oid, u"Notes", 0, 0, nullptr);
-        Peer peer(Peer::Calls, air, {Says(Header()), kIsSilent});
+        Peer peer(Peer::Calls, air, {Says(Header(kNotes)), kIsSilent});
         Press(Qt::Key_G, Qt::ControlModifier);
         InWindow(IDD_DATABASE_EXISTS);
         ExpectMessage(u"Couldn't delete \"Notes\" database: The process cannot access the file because it is "

@@ -39,7 +39,7 @@ protected:
 TEST_F(Cancelling, TheReceiverTellsTheSenderAndKeepsNothing) {
     const Steps states[] = {
         {},
-        {Says(Header().substr(0, 60))},
+        {Says(Header(kNotes).substr(0, 60))},
         kToHeader,
         kToHeader + Steps{Says(kRecord.substr(0, 2))},
         kToDescriptor,

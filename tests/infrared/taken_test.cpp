@@ -9,7 +9,7 @@
 namespace {
 
 const Steps kWhole = kToStored + Steps{Says(kEnd), kHearsEnd};
-const Steps kRefused = {Says(Header()), Hears(kStop), kHearsEnd};
+const Steps kRefused = {Says(Header(kNotes)), Hears(kStop), kHearsEnd};
 
 class TakenName : public Beaming {
 protected:
@@ -69,7 +69,7 @@ TEST_F(TakenName, TheUserDecides) {
 TEST_F(TakenName, TheSenderGoesMeanwhile) {
     MakeDatabase(u"Notes", {{TextValue(1, u"Kept")}});
     RunProgram([&] {
-        Peer peer(Peer::Calls, air, {Says(Header()), kCloses});
+        Peer peer(Peer::Calls, air, {Says(Header(kNotes)), kCloses});
         Ask();
         WaitFor([&] { return peer.done.load(); }, "the sender to go");
         ExpectMessage(u"Unable to send data to Infrared port. Error Code: send[10054].");
