@@ -108,8 +108,15 @@ TEST_F(RegistryFileTest, LengthsAndOffsetsThatLieAreRefused) {
     const Bytes rest = Slice(file, kClassLength, file.size());
     longPath.insert(longPath.end(), rest.begin(), rest.end());
 
+    Bytes unended = file;
+    unended[kFirstLength + 8] = 'c'; // where the path's terminator was
+    Bytes endedEarly = file;
+    endedEarly[kFirstLength + 6] = 0;
+
     const Bytes wrong[] = {
         longPath,
+        unended,
+        endedEarly,
         Changed(file, kFirstLength, 5), // half a character
         Changed(file, kFirstLength, 4), // without its terminator
         Changed(file, kClassLength, 0), // not even a terminator

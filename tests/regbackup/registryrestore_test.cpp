@@ -90,7 +90,7 @@ TEST_F(RegistryRestoreTest, ChangedKeyGetsItsValuesAndKeepsWhatWasAdded) {
     MakeSampleKey();
     SetText(HKEY_CURRENT_USER, u"other", u"a", u"b");
     Save();
-    SetText(HKEY_CURRENT_USER, u"Ab", u"n", u"another type");
+    SetBytes(HKEY_CURRENT_USER, u"Ab", u"n", REG_BINARY, {"\7\0\0\0", 4}); // the type alone
     SetText(HKEY_CURRENT_USER, u"Ab", u"added", u"stays");
     SetText(HKEY_CURRENT_USER, u"Ab\\below", u"added", u"stays");
     SetText(HKEY_CURRENT_USER, u"beside", u"added", u"stays");

@@ -89,6 +89,9 @@ TEST_F(RegistrySession, ProtectedBackupBringsBackWhatWasChanged) {
             "DELETE FROM vals WHERE key IN (SELECT id FROM keys WHERE name = 'Ab');"
             "DELETE FROM keys WHERE name = 'Ab'");
         ChooseRestore();
+        InWindow(IDD_ENTER_PASSWORD);
+        Tap(IDCANCEL);
+        ChooseRestore();
         ExpectMessage(kIncorrect);
         TypePassword(u"Open");
         TypePassword(u"open");
