@@ -179,15 +179,14 @@ bool RegistryBackup::ShowKey(const WCHAR* path) {
 }
 
 bool RegistryBackup::SaveKey(HKEY key, const WCHAR* path, const WCHAR* keyClass, RecordWriter& writer) {
-    RegKeyRecord record;
-    record.Initialise(path, currentMainKey, keyClass);
-    if (!ReadValues(key, &record))
+    saving.Initialise(path, currentMainKey, keyClass);
+    if (!ReadValues(key, &saving))
         return false;
-    if (!record.Write(writer)) {
+    if (!saving.Write(writer)) {
         ReportFailure(IDS_UNABLE_TO_WRITE_REGISTRY_FILE);
         return false;
     }
-    if (!record.values.empty())
+    if (!saving.values.empty())
         ++keyCount;
     return true;
 }

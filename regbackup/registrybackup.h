@@ -78,6 +78,7 @@ private:
     int AskAfterFailure() const;
 
     RegistryBackupHeader header = {};
+    RegKeyRecord saving;    // the key that is saved at the moment
     RegValueRecord present; // the value that is compared at the moment
 };
 

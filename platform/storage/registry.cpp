@@ -64,6 +64,8 @@ LONG WithKey(HKEY key, Gathering gathering, Call call) {
                 return Fail(ERROR_INVALID_HANDLE);
             if (!WriteGathered(*store, gathering == Gathering::GoesOn ? open : nullptr))
                 return FailAsSet();
+            if (openKeys > 0)
+                store->BeginReading();
             return call(*store, *open);
         });
 }
@@ -125,7 +127,12 @@ LONG OpenPath(Store& store, const OpenKey& key, std::u16string_view path, HKEY* 
     const std::int64_t id = FindPath(store, key.id, path);
     if (id == kNoKey)
         return FailAsSet();
-    *opened = AddOpenKey(MakeOpenKey(id, length));
+    std::unique_ptr<OpenKey> open = MakeOpenKey(id, length);
+    if (IsKnownLeaf(store, id)) {
+        open->keys.change = RegistryChange(store);
+        open->keys.reachesEnd = true;
+    }
+    *opened = AddOpenKey(std::move(open));
     return ERROR_SUCCESS;
 }
 
@@ -173,6 +180,8 @@ LONG CloseKey(HKEY key) {
     }
     // Whoever writes many keys holds another one open meanwhile: bringing each to the disk takes its time.
     Store* store = openKeys == 0 ? StoreIfOpen() : nullptr;
+    if (store)
+        store->EndReading();
     return store && !store->Sync() ? FailAsSet() : result;
 }
 
@@ -263,8 +272,8 @@ LONG RegEnumValueW(HKEY key, DWORD index, WCHAR* name, DWORD* nameLength, DWORD*
             const ListedValue* const listed = ValueAt(store, open, index);
             if (!listed)
                 return FailAsSet();
-            if (!GiveText(listed->name, name, nameLength))
+            if (!GiveText(listed->Name(), name, nameLength))
                 return Fail(ERROR_MORE_DATA);
-            return GiveValue(listed->type, listed->bytes, type, data, size);
+            return GiveValue(listed->type, listed->Bytes(), type, data, size);
         });
 }

@@ -12,17 +12,33 @@ namespace storage {
 constexpr std::int64_t kNoKey = 0; // a key's row is any other number; those of the main keys are negative
 
 struct ListedKey {
+    explicit ListedKey(const Statement& row);
+    std::u16string_view Folded() const { return folded; }
+
     std::int64_t id;
     std::u16string folded;
     std::u16string name;
     std::u16string keyClass;
+    bool hasKeys; // below it
 };
 
-struct ListedValue {
-    std::u16string folded;
-    std::u16string name;
+// A value in one piece of memory: its folded name, its name and its bytes.
+class ListedValue {
+public:
+    explicit ListedValue(const Statement& row); // which yields these, with the type before the bytes
+    std::u16string_view Folded() const { return {units.data(), foldedLength}; }
+    std::u16string_view Name() const { return {units.data() + foldedLength, nameLength}; }
+    std::string_view Bytes() const {
+        return {reinterpret_cast<const char*>(units.data() + foldedLength + nameLength), size};
+    }
+
     DWORD type;
-    std::string bytes;
+
+private:
+    std::u16string units;
+    std::size_t foldedLength;
+    std::size_t nameLength;
+    std::size_t size;
 };
 
 // A stretch of an enumeration that was read ahead. It holds while nothing in the registry changes.

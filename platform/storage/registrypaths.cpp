@@ -26,12 +26,30 @@ struct Step {
     std::int64_t parent;
     std::u16string folded;
     std::int64_t id;
+    std::uint64_t leafAt; // RegistryChange when it had no keys below it; 0: it is not known to have none
 };
 struct Way {
     std::uint64_t epoch = 0;
     std::vector<Step> steps;
 };
 Way way;
+
+// What was looked for in vain last: it is likely to be made next.
+struct Missing {
+    std::uint64_t change = 0; // RegistryChange
+    std::int64_t parent = kNoKey;
+    std::u16string folded;
+};
+Missing missing;
+
+void Remember(const Store& store, const Step& found) {
+    const auto isParent = [&](const Step& step) { return step.id == found.parent; };
+    const auto last = std::find_if(way.steps.begin(), way.steps.end(), isParent);
+    const bool goesOn = way.epoch == store.epoch && last != way.steps.end();
+    way.epoch = store.epoch;
+    way.steps.resize(goesOn ? static_cast<std::size_t>(last - way.steps.begin()) + 1 : 0);
+    way.steps.push_back(found);
+}
 
 // kNoKey with the last error set when there is none.
 std::int64_t FindChild(Store& store, std::int64_t parent, std::u16string_view name) {
@@ -40,25 +58,32 @@ std::int64_t FindChild(Store& store, std::int64_t parent, std::u16string_view na
         for (const Step& step : way.steps)
             if (step.parent == parent && step.folded == folded)
                 return step.id;
+    const std::uint64_t change = RegistryChange(store);
+    if (missing.change == change && missing.parent == parent && missing.folded == folded) {
+        SetLastError(ERROR_FILE_NOT_FOUND);
+        return kNoKey;
+    }
     Statement select(store.connection, "SELECT id FROM keys WHERE parent = ?1 AND folded = ?2");
     if (select.Bind(parent).BindText(folded).Row()) {
         const std::int64_t id = select.Number(0);
-        RememberChild(store, parent, folded, id);
+        Remember(store, {parent, folded, id, 0});
         return id;
     }
-    if (!select.Failed())
+    if (!select.Failed()) {
+        missing = {change, parent, folded};
         SetLastError(ERROR_FILE_NOT_FOUND);
+    }
     return kNoKey;
 }
 
 std::int64_t MakeChild(Store& store, std::int64_t parent, std::u16string_view name,
                        std::u16string_view keyClass) {
     const std::u16string folded = Fold(name);
+    missing.change = 0;
     Statement insert(store.connection,
-                     "INSERT INTO keys (parent, name, folded, class) VALUES (?1, ?2, ?3, ?4) RETURNING id");
+                     "INSERT INTO keys (parent, name, folded, class) VALUES (?1, ?2, ?3, ?4)");
     insert.Bind(parent).BindText(name).BindText(folded).BindText(keyClass);
-    const std::int64_t id = insert.Row() ? insert.Number(0) : kNoKey;
-    return insert.Run() ? id : kNoKey;
+    return insert.Run() ? store.connection.LastInserted() : kNoKey;
 }
 
 } // namespace
@@ -94,13 +119,13 @@ std::int64_t MakePath(Store& store, std::int64_t parent, std::u16string_view pat
     return key;
 }
 
-void RememberChild(const Store& store, std::int64_t parent, std::u16string_view folded, std::int64_t id) {
-    const auto isParent = [=](const Step& step) { return step.id == parent; };
-    const auto last = std::find_if(way.steps.begin(), way.steps.end(), isParent);
-    const bool goesOn = way.epoch == store.epoch && last != way.steps.end();
-    way.epoch = store.epoch;
-    way.steps.resize(goesOn ? static_cast<std::size_t>(last - way.steps.begin()) + 1 : 0);
-    way.steps.push_back({parent, std::u16string(folded), id});
+void RememberChild(const Store& store, std::int64_t parent, const ListedKey& child) {
+    Remember(store, {parent, child.folded, child.id, child.hasKeys ? 0 : RegistryChange(store)});
+}
+
+bool IsKnownLeaf(const Store& store, std::int64_t key) {
+    return !way.steps.empty() && way.steps.back().id == key &&
+           way.steps.back().leafAt == RegistryChange(store);
 }
 
 } // namespace storage

@@ -16,7 +16,9 @@ std::int64_t FindPath(Store& store, std::int64_t key, std::u16string_view path);
 // last error set on failure.
 std::int64_t MakePath(Store& store, std::int64_t parent, std::u16string_view path,
                       std::u16string_view keyClass);
-// Spares the next search for it.
-void RememberChild(const Store& store, std::int64_t parent, std::u16string_view folded, std::int64_t id);
+// Spares the next search for a key that was listed, and one for keys below it when it has none.
+void RememberChild(const Store& store, std::int64_t parent, const ListedKey& child);
+// Whether it was listed as one that has none below it, and nothing has changed since.
+bool IsKnownLeaf(const Store& store, std::int64_t key);
 
 } // namespace storage

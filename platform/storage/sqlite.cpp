@@ -1,6 +1,7 @@
 #include "platform/storage/sqlite.h"
 
 #include <cerrno>
+#include <cstring>
 #include <memory>
 
 #include "platform/errors.h"
@@ -219,6 +220,17 @@ std::string_view Statement::Bytes(int column) const {
     const int bytes = sqlite3_column_bytes(statement, column);
     return data ? std::string_view(static_cast<const char*>(data), static_cast<std::size_t>(bytes))
                 : std::string_view();
+}
+
+std::size_t Statement::AppendTo(std::u16string& units, int column) const {
+    const void* data = sqlite3_column_blob(statement, column);
+    // Of a text that is not UTF-8 this is the length in bytes, as it is of bytes.
+    const std::size_t bytes = data ? static_cast<std::size_t>(sqlite3_column_bytes16(statement, column)) : 0;
+    const std::size_t at = units.size();
+    units.resize(at + (bytes + 1) / 2);
+    if (bytes)
+        std::memcpy(units.data() + at, data, bytes);
+    return bytes;
 }
 
 } // namespace storage

@@ -36,6 +36,7 @@ public:
     void ExpectUnchanged(const std::string& path);
     bool FoundChanged() const { return changed; }
     int Changes() const { return sqlite3_changes(handle); }
+    std::int64_t LastInserted() const { return sqlite3_last_insert_rowid(handle); }
 
 private:
     friend class Statement;
@@ -88,6 +89,9 @@ public:
     // Valid until the next row.
     std::u16string_view Text(int column) const;
     std::string_view Bytes(int column) const;
+    // Appends a column's text, or its bytes in whole units (the last one filled up with a zero). Returns the
+    // bytes that it has. Costs less than the views, for which the text would first be copied elsewhere.
+    std::size_t AppendTo(std::u16string& units, int column) const;
 
 private:
     void NoteBinding(int bindingResult);

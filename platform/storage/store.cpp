@@ -56,7 +56,22 @@ void Store::Refresh() {
     }
 }
 
+void Store::BeginReading() {
+    // Between two writes it is not worth its while.
+    constexpr int kManyReads = 16;
+    if (!reading && ++readsSinceWrite > kManyReads)
+        reading = Statement(connection, "BEGIN").Run();
+}
+
+void Store::EndReading() {
+    if (reading)
+        Statement(connection, "COMMIT").Run();
+    reading = false;
+    readsSinceWrite = 0;
+}
+
 void Store::ForgetCached() {
+    EndReading();
     static std::uint64_t latestEpoch = 0;
     epoch = ++latestEpoch;
     catalogue.Clear();
@@ -146,6 +161,7 @@ bool Store::Sync() {
 }
 
 void Store::EmptyLog() {
+    EndReading();
     connection.Execute("PRAGMA wal_checkpoint(TRUNCATE)");
 }
 
@@ -159,6 +175,7 @@ WriteTransaction::WriteTransaction(Store& store) : store(store) {
         SetLastError(store.readOnlyError);
         return;
     }
+    store.EndReading();
     if (!store.KeepLocks() || !Statement(store.connection, "BEGIN IMMEDIATE").Run())
         return;
     begun = true;

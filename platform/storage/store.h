@@ -41,6 +41,11 @@ public:
     // written from then on, for nobody could say what would be kept.
     bool Sync();
     bool IsUnsynced() const { return unsynced; }
+    // To be called before a read when more are likely to follow: many at a stretch cost less as one. They see
+    // the store as it was at the first of them, until this process writes, another one has written, or they
+    // end.
+    void BeginReading();
+    void EndReading();
     // Brings the log into the file and empties it, which leaves its room on the disk to others.
     void EmptyLog();
     // Whether opening it again may give a store that can be written: the disk may have room now, or nobody
@@ -71,6 +76,8 @@ private:
     std::int64_t reservedPages = 0; // of the file, for which there is room on the disk
     bool mayGrow = true;            // the file; its log always may
     bool unsynced = false;
+    bool reading = false;
+    int readsSinceWrite = 0;
     bool folderSynced = false;
     std::chrono::steady_clock::time_point locksSeen;
     Waiting waiting;
