@@ -60,7 +60,8 @@ constexpr const char* kSelectValues =
 struct ValuesAhead {
     std::uint64_t change = 0; // RegistryChange
     std::int64_t asked = kNoKey;
-    std::int64_t last = kNoKey; // the values of the keys behind `asked` up to this one are all here
+    std::int64_t first = kNoKey; // all values of the keys from this one to the last are here
+    std::int64_t last = kNoKey;
     std::deque<std::pair<std::int64_t, ListedValue>> values;
 };
 ValuesAhead ahead;
@@ -80,6 +81,7 @@ bool ReadAhead(Store& store, std::int64_t key) {
     }
     if (select.Failed())
         return false;
+    ahead.first = key;
     ahead.last = more ? reached - 1 : std::numeric_limits<std::int64_t>::max();
     ahead.change = RegistryChange(store);
     return true;
@@ -87,11 +89,12 @@ bool ReadAhead(Store& store, std::int64_t key) {
 
 // Hands out what was read ahead for a key. False when that is not all that it has.
 bool TakeAhead(Store& store, std::int64_t key, Stretch<ListedValue>& values) {
-    const bool current = ahead.change == RegistryChange(store);
     const bool goesOn = key == ahead.asked + 1;
     ahead.asked = key;
-    if (!goesOn || ((!current || key > ahead.last) && !ReadAhead(store, key)) || key > ahead.last)
+    const bool here = ahead.change == RegistryChange(store) && key >= ahead.first && key <= ahead.last;
+    if (!here && (!goesOn || !ReadAhead(store, key) || key > ahead.last))
         return false;
+    ahead.first = key + 1;
     values.items.clear();
     while (!ahead.values.empty() && ahead.values.front().first <= key) {
         if (ahead.values.front().first == key)
