@@ -8,6 +8,15 @@ namespace {
 constexpr WCHAR kByteOrderMark = 0xFEFF;
 constexpr WCHAR kQuote = u'"';
 
+constexpr DWORD kPart = 256; // characters for which room is made at a time
+
+BYTE* PutUnit(BYTE* out, WCHAR unit, bool wide) {
+    *out++ = static_cast<BYTE>(unit);
+    if (wide)
+        *out++ = static_cast<BYTE>(unit >> 8);
+    return out;
+}
+
 bool HoldsSeparator(const WCHAR* text) {
     for (; *text; ++text)
         if (*text == u'\t' || *text == u',')
@@ -35,17 +44,28 @@ void FieldWriter::WriteField(const WCHAR* text, bool quoted) {
     if (!text || !*text)
         return;
     quoted = quoted || HoldsSeparator(text);
-    // Quirk: in 8 bits a character is cut down to its low byte, not translated. Only what is a quote in the
-    // text is doubled, not what becomes one by the cut.
     if (quoted)
         Put(kQuote);
-    for (; *text; ++text) {
-        Put(*text);
-        if (*text == kQuote)
-            Put(kQuote);
+    PutDoubled(text);
+    if (quoted)
+        Put(kQuote);
+}
+
+// Quirk: in 8 bits a character is cut down to its low byte, not translated. Only what is a quote in the text
+// is doubled, not what becomes one by the cut.
+void FieldWriter::PutDoubled(const WCHAR* text) {
+    const bool wide = unicode;
+    while (*text) {
+        if (gathered > kBufferSize - 2 * sizeof(WCHAR) * kPart)
+            Flush();
+        BYTE* out = buffer + gathered;
+        for (DWORD i = 0; i < kPart && *text; ++i, ++text) {
+            out = PutUnit(out, *text, wide);
+            if (*text == kQuote)
+                out = PutUnit(out, kQuote, wide);
+        }
+        gathered = static_cast<DWORD>(out - buffer);
     }
-    if (quoted)
-        Put(kQuote);
 }
 
 void FieldWriter::WriteLineEnd() {

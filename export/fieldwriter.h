@@ -37,6 +37,7 @@ private:
         if (unicode)
             buffer[gathered++] = static_cast<BYTE>(unit >> 8);
     }
+    void PutDoubled(const WCHAR* text);
     void Flush();
 
     static constexpr DWORD kBufferSize = 64 * 1024;
