@@ -3,8 +3,8 @@
 #include <QLocale>
 #include <chrono>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
-#include <string>
 #include <thread>
 
 #include "platform/base/clock.h"
@@ -51,16 +51,18 @@ std::time_t HostSeconds(Ticks utc) {
 // The zone as the host has it now. Its file is looked at no more than twice a second: that costs more than
 // all else about a time.
 void NoticeZone() {
-    static std::string known;
+    static char known[64]; // a longer name is looked up each time
     static DWORD noticed = 0;
     static bool before = false;
-    const char* const zone = std::getenv("TZ");
-    if (before && known == (zone ? zone : "") && GetTickCount() - noticed < 500)
+    const char* const variable = std::getenv("TZ");
+    const char* const zone = variable ? variable : "";
+    if (before && std::strcmp(known, zone) == 0 && GetTickCount() - noticed < 500)
         return;
     tzset();
-    known = zone ? zone : "";
+    before = std::strlen(zone) < sizeof known;
+    if (before)
+        std::strcpy(known, zone);
     noticed = GetTickCount();
-    before = true;
 }
 
 // How far the local zone is ahead of UTC at a moment.
