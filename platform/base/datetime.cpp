@@ -61,7 +61,7 @@ void NoticeZone() {
     tzset();
     before = std::strlen(zone) < sizeof known;
     if (before)
-        std::strcpy(known, zone);
+        std::copy_n(zone, std::strlen(zone) + 1, known);
     noticed = GetTickCount();
 }
 

@@ -17,7 +17,7 @@ struct KeptDay {
 
 // A part of a time: the hour, minute, second or half of the day by its value, or a text between them.
 struct TimePart {
-    enum Kind { hour, hourOfHalf, minute, second, half, fixed };
+    enum Kind { kHour, kHourOfHalf, kMinute, kSecond, kHalf, kFixed };
     Kind kind;
     std::vector<QString> texts;
 };
@@ -25,11 +25,11 @@ struct TimePart {
 // Texts of the values from 0 on, as the locale writes `letters`.
 std::vector<QString> PartTexts(const QLocale& locale, TimePart::Kind kind, const QString& letters) {
     std::vector<QString> texts;
-    const int count = kind == TimePart::half ? 2 : kind <= TimePart::hourOfHalf ? 24 : 60;
+    const int count = kind == TimePart::kHalf ? 2 : kind <= TimePart::kHourOfHalf ? 24 : 60;
     for (int i = 0; i < count; ++i) {
-        const int hour = kind == TimePart::half ? 12 * i : kind <= TimePart::hourOfHalf ? i : 0;
-        const int minute = kind == TimePart::minute ? i : 0;
-        const int second = kind == TimePart::second ? i : 0;
+        const int hour = kind == TimePart::kHalf ? 12 * i : kind <= TimePart::kHourOfHalf ? i : 0;
+        const int minute = kind == TimePart::kMinute ? i : 0;
+        const int second = kind == TimePart::kSecond ? i : 0;
         texts.push_back(locale.toString(QTime(hour, minute, second), letters));
     }
     return texts;
@@ -61,33 +61,33 @@ private:
         const qsizetype place = known.indexOf(letters[0]);
         if (place < 0) {
             simple = simple && !letters[0].isLetter() && letters[0] != u'\'';
-            parts.push_back({TimePart::fixed, {letters}});
+            parts.push_back({TimePart::kFixed, {letters}});
             return;
         }
-        TimePart::Kind kind = std::array{TimePart::hour,   TimePart::hour, TimePart::minute,
-                                         TimePart::second, TimePart::half, TimePart::half}[place];
+        TimePart::Kind kind = std::array{TimePart::kHour,   TimePart::kHour, TimePart::kMinute,
+                                         TimePart::kSecond, TimePart::kHalf, TimePart::kHalf}[place];
         if (letters[0] == u'h' && halves)
-            kind = TimePart::hourOfHalf;
+            kind = TimePart::kHourOfHalf;
         // Runs longer than two, and half an AP.
         simple = simple && (parts.empty() || parts.back().kind != kind) &&
-                 (kind != TimePart::half || letters.size() == 2);
+                 (kind != TimePart::kHalf || letters.size() == 2);
         parts.push_back({kind, PartTexts(locale, kind, letters)});
     }
 };
 
 int ValueOf(TimePart::Kind kind, const SYSTEMTIME& time) {
     switch (kind) {
-    case TimePart::hour:
+    case TimePart::kHour:
         return time.wHour;
-    case TimePart::hourOfHalf:
+    case TimePart::kHourOfHalf:
         return (time.wHour + 11) % 12 + 1;
-    case TimePart::minute:
+    case TimePart::kMinute:
         return time.wMinute;
-    case TimePart::second:
+    case TimePart::kSecond:
         return time.wSecond;
-    case TimePart::half:
+    case TimePart::kHalf:
         return time.wHour / 12;
-    case TimePart::fixed:
+    case TimePart::kFixed:
         break;
     }
     return 0;

@@ -242,6 +242,7 @@ std::vector<DeviceId> DevicesInAir(const Descriptor& air) {
             all.push_back(found);
     std::sort(all.begin(), all.end());
     std::vector<DeviceId> devices;
+    devices.reserve(all.size());
     for (const Found& found : all)
         devices.push_back(found.device);
     return devices;
