@@ -8,6 +8,7 @@
 #include "tests/infrared/beambytes.h"
 #include "tests/infrared/beaming.h"
 #include "tests/infrared/otherdevice.h"
+#include "tests/infrared/relay.h"
 #include "tests/support/sampledatabases.h"
 
 namespace {
@@ -59,6 +60,25 @@ TEST_F(Devices, RecordsOfAllSizesTakeThePlaceOfADatabase) {
     EXPECT_TRUE(other.Await());
     const std::u16string here = Contents(u"Notes");
     EXPECT_GT(here.size(), 70000U);
+    EXPECT_EQ(here, ContentsOf(theirs));
+}
+
+TEST_F(Devices, ARelayJoinsTwoAirs) {
+    const std::string farAir = theirs.folder + "/air";
+    std::filesystem::create_directory(farAir);
+    FillOther(kSizes);
+    RunProgram([&] {
+        Receive();
+        InWindow(IDD_TRANSFER);
+        WaitFor([&] { return !std::filesystem::is_empty(air); }, "this device to listen");
+        const std::string self = std::filesystem::directory_iterator(air)->path().filename();
+        const Relay relay(farAir + '/' + self, air + '/' + self);
+        OtherDevice other(theirs.folder, farAir, "Notes");
+        ExpectMessage(kComplete);
+        AwaitEnd();
+        EXPECT_TRUE(other.Await());
+    });
+    const std::u16string here = Contents(u"Notes");
     EXPECT_EQ(here, ContentsOf(theirs));
 }
 
