@@ -31,7 +31,19 @@ TEST_F(Beaming, ReceivesWholeDatabasesOrNone) {
     const std::string tooLarge = "\xFF\xFF\0\0\0\0\0\0\x16\0\0\0\0\0\0\0"s;
     const std::string outside = "\x1F\0\x01\0\0\0\0\0\x16\0\0\0\0\0\0\0H\0i\0\0\0"s;
     const std::string huge = "\x01\0\0\0\0\0\0\0\xFF\xFF\xFF\xFF\0\0\0\0"s;
+    // The value, then 2,041 characters: a block of 4,096 bytes and one of 2.
+    std::string longRecord = kHi.substr(0, 16);
+    for (int place = 0; place < 2040; ++place)
+        longRecord += "z\0"s;
+    longRecord += "\0\0"s;
+    const std::string longDescriptor = "\x01\0\0\0\0\0\0\0\x02\x10\0\0\0\0\0\0"s;
     const PeerCase cases[] = {
+        {"two blocks",
+         kToDescriptor + Steps{Says(longDescriptor), Hears(kAck), Says(longRecord.substr(0, 4096)),
+                               Hears(kAck), Says(longRecord.substr(4096)), Hears(kAck), Hears(kAck),
+                               Says(kEnd), kHearsEnd},
+         {kComplete},
+         u"1=" + std::u16string(2040, u'z') + u"\n"},
         {"whole", kToStored + Steps{Says(kAck), Says(kEnd), kHearsEnd}, {kComplete}, u"1=Hi\n"},
         {"leaves before its header", {kCloses}, {kLost}, u"missing"},
         {"half a header", {Says(Header(kNotes).substr(0, 60)), kCloses}, {kLost}, u"missing"},
