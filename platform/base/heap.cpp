@@ -1,5 +1,4 @@
-// Small blocks are slots of equal size in 64 KiB pages, large ones are runs of pages. All bookkeeping lies
-// outside the arena: nothing that is written through a bad pointer can damage it, and the block that an
+// Small blocks are slots of equal size in the arena's pages, large ones are runs of pages. The block that an
 // address lies in is found without a search.
 #include "platform/heap.h"
 
@@ -8,70 +7,19 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
-#include <sys/mman.h>
-#include <vector>
 
-#include "platform/base/hosterror.h"
+#include "platform/base/arena.h"
 #include "platform/base/outofmemory.h"
-
-#if defined(__SANITIZE_ADDRESS__)
-#define HEAP_POISONS 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define HEAP_POISONS 1
-#endif
-#endif
-#ifdef HEAP_POISONS
-#include <sanitizer/asan_interface.h>
-#endif
+#include "platform/errors.h"
 
 namespace {
 
-constexpr std::size_t kAddressSpan = std::size_t{1}
-                                     << 32; // whatever 32 bits can say must fault, not hit a neighbour
-constexpr std::size_t kArenaBytes = std::size_t{512} << 20;
-constexpr std::size_t kPageBytes = 65536;
-constexpr std::size_t kPages = kArenaBytes / kPageBytes;
-constexpr std::size_t kCommitPages = 16;
-constexpr std::size_t kGranule = 16;
 constexpr std::size_t kLargestSlot = 16384;
-constexpr std::size_t kClassesBelowDoubling = 8; // 16 to 128 in steps of 16, then four steps a doubling
-constexpr std::size_t kClasses = kClassesBelowDoubling + 4 * 7;
-constexpr DWORD kNoBlock = 0xFFFFFFFF;
 #ifdef HEAP_POISONS
 constexpr std::size_t kRedZone = kGranule; // lies behind every block, so that an overrun is seen
 #else
 constexpr std::size_t kRedZone = 0;
 #endif
-
-struct Slab {
-    std::size_t sizeClass;
-    DWORD slotBytes;
-    DWORD live = 0;
-    std::vector<DWORD> requested; // by slot: bytes asked for, or kNoBlock
-    std::vector<WORD> vacant;     // slots to hand out, the last one first
-};
-
-enum class PageUse : BYTE { Free, Slots, RunStart, RunRest };
-
-struct Page {
-    PageUse use = PageUse::Free;
-    DWORD runStart = 0;  // RunStart, RunRest: the run's first page
-    DWORD runPages = 0;  // RunStart
-    DWORD requested = 0; // RunStart: bytes asked for
-    std::unique_ptr<Slab> slab;
-};
-
-// A free page holds zeros only.
-struct Arena {
-    BYTE* base = nullptr;       // null: the host has no room for it
-    std::size_t committed = 0;  // pages that can be touched
-    std::size_t lowestFree = 1; // no page below it is free; page 0 is never used, so that address 0 is none
-    std::vector<Page> pages;
-    std::vector<DWORD> open[kClasses]; // pages of slots with a vacant one; has room for all of the class
-    std::size_t slabs[kClasses] = {};  // pages of slots
-};
 
 // Where a block lies.
 struct Block {
@@ -80,34 +28,6 @@ struct Block {
     DWORD offset = 0; // of the address that was asked about, within the block
     DWORD requested = 0;
 };
-
-void Poison([[maybe_unused]] const BYTE* at, [[maybe_unused]] std::size_t bytes) {
-#ifdef HEAP_POISONS
-    __asan_poison_memory_region(at, bytes);
-#endif
-}
-
-void Unpoison([[maybe_unused]] const BYTE* at, [[maybe_unused]] std::size_t bytes) {
-#ifdef HEAP_POISONS
-    __asan_unpoison_memory_region(at, bytes);
-#endif
-}
-
-Arena& TheArena() {
-    static Arena arena = [] {
-        Arena made;
-        void* span =
-            mmap(nullptr, kAddressSpan, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-        if (span == MAP_FAILED)
-            return made;
-        made.base = static_cast<BYTE*>(span);
-        made.committed = 1;
-        made.pages.resize(kPages);
-        made.pages[0].use = PageUse::RunRest;
-        return made;
-    }();
-    return arena;
-}
 
 std::size_t ClassOf(std::size_t bytes) {
     if (bytes <= kGranule * kClassesBelowDoubling)
@@ -123,51 +43,6 @@ std::size_t SlotBytes(std::size_t sizeClass) {
     const std::size_t doubling = 7 + (sizeClass - kClassesBelowDoubling) / 4;
     const std::size_t step = (sizeClass - kClassesBelowDoubling) % 4;
     return (std::size_t{1} << doubling) + ((step + 1) << (doubling - 2));
-}
-
-bool Commit(Arena& arena, std::size_t pages) {
-    if (pages <= arena.committed)
-        return true;
-    const std::size_t target = std::min(kPages, (pages + kCommitPages - 1) / kCommitPages * kCommitPages);
-    if (mprotect(arena.base + arena.committed * kPageBytes, (target - arena.committed) * kPageBytes,
-                 PROT_READ | PROT_WRITE) != 0)
-        return false;
-    arena.committed = target;
-    return true;
-}
-
-// The first of `count` free pages in a row, which are then marked as a run; 0 when there are none.
-std::size_t TakePages(Arena& arena, std::size_t count) {
-    while (arena.lowestFree < kPages && arena.pages[arena.lowestFree].use != PageUse::Free)
-        ++arena.lowestFree;
-    std::size_t found = 0;
-    std::size_t at = arena.lowestFree;
-    for (; at < kPages && found < count; ++at)
-        found = arena.pages[at].use == PageUse::Free ? found + 1 : 0;
-    if (found < count || !Commit(arena, at))
-        return 0;
-    const std::size_t first = at - count;
-    for (std::size_t page = first; page < at; ++page) {
-        arena.pages[page].use = page == first ? PageUse::RunStart : PageUse::RunRest;
-        arena.pages[page].runStart = static_cast<DWORD>(first);
-    }
-    arena.pages[first].runPages = static_cast<DWORD>(count);
-    Poison(arena.base + first * kPageBytes, count * kPageBytes);
-    return first;
-}
-
-void GivePagesBack(Arena& arena, std::size_t first, std::size_t count) {
-    for (std::size_t page = first; page < first + count; ++page)
-        arena.pages[page].use = PageUse::Free;
-    arena.lowestFree = std::min(arena.lowestFree, first);
-    Poison(arena.base + first * kPageBytes, count * kPageBytes);
-    // The host gets the memory back: a backup of one huge record must not stay huge.
-    BYTE* const pages = arena.base + first * kPageBytes;
-    if (madvise(pages, count * kPageBytes, MADV_DONTNEED) != 0) {
-        Unpoison(pages, count * kPageBytes);
-        std::memset(pages, 0, count * kPageBytes);
-        Poison(pages, count * kPageBytes);
-    }
 }
 
 bool OpenSlab(Arena& arena, std::size_t sizeClass) {
