@@ -3,6 +3,7 @@
 
 #include <cstring>
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -11,6 +12,14 @@
 #include "platform/objectstore.h"
 #include "tests/platform/hostsupport.h"
 #include "tests/support/testdevice.h"
+
+inline void RunSql(const std::string& path, const std::string& sql) {
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open(path.c_str(), &database), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+        << sqlite3_errmsg(database);
+    sqlite3_close(database);
+}
 
 constexpr CEPROPID Prop(WORD number, WORD type) {
     return static_cast<CEPROPID>(number) << 16 | type;
