@@ -19,15 +19,14 @@ void InitDatabaseExists(HWND dialog, const WCHAR* name) {
     SetDlgItemTextW(dialog, IDC_EXISTS_TEXT, text);
 }
 
-bool OnDatabaseExistsCommand(HWND dialog, UINT command) {
+void OnDatabaseExistsCommand(HWND dialog, UINT command) {
     switch (command) {
     case IDOK:
     case IDCANCEL:
     case IDC_EXISTS_OVERWRITE:
         EndDialog(dialog, static_cast<int>(command));
-        return true;
+        break;
     }
-    return false;
 }
 
 LONG_PTR DatabaseExistsProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -38,7 +37,8 @@ LONG_PTR DatabaseExistsProcedure(HWND dialog, UINT message, WPARAM wParam, LPARA
         InitDatabaseExists(dialog, reinterpret_cast<const WCHAR*>(lParam));
         return TRUE;
     case WM_COMMAND:
-        return OnDatabaseExistsCommand(dialog, LOWORD(wParam));
+        OnDatabaseExistsCommand(dialog, LOWORD(wParam));
+        return TRUE;
     }
     return FALSE;
 }

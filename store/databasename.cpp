@@ -55,16 +55,15 @@ void AcceptNewName(HWND dialog) {
     SendDlgItemMessageW(dialog, IDC_NEW_NAME_TO, EM_SETSEL, 0, -1);
 }
 
-bool OnNewNameCommand(HWND dialog, UINT command) {
+void OnNewNameCommand(HWND dialog, UINT command) {
     switch (command) {
     case IDOK:
         AcceptNewName(dialog);
-        return true;
+        break;
     case IDCANCEL:
         EndDialog(dialog, IDCANCEL);
-        return true;
+        break;
     }
-    return false;
 }
 
 LONG_PTR NewNameProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -75,7 +74,8 @@ LONG_PTR NewNameProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPara
         InitNewName(dialog);
         return FALSE; // the focus is set
     case WM_COMMAND:
-        return OnNewNameCommand(dialog, LOWORD(wParam));
+        OnNewNameCommand(dialog, LOWORD(wParam));
+        return TRUE;
     }
     return FALSE;
 }

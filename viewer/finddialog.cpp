@@ -22,17 +22,16 @@ void TakeFindOptions(HWND dialog) {
     options.searchNumProp = IsDlgButtonChecked(dialog, IDC_FIND_NUMERIC) == BST_CHECKED;
 }
 
-bool OnFindCommand(HWND dialog, UINT command) {
+void OnFindCommand(HWND dialog, UINT command) {
     switch (command) {
     case IDOK:
         TakeFindOptions(dialog);
         EndDialog(dialog, IDOK);
-        return true;
+        break;
     case IDCANCEL:
         EndDialog(dialog, IDCANCEL);
-        return true;
+        break;
     }
-    return false;
 }
 
 LONG_PTR FindProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -44,7 +43,8 @@ LONG_PTR FindProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) 
         InitFind(dialog);
         return TRUE;
     case WM_COMMAND:
-        return OnFindCommand(dialog, LOWORD(wParam));
+        OnFindCommand(dialog, LOWORD(wParam));
+        return TRUE;
     }
     return FALSE;
 }

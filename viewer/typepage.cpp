@@ -88,17 +88,16 @@ void AcceptTypePage(HWND dialog) {
     EndDialog(dialog, IDOK);
 }
 
-bool OnTypePageCommand(HWND dialog, UINT command) {
+void OnTypePageCommand(HWND dialog, UINT command) {
     switch (command) {
     case IDOK:
     case IDC_WIZARD_NEXT:
         AcceptTypePage(dialog);
-        return true;
+        break;
     case IDCANCEL:
         EndDialog(dialog, IDCANCEL);
-        return true;
+        break;
     }
-    return false;
 }
 
 LONG_PTR TypePageProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -110,7 +109,8 @@ LONG_PTR TypePageProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
         InitTypePage(dialog);
         return TRUE;
     case WM_COMMAND:
-        return OnTypePageCommand(dialog, LOWORD(wParam));
+        OnTypePageCommand(dialog, LOWORD(wParam));
+        return TRUE;
     }
     return FALSE;
 }

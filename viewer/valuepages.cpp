@@ -78,21 +78,20 @@ bool TakeValue(HWND dialog, CEPROPVAL* property) {
     return false;
 }
 
-bool OnValuePageCommand(HWND dialog, UINT command) {
+void OnValuePageCommand(HWND dialog, UINT command) {
     switch (command) {
     case IDOK:
     case IDC_WIZARD_FINISH:
         if (TakeValue(dialog, DialogState<AddPropertyWizard>(dialog)->property))
             EndDialog(dialog, IDOK);
-        return true;
+        break;
     case IDC_WIZARD_BACK:
         EndDialog(dialog, kWizardBack);
-        return true;
+        break;
     case IDCANCEL:
         EndDialog(dialog, IDCANCEL);
-        return true;
+        break;
     }
-    return false;
 }
 
 LONG_PTR ValuePageProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -103,7 +102,8 @@ LONG_PTR ValuePageProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPa
         SetDialogState(dialog, lParam);
         return !InitValuePage(dialog);
     case WM_COMMAND:
-        return OnValuePageCommand(dialog, LOWORD(wParam));
+        OnValuePageCommand(dialog, LOWORD(wParam));
+        return TRUE;
     }
     return FALSE;
 }
