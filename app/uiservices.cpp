@@ -71,7 +71,7 @@ HANDLE CreateFileForWriting(HWND owner, const WCHAR* path, WCHAR* chosenPath, bo
             ++path;
             continue;
         }
-        // The text speaks of a backup file whatever was to be created; it is kept so.
+        // Quirk: the text speaks of a backup file whatever was to be created; there is no other.
         if (!created && MayShowFailure())
             MessageFromString(owner, IDS_COULD_NOT_CREATE_FILE, path, kFailureBox);
         if (chosenPath && chosenPath != path)

@@ -10,7 +10,7 @@ namespace {
 
 constexpr DWORD kFullGroup = 16;   // bytes of eight codes of the last width
 constexpr DWORD kCheckGap = 50000; // input bytes between two tests of the ratio
-constexpr LONG kHeaderBytes = 3;   // counted in the ratio, although no stream here has them
+constexpr LONG kHeaderBytes = 3;   // Quirk: counted in the ratio, although no stream here has them
 constexpr LONG kCoarseRatioFrom = 0x7FFFFF;
 constexpr DWORD kFewStrings = 8192; // up to here they are forgotten one by one
 

@@ -14,8 +14,8 @@ struct EditorState {
 
 // Reads the editor of the stored property's type. True when the value counts as changed: `value` then holds
 // it under the same identifier, a text in a block of the local heap that the caller releases (none: the text
-// was emptied). A number out of a 16-bit type's range is reported here and counts as unchanged; a larger one
-// that is no number counts as unchanged silently.
+// was emptied). A number out of a 16-bit type's range is reported here and counts as unchanged. Quirk: text
+// in the editor of a larger number that is no number counts as unchanged without a word.
 bool ParseEditedValue(HWND dialog, const CEPROPVAL& stored, const EditorState& state, CEPROPVAL* value);
 
 // The number in the numeric editor as an INT or UINT; out of range is reported and false.
