@@ -8,9 +8,7 @@
 // ---- button ----
 constexpr DWORD BS_PUSHBUTTON = 0x0;
 constexpr DWORD BS_DEFPUSHBUTTON = 0x1;
-constexpr DWORD BS_CHECKBOX = 0x2;
 constexpr DWORD BS_AUTOCHECKBOX = 0x3;
-constexpr DWORD BS_RADIOBUTTON = 0x4;
 constexpr DWORD BS_GROUPBOX = 0x7;
 constexpr DWORD BS_AUTORADIOBUTTON = 0x9;
 constexpr DWORD BS_OWNERDRAW = 0xB;
@@ -38,9 +36,7 @@ struct DRAWITEMSTRUCT {
 };
 
 // ---- static ----
-constexpr DWORD SS_LEFT = 0x0;
 constexpr DWORD SS_CENTER = 0x1;
-constexpr DWORD SS_RIGHT = 0x2;
 constexpr DWORD SS_NOPREFIX = 0x80;
 
 // ---- edit ----

@@ -44,15 +44,12 @@ BOOL WriteFile(HANDLE file, const void* buffer, DWORD count, DWORD* written, voi
 BOOL FlushFileBuffers(HANDLE file);
 
 constexpr DWORD FILE_BEGIN = 0;
-constexpr DWORD FILE_CURRENT = 1;
-constexpr DWORD FILE_END = 2;
 constexpr DWORD INVALID_SET_FILE_POINTER = 0xFFFFFFFF;
 constexpr DWORD INVALID_FILE_SIZE = 0xFFFFFFFF;
-// Moves by `distance`: 64 signed bits of which `distanceHigh` is the upper half, or 32 signed bits when that
-// is null. So an offset from 2 GiB on needs an upper half, even if that is 0. Returns the low half of the new
-// offset and puts the high half into `distanceHigh`. INVALID_SET_FILE_POINTER on failure:
-// ERROR_INVALID_PARAMETER before the start or beyond what the result can hold; where that is an offset, the
-// last error is ERROR_SUCCESS.
+// Moves to `distance`, from FILE_BEGIN only: 64 signed bits of which `distanceHigh` is the upper half, or 32
+// signed bits when that is null. So an offset from 2 GiB on needs an upper half, even if that is 0. Returns
+// the low half of the offset. INVALID_SET_FILE_POINTER on failure: ERROR_INVALID_PARAMETER before the start;
+// where that is an offset, the last error is ERROR_SUCCESS.
 DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD method);
 // Bytes; `high` may be null for files that are known to be below 4 GiB. INVALID_FILE_SIZE likewise.
 DWORD GetFileSize(HANDLE file, DWORD* high);

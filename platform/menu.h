@@ -6,12 +6,12 @@
 constexpr UINT MF_BYCOMMAND = 0x000;
 constexpr UINT MF_ENABLED = 0x000;
 constexpr UINT MF_GRAYED = 0x001;
-constexpr UINT MF_BYPOSITION = 0x400;
 
 HMENU LoadMenuW(HINSTANCE instance, const WCHAR* name); // null when absent; released by DestroyMenu
 BOOL DestroyMenu(HMENU menu);
 HMENU GetSubMenu(HMENU menu, int position); // null where no submenu stands; owned by its parent
-// By command: searches the submenus too. Returns the previous state, -1 when there is no such item.
+// Items are looked for by command, in the submenus too. Returns the previous state, -1 when there is no such
+// item.
 int EnableMenuItem(HMENU menu, UINT item, UINT flags);
 // Changes an item's text and command; false when there is no such item.
 BOOL ModifyMenuW(HMENU menu, UINT item, UINT flags, WPARAM newCommand, const WCHAR* text);

@@ -205,18 +205,11 @@ DWORD SetFilePointer(HANDLE file, LONG distance, LONG* distanceHigh, DWORD metho
     const HostFile* target = FindFile(file);
     if (!target)
         return INVALID_SET_FILE_POINTER;
-    std::int64_t offset = distanceHigh
-                              ? static_cast<std::int64_t>((static_cast<std::uint64_t>(*distanceHigh) << 32) |
-                                                          static_cast<DWORD>(distance))
-                              : distance;
-    struct stat status;
-    std::int64_t origin = 0;
-    if (method == FILE_CURRENT)
-        origin = lseek(target->Number(), 0, SEEK_CUR);
-    else if (method == FILE_END)
-        origin = fstat(target->Number(), &status) == 0 ? status.st_size : -1;
-    if (method > FILE_END || origin < 0 || __builtin_add_overflow(offset, origin, &offset) || offset < 0 ||
-        (!distanceHigh && offset > 0xFFFFFFFF) || lseek(target->Number(), offset, SEEK_SET) < 0) {
+    const std::int64_t offset =
+        distanceHigh ? static_cast<std::int64_t>((static_cast<std::uint64_t>(*distanceHigh) << 32) |
+                                                 static_cast<DWORD>(distance))
+                     : distance;
+    if (method != FILE_BEGIN || offset < 0 || lseek(target->Number(), offset, SEEK_SET) < 0) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return INVALID_SET_FILE_POINTER;
     }

@@ -23,7 +23,7 @@ class DialogKeys : public testing::Test {
 protected:
     void SetUp() override {
         TemplateBuilder builder(u"Keys");
-        builder.Add(u"STATIC", u"&Name:", SS_LEFT, kLabel)
+        builder.Add(u"STATIC", u"&Name:", 0, kLabel)
             .Add(u"EDIT", u"abc", WS_TABSTOP, kName)
             .Add(u"EDIT", u"hidden", WS_TABSTOP, kHidden)
             .Add(u"EDIT", u"", WS_TABSTOP | ES_MULTILINE | ES_WANTRETURN, kNotes, 7, 30, 100, 40)

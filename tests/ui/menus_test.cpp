@@ -64,12 +64,11 @@ TEST(MenuData, ComesFromTheResource) {
     EXPECT_EQ(LoadMenuW(nullptr, MAKEINTRESOURCEW(1)), nullptr);
 }
 
-TEST(MenuData, StatesAreKeptByCommandAndByPosition) {
+TEST(MenuData, StatesAreKeptByCommand) {
     const HMENU menu = LoadMenuW(nullptr, MAKEINTRESOURCEW(IDR_MAIN_MENU));
     EXPECT_EQ(EnableMenuItem(menu, IDM_COPY, MF_BYCOMMAND | MF_GRAYED), static_cast<int>(MF_ENABLED));
-    EXPECT_EQ(EnableMenuItem(GetSubMenu(menu, 0), 2, MF_BYPOSITION | MF_ENABLED),
-              static_cast<int>(MF_GRAYED));
-    EXPECT_TRUE(ui::FindMenuItem(menu, IDM_COPY, MF_BYCOMMAND)->enabled);
+    EXPECT_EQ(EnableMenuItem(menu, IDM_COPY, MF_BYCOMMAND | MF_ENABLED), static_cast<int>(MF_GRAYED));
+    EXPECT_TRUE(ui::FindMenuItem(menu, IDM_COPY)->enabled);
     EXPECT_EQ(EnableMenuItem(menu, 12345, MF_GRAYED), -1);
 
     const auto checkView = [&](UINT view) {
@@ -77,8 +76,8 @@ TEST(MenuData, StatesAreKeptByCommandAndByPosition) {
     };
     EXPECT_TRUE(checkView(IDM_VIEW_LIST));
     EXPECT_TRUE(checkView(IDM_VIEW_LARGE_ICONS));
-    EXPECT_FALSE(ui::FindMenuItem(menu, IDM_VIEW_LIST, MF_BYCOMMAND)->radioChecked);
-    EXPECT_TRUE(ui::FindMenuItem(menu, IDM_VIEW_LARGE_ICONS, MF_BYCOMMAND)->radioChecked);
+    EXPECT_FALSE(ui::FindMenuItem(menu, IDM_VIEW_LIST)->radioChecked);
+    EXPECT_TRUE(ui::FindMenuItem(menu, IDM_VIEW_LARGE_ICONS)->radioChecked);
     EXPECT_FALSE(checkView(12345));
     DestroyMenu(menu);
 }

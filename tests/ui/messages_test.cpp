@@ -75,7 +75,7 @@ TEST_F(Messages, PostedOnesAndInputKeepTheirOrder) {
     PostMessageW(main, WM_USER + 2, 0, 0);
 
     MSG message;
-    EXPECT_TRUE(PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE));
+    EXPECT_TRUE(PeekMessageW(&message, nullptr, 0, 0, 0));
     EXPECT_EQ(message.message, WM_USER);
     EXPECT_TRUE(PeekMessageW(&message, edit, WM_USER + 1, WM_USER + 1, PM_REMOVE));
     EXPECT_EQ(message.message, WM_USER + 1);

@@ -188,7 +188,7 @@ TEST_F(Windows, TheDisplayTellsOfItsSizeAndThenOfItsOrientation) {
 
 // Two texts in quick succession, and no message retrieved after them: each is seen at once.
 TEST_F(Windows, WhatIsSetIsOnTheDisplayWhenItHasBeenUpdated) {
-    const HWND line = Add(u"STATIC", u"", SS_LEFT, 1, {0, 0, 400, 40});
+    const HWND line = Add(u"STATIC", u"", 0, 1, {0, 0, 400, 40});
     QWidget* const display = ui::ScreenArea()->window();
     const auto shown = [display] {
         return QGuiApplication::primaryScreen()->grabWindow(display->winId()).toImage();

@@ -17,20 +17,6 @@ DWORD KindOf(HWND window) {
     return window->style & BS_TYPEMASK;
 }
 
-class CheckBox : public QCheckBox {
-public:
-    CheckBox(HWND window, QWidget* parent) : QCheckBox(parent), window(window) {}
-
-protected:
-    void nextCheckState() override {
-        if (LiveWindow(window) && KindOf(window) == BS_AUTOCHECKBOX)
-            setChecked(!isChecked());
-    }
-
-private:
-    HWND window;
-};
-
 class RadioButton : public QRadioButton {
 public:
     // Groups go by window order, not by the host's parents, hence no exclusivity of the host's own.
@@ -40,7 +26,7 @@ public:
 
 protected:
     void nextCheckState() override {
-        if (!LiveWindow(window) || KindOf(window) != BS_AUTORADIOBUTTON)
+        if (!LiveWindow(window))
             return;
         setChecked(true);
         for (HWND other : Group())
@@ -106,10 +92,8 @@ QWidget* MakeGroupBox(const WindowObject& window, QWidget* parent) {
 
 QAbstractButton* MakeClickable(WindowObject& window, QWidget* parent) {
     switch (KindOf(&window)) {
-    case BS_CHECKBOX:
     case BS_AUTOCHECKBOX:
-        return new CheckBox(&window, parent);
-    case BS_RADIOBUTTON:
+        return new QCheckBox(parent);
     case BS_AUTORADIOBUTTON:
         return new RadioButton(&window, parent);
     case BS_OWNERDRAW:
@@ -143,7 +127,6 @@ LRESULT ButtonDialogCode(HWND window) {
     switch (KindOf(window)) {
     case BS_GROUPBOX:
         return DLGC_STATIC;
-    case BS_RADIOBUTTON:
     case BS_AUTORADIOBUTTON:
         return DLGC_BUTTON | DLGC_RADIOBUTTON;
     case BS_DEFPUSHBUTTON:

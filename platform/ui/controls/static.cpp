@@ -31,7 +31,7 @@ protected:
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
         int flags = Qt::AlignTop | Qt::TextWordWrap | Qt::TextExpandTabs;
-        flags |= style & SS_CENTER ? Qt::AlignHCenter : style & SS_RIGHT ? Qt::AlignRight : Qt::AlignLeft;
+        flags |= style & SS_CENTER ? Qt::AlignHCenter : Qt::AlignLeft;
         if (!(style & SS_NOPREFIX))
             flags |= Qt::TextShowMnemonic;
         painter.setPen(

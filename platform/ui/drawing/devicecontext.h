@@ -51,8 +51,8 @@ private:
     QPainter* painter = nullptr;
 };
 
-// A context over a painter, for as long as this object lives: what a control puts into DRAWITEMSTRUCT.hDC,
-// and the window core into WM_ERASEBKGND. The painter's state is put back at the end.
+// A context over a painter, for as long as this object lives: what a control puts into DRAWITEMSTRUCT.hDC.
+// The painter's state is put back at the end.
 class PainterContext {
 public:
     explicit PainterContext(QPainter& lent, HFONT font = nullptr, COLORREF backColour = RGB(255, 255, 255));

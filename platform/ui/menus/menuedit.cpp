@@ -5,7 +5,7 @@
 using namespace ui;
 
 BOOL ModifyMenuW(HMENU menu, UINT item, UINT flags, WPARAM newCommand, const WCHAR* text) {
-    const ItemPosition found = PositionOfItem(menu, item, flags);
+    const ItemPosition found = PositionOfItem(menu, item);
     if (!found.menu)
         return FALSE;
     MenuItem changed;
@@ -16,8 +16,8 @@ BOOL ModifyMenuW(HMENU menu, UINT item, UINT flags, WPARAM newCommand, const WCH
     return TRUE;
 }
 
-BOOL DeleteMenu(HMENU menu, UINT item, UINT flags) {
-    const ItemPosition found = PositionOfItem(menu, item, flags);
+BOOL DeleteMenu(HMENU menu, UINT item, UINT) {
+    const ItemPosition found = PositionOfItem(menu, item);
     if (!found.menu)
         return FALSE;
     found.menu->items.erase(found.menu->items.begin() + static_cast<std::ptrdiff_t>(found.index));

@@ -116,17 +116,13 @@ std::unique_ptr<MenuObject> ParseMenu(const void* bytes, std::size_t size) {
     return ReadItems(reader, *menu, 0) ? std::move(menu) : nullptr;
 }
 
-ItemPosition PositionOfItem(HMENU menu, UINT item, UINT flags) {
+ItemPosition PositionOfItem(HMENU menu, UINT command) {
     MenuObject* const object = LiveMenu(menu);
-    if (!object)
-        return {};
-    if (!(flags & MF_BYPOSITION))
-        return PositionOfCommand(*object, item);
-    return item < object->items.size() ? ItemPosition{object, item} : ItemPosition{};
+    return object ? PositionOfCommand(*object, command) : ItemPosition{};
 }
 
-MenuItem* FindMenuItem(HMENU menu, UINT item, UINT flags) {
-    const ItemPosition found = PositionOfItem(menu, item, flags);
+MenuItem* FindMenuItem(HMENU menu, UINT command) {
+    const ItemPosition found = PositionOfItem(menu, command);
     return found.menu ? &found.menu->items[found.index] : nullptr;
 }
 
@@ -160,13 +156,13 @@ BOOL DestroyMenu(HMENU menu) {
 }
 
 HMENU GetSubMenu(HMENU menu, int position) {
-    const MenuItem* const item =
-        position < 0 ? nullptr : FindMenuItem(menu, static_cast<UINT>(position), MF_BYPOSITION);
-    return item ? item->popup.get() : nullptr;
+    const MenuObject* const parent = LiveMenu(menu);
+    const bool stands = parent && position >= 0 && static_cast<std::size_t>(position) < parent->items.size();
+    return stands ? parent->items[static_cast<std::size_t>(position)].popup.get() : nullptr;
 }
 
 int EnableMenuItem(HMENU menu, UINT item, UINT flags) {
-    MenuItem* const found = FindMenuItem(menu, item, flags);
+    MenuItem* const found = FindMenuItem(menu, item);
     if (!found)
         return -1;
     const bool wasEnabled = std::exchange(found->enabled, !(flags & MF_GRAYED));
@@ -174,7 +170,7 @@ int EnableMenuItem(HMENU menu, UINT item, UINT flags) {
 }
 
 BOOL CheckMenuRadioItem(HMENU menu, UINT first, UINT last, UINT checked, UINT) {
-    if (!FindMenuItem(menu, checked, MF_BYCOMMAND))
+    if (!FindMenuItem(menu, checked))
         return FALSE;
     MarkRadioItem(*menu, first, last, checked);
     return TRUE;

@@ -44,9 +44,9 @@ struct ItemPosition {
     MenuObject* menu = nullptr; // null: there is no such item
     std::size_t index = 0;
 };
-// By command, searching the submenus too, or by position (MF_BYPOSITION).
-ItemPosition PositionOfItem(HMENU menu, UINT item, UINT flags);
-MenuItem* FindMenuItem(HMENU menu, UINT item, UINT flags); // null when absent
+// Searches the submenus too.
+ItemPosition PositionOfItem(HMENU menu, UINT command);
+MenuItem* FindMenuItem(HMENU menu, UINT command); // null when absent
 
 // A host menu that shows the popup at `position` of its parent menu. Each time it or a submenu is about to
 // show, WM_INITMENUPOPUP goes to the owner and the items are taken from the menu again; a choice is posted to
