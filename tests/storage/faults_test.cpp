@@ -28,7 +28,7 @@ TEST(Faults, AFileThatIsNoStoreIsLeftAlone) {
         EXPECT_EQ(HostFile(path), garbage);
     }
     std::filesystem::remove(path);
-    RunSql(path, "CREATE TABLE somebody_elses (a); INSERT INTO somebody_elses VALUES (1)");
+    device.RunSql("CREATE TABLE somebody_elses (a); INSERT INTO somebody_elses VALUES (1)");
     const std::string foreign = HostFile(path);
     ExpectUnusable(ERROR_FILE_CORRUPT);
     device.Restart();
@@ -39,19 +39,15 @@ TEST(Faults, AFileThatIsNoStoreIsLeftAlone) {
 
 TEST(Faults, AStoreOfANewerVersionIsLeftAlone) {
     TestDevice device;
-    const std::string path = device.folder + "/objectstore.db";
     CeCreateDatabase(u"Kept", 1, 0, nullptr);
-    device.Restart();
-    RunSql(path, "PRAGMA user_version = 2");
+    device.RunSql("PRAGMA user_version = 2");
     ExpectUnusable(ERROR_REVISION_MISMATCH);
-    device.Restart();
-    RunSql(path, "PRAGMA user_version = 1");
+    device.RunSql("PRAGMA user_version = 1");
     EXPECT_TRUE(CeOidGetInfo(1, std::vector<CEOIDINFO>(1).data()));
 }
 
 TEST(Faults, DamagedRowsFailAndHarmNothingElse) {
     TestDevice device;
-    const std::string path = device.folder + "/objectstore.db";
     const CEOID database = CeCreateDatabase(u"Damaged", 1, 0, nullptr);
     HANDLE handle = OpenById(database);
     const char* const damages[] = {
@@ -65,13 +61,14 @@ TEST(Faults, DamagedRowsFailAndHarmNothingElse) {
         "data = data", // this one stays whole
     };
     std::vector<CEOID> records;
+    std::string sql;
     for (const char* damage : damages) {
         records.push_back(Values().Number(1, 1).Text(2, u"text").Blob(3, "blob").Write(handle));
-        RunSql(path, std::string("UPDATE records SET ") + damage +
-                         " WHERE id & 0xFFFFFFFF = " + std::to_string(records.back()));
+        sql += std::string("UPDATE records SET ") + damage +
+               " WHERE id & 0xFFFFFFFF = " + std::to_string(records.back()) + ';';
     }
     CloseHandle(handle);
-    device.Restart();
+    device.RunSql(sql);
     handle = OpenById(database);
     for (std::size_t at = 0; at < records.size(); ++at) {
         SCOPED_TRACE(damages[at]);
@@ -83,16 +80,15 @@ TEST(Faults, DamagedRowsFailAndHarmNothingElse) {
     for (const CEOID record : records)
         EXPECT_TRUE(CeDeleteRecord(handle, record));
     CloseHandle(handle);
-    device.Restart();
-    RunSql(path,
-           "UPDATE databases SET name = printf('%.*c', 500, 'n'), sortorders = zeroblob(1000), records = -7, "
-           "bytes = -7, version = 9223372036854775807, deletions = 9223372036854775807");
+    device.RunSql(
+        "UPDATE databases SET name = printf('%.*c', 500, 'n'), sortorders = zeroblob(1000), records = -7, "
+        "bytes = -7, version = 9223372036854775807, deletions = 9223372036854775807");
     EXPECT_EQ(InfoOf(database).szDbaseName[31], 0);
     EXPECT_EQ(InfoOf(database).wNumSortOrder, 4);
     handle = OpenById(database);
     EXPECT_TRUE(CeDeleteRecord(handle, Values().Number(1, 1).Write(handle))) << "counted on from the utmost";
     EXPECT_EQ(InfoOf(database).dwSize, 0U);
-    RunSql(path, "DROP TABLE records");
+    device.BreakTable("records");
     EXPECT_EQ(FailureOf(Values().Number(1, 1).Write(handle)), ERROR_FILE_CORRUPT);
     CloseHandle(handle);
 }

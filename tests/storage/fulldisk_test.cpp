@@ -38,12 +38,6 @@ int WriteUntilFull(HANDLE handle) {
     return GetLastError() == ERROR_DISK_FULL ? written : 0;
 }
 
-std::int64_t RowsLeft() {
-    storage::Statement left(storage::TheStore()->connection,
-                            "SELECT (SELECT count(*) FROM records) + (SELECT count(*) FROM sortkeys)");
-    return left.Row() ? left.Number(0) : -1;
-}
-
 // Fills the disk with a database and deletes it there.
 bool DeletesWhatFilledTheDisk() {
     const SORTORDERSPEC spec = {Prop(2, CEVT_BLOB), 0};
@@ -106,10 +100,8 @@ TEST(FullDisk, WhatADeletionLeftIsDeletedWhenTheStoreIsOpenedNext) {
     const CEOID before = fill(u"Before");
     const CEOID gone = fill(u"Gone");
     const CEOID behind = fill(u"Behind");
-    device.Restart();
-    RunSql(device.folder + "/objectstore.db",
-           "DELETE FROM databases WHERE oid = " + std::to_string(gone) +
-               "; DELETE FROM records WHERE id % 2; INSERT INTO sortkeys VALUES (1 << 40, x'00', 1)");
+    device.RunSql("DELETE FROM databases WHERE oid = " + std::to_string(gone) +
+                  "; DELETE FROM records WHERE id % 2; INSERT INTO sortkeys VALUES (1 << 40, x'00', 1)");
     EXPECT_EQ(RowsLeft(), 450 + 900 + 1) << "a device that is known to be tidy is not looked through";
     device.Restart();
     std::filesystem::remove(device.folder + "/objectstore.db-lock");

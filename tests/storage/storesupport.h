@@ -3,7 +3,6 @@
 
 #include <cstring>
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -13,12 +12,11 @@
 #include "tests/platform/hostsupport.h"
 #include "tests/support/testdevice.h"
 
-inline void RunSql(const std::string& path, const std::string& sql) {
-    sqlite3* database = nullptr;
-    ASSERT_EQ(sqlite3_open(path.c_str(), &database), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
-        << sqlite3_errmsg(database);
-    sqlite3_close(database);
+// Of records and of their keys, whatever database they belong to.
+inline std::int64_t RowsLeft() {
+    storage::Statement left(storage::TheStore()->connection,
+                            "SELECT (SELECT count(*) FROM records) + (SELECT count(*) FROM sortkeys)");
+    return left.Row() ? left.Number(0) : -1;
 }
 
 constexpr CEPROPID Prop(WORD number, WORD type) {
