@@ -237,9 +237,16 @@ void Stylus::CloseDisplay() {
 
 void Stylus::Beside(const std::function<void()>& program, std::function<void()> steps) {
     const int before = RunningScripts();
-    StartScript(std::move(steps));
+    bool ended = false;
+    StartScript([this, &ended, steps = std::move(steps)] {
+        steps();
+        if (WaitFor([&ended] { return ended; }, "the end of the program after the last step"))
+            return;
+        for (const HWND window : std::vector<HWND>(ui::TopLevelWindows())) // which ends every loop
+            DestroyWindow(window);
+    });
     program();
-    // Their last step has ended the program, so there is little left of them.
+    ended = true;
     WaitFor([before] { return RunningScripts() == before; }, "the end of the steps beside the program");
 }
 

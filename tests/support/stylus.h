@@ -65,7 +65,7 @@ public:
 
     // ---- the program's own loop ----
     // Runs the program, a call that has a message loop in it, with the steps beside it. The steps make it
-    // end.
+    // end; when they do not, the test fails and every window goes.
     void Beside(const std::function<void()>& program, std::function<void()> steps);
 
     // ---- waiting ----

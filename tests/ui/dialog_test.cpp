@@ -51,8 +51,7 @@ protected:
 
     static TemplateBuilder OkCancel() {
         TemplateBuilder builder(u"Question");
-        builder.Add(u"STATIC", u"&Name:", SS_LEFT, 65535)
-            .Add(u"EDIT", u"text", WS_TABSTOP, 20, 40, 25, 100, 12);
+        builder.Add(u"STATIC", u"&Name:", 0, 65535).Add(u"EDIT", u"text", WS_TABSTOP, 20, 40, 25, 100, 12);
         builder.Add(u"BUTTON", u"OK", BS_DEFPUSHBUTTON | WS_TABSTOP, IDOK, 7, 60);
         builder.Add(u"BUTTON", u"Cancel", BS_PUSHBUTTON | WS_TABSTOP, IDCANCEL, 80, 60);
         return builder;
@@ -140,8 +139,8 @@ TEST_F(Dialogs, AQuitWaitsForTheAnswer) {
     });
     MSG message;
     std::set<WPARAM> exitCodes;
-    while (exitCodes.size() < 2)
-        if (!GetMessageW(&message, nullptr, 0, 0))
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+        if (message.message == WM_QUIT)
             exitCodes.insert(message.wParam);
     EXPECT_EQ(exitCodes, (std::set<WPARAM>{2, 3}));
 }
