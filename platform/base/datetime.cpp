@@ -1,6 +1,7 @@
 #include "platform/datetime.h"
 
 #include <QLocale>
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>

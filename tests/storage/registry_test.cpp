@@ -5,6 +5,7 @@
 #include "platform/errors.h"
 #include "platform/handles.h"
 #include "platform/registry.h"
+#include "tests/platform/otherprocess.h"
 #include "tests/support/testdevice.h"
 
 namespace {
@@ -166,6 +167,100 @@ TEST(Registry, EnumerationGoesOnAmongDeletions) {
     EXPECT_EQ(ValueNames(key).size(), 5U);
     EXPECT_EQ(RegSetValueExW(key, std::u16string(260, u'n').c_str(), 0, REG_SZ, nullptr, 0),
               LONG{ERROR_INVALID_PARAMETER});
+}
+
+// Enumerations read some items at a time, and know that something has changed.
+TEST(Registry, EnumerationsGoThroughManyKeysAndValues) {
+    TestDevice device;
+    constexpr int kMany = 150;
+    const auto nameOf = [](int number) {
+        return std::u16string{u'n', static_cast<char16_t>(u'0' + number / 100),
+                              static_cast<char16_t>(u'0' + number / 10 % 10),
+                              static_cast<char16_t>(u'0' + number % 10)};
+    };
+    const HKEY key = Make(HKEY_LOCAL_MACHINE, u"Many");
+    for (int number = kMany - 1; number >= 0; --number) {
+        Set(key, nameOf(number).c_str(), REG_BINARY, std::vector<BYTE>(1000, static_cast<BYTE>(number)));
+        RegCloseKey(Make(HKEY_LOCAL_MACHINE, (u"Many\\" + nameOf(number)).c_str(), nameOf(number).c_str()));
+    }
+    const auto keyAt = [&](DWORD index, DWORD room, DWORD classRoom, std::u16string* found) {
+        WCHAR name[MAX_PATH];
+        WCHAR keyClass[MAX_PATH];
+        const LONG result = RegEnumKeyExW(key, index, name, &room, nullptr, keyClass, &classRoom, nullptr);
+        *found = result == 0 ? std::u16string(name) + u" " + keyClass : u"";
+        return result;
+    };
+    std::u16string found;
+    std::vector<BYTE> data(1000);
+    for (int number = 0; number < kMany; ++number) {
+        const std::u16string name = nameOf(number);
+        ASSERT_EQ(keyAt(static_cast<DWORD>(number), 5, 5, &found), 0);
+        EXPECT_EQ(found, name + u" " + name);
+        DWORD size = 1000;
+        ASSERT_EQ(RegQueryValueExW(key, name.c_str(), nullptr, nullptr, data.data(), &size), 0);
+        EXPECT_EQ(data, std::vector<BYTE>(1000, static_cast<BYTE>(number)));
+    }
+    EXPECT_EQ(ValueNames(key).size(), std::size_t{kMany});
+    EXPECT_EQ(keyAt(kMany, 5, 5, &found), LONG{ERROR_NO_MORE_ITEMS});
+    EXPECT_EQ(keyAt(140, 5, 4, &found), LONG{ERROR_MORE_DATA});
+    EXPECT_EQ(keyAt(3, 4, 5, &found), LONG{ERROR_MORE_DATA});
+
+    // From the other end, and with a key that is new between two steps.
+    EXPECT_EQ(keyAt(3, 5, 5, &found), 0);
+    RegCloseKey(Make(HKEY_LOCAL_MACHINE, u"Many\\a"));
+    EXPECT_EQ(keyAt(4, 5, 5, &found), 0);
+    EXPECT_EQ(found, u"n003 n003");
+    // Neighbours whose values are read together do not get each other's.
+    for (int round = 0; round < 2; ++round) {
+        for (int number = 0; number < kMany; ++number) {
+            const HKEY below = Make(key, nameOf(number).c_str());
+            EXPECT_EQ(ValueNames(below).size(), number % 3 == 0 ? std::size_t(round) : 0U);
+            if (number % 3 == 0)
+                Set(below, nameOf(number).c_str(), REG_NONE, {});
+            RegCloseKey(below);
+        }
+    }
+    const HKEY last = Make(key, nameOf(kMany - 3).c_str());
+    EXPECT_EQ(ValueNames(last), std::vector<std::u16string>{nameOf(kMany - 3)});
+}
+
+// Made and set in one step, with the handle's end.
+TEST(Registry, ChangesThroughOneKeyAreOneStep) {
+    TestDevice device;
+    OtherProcess other({[] {
+                            HKEY key = 0;
+                            return RegOpenKeyExW(HKEY_CURRENT_USER, u"New\\Key", 0, KEY_READ, &key) == 0 &&
+                                   ValueNames(key).size() == 2;
+                        },
+                        [] {
+                            HKEY key = Make(HKEY_CURRENT_USER, u"Other");
+                            Set(key, u"lost", REG_SZ, {});
+                            return true; // and it is killed
+                        }});
+    HKEY key = Make(HKEY_CURRENT_USER, u"New\\Key", u"Class");
+    for (const WCHAR* name : {u"one", u"two", u"three"})
+        EXPECT_EQ(Set(key, name, REG_SZ, {1}), 0);
+    EXPECT_EQ(RegDeleteValueW(key, u"ONE"), 0);
+    EXPECT_EQ(RegDeleteValueW(key, u"one"), LONG{ERROR_FILE_NOT_FOUND});
+    EXPECT_FALSE(other.Run(0));
+    EXPECT_EQ(RegCloseKey(key), 0);
+    EXPECT_TRUE(other.Run(0));
+    EXPECT_TRUE(other.Run(1));
+    other.Kill();
+    EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"Other", 0, KEY_READ, &key), LONG{ERROR_FILE_NOT_FOUND});
+
+    // A step that cannot be written is told of by whatever was to write it, and leaves nothing.
+    device.RunSql("CREATE TRIGGER refuse BEFORE INSERT ON vals WHEN NEW.folded = 'bad' "
+                  "BEGIN SELECT RAISE(FAIL, 'no'); END");
+    key = Make(HKEY_CURRENT_USER, u"Third");
+    EXPECT_EQ(Set(key, u"good", REG_SZ, {}), 0);
+    EXPECT_EQ(Set(key, u"bad", REG_SZ, {}), 0);
+    DWORD size = 0;
+    EXPECT_EQ(RegQueryValueExW(key, u"good", nullptr, nullptr, nullptr, &size), LONG{ERROR_FILE_CORRUPT});
+    EXPECT_EQ(RegCloseKey(key), LONG{ERROR_FILE_CORRUPT});
+    EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"Third", 0, KEY_READ, &key), LONG{ERROR_FILE_NOT_FOUND});
+    EXPECT_EQ(Set(HKEY_CURRENT_USER, u"bad", REG_SZ, {}), LONG{ERROR_FILE_CORRUPT});
+    EXPECT_EQ(Set(HKEY_CURRENT_USER, u"good", REG_SZ, {}), 0);
 }
 
 } // namespace
