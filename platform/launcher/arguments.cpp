@@ -106,7 +106,6 @@ bool TakeFlag(std::string_view argument, Options& options) {
         {{"--help", "-h"}, &options.help},
         {{"--version", "-v"}, &options.version},
         {{"--check", ""}, &options.check},
-        {{"--samples", ""}, &options.samples},
     };
     for (const auto& [names, flag] : known)
         if (argument == names[0] || (!names[1].empty() && argument == names[1]))

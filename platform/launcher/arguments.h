@@ -9,7 +9,6 @@ struct Options {
     bool help = false;
     bool version = false;
     bool check = false;         // the exit code tells whether the job failed
-    bool samples = false;       // a device that is missing is made with sample databases, without asking
     bool makesDevice = true;    // opens the window, or restores: what else there is needs a device
     std::u16string commandLine; // for the program
 };

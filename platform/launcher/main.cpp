@@ -41,7 +41,6 @@ void PrintHelp() {
               "                $XDG_DATA_HOME (~/.local/share)\n"
               "  --air DIR     send to and receive from the devices whose air is the folder DIR. Otherwise\n"
               "                $STRANDVIEW_AIR, else pocket-strandview/air in $XDG_RUNTIME_DIR\n"
-              "  --samples     fill a device that is missing with sample databases, without asking\n"
               "  --check       exit with 0 when nothing failed, and with 1 when something did\n"
               "  --version, -v print the version and end\n"
               "  --help, -h    print this and end\n"
