@@ -21,14 +21,12 @@ public:
     RegistryBackup(const RegistryBackup&) = delete;
     RegistryBackup& operator=(const RegistryBackup&) = delete;
 
-    // ---- backup: what follows the dialog ----
-    // Writes the chosen main keys to the file `fileName`. A file that is not complete is deleted.
+    // A backup, behind the dialog: writes the chosen main keys to the file. One that is not complete is
+    // deleted.
     bool Save();
-
-    // ---- restore ----
-    // Opens the file `fileName`, reads its header and asks for its password.
+    // A restore, before the dialog: opens the file, reads its header and asks for its password.
     bool Open();
-    // Restores the keys below the chosen main keys.
+    // And behind it: restores the keys below the chosen main keys. False also for a file without keys.
     bool Restore();
 
     // The value that is read at the moment; one byte more than is offered to the registry. Null: no memory.

@@ -115,11 +115,14 @@ bool RegistryBackup::RestoreRecords(RecordReader& reader) {
             ReportFailure(IDS_UNABLE_TO_READ_REGISTRY_FILE);
             return false;
         }
-        ShowKey(record.path); // a restore cannot be cancelled
+        if (progress.dialog)
+            progress.dialog->SetLine(record.path);
         if (IsChosen(record.mainKey) && !RestoreKey(record))
             return false;
-        if (progress.dialog)
+        if (progress.dialog) {
             progress.dialog->Step();
+            progress.dialog->Pump(); // whatever it says: a restore cannot be cancelled
+        }
     }
     return true;
 }
