@@ -6,6 +6,7 @@
 #include "platform/errors.h"
 #include "platform/shell.h"
 #include "platform/text.h"
+#include "regbackup/keyhandle.h"
 #include "resources/resource.h"
 
 namespace {
@@ -93,13 +94,15 @@ bool RegistryBackup::WriteHeader() {
 }
 
 bool RegistryBackup::SaveMainKeys(RecordWriter& writer) {
-    const WCHAR root[] = u"";
+    // While a key is open the platform reads ahead.
+    KeyHandle reading;
+    reading.Open(HKEY_CLASSES_ROOT, nullptr);
     bool whole = true;
     if (progress.dialog)
         progress.dialog->Step();
     for (const HKEY mainKey : {HKEY_CLASSES_ROOT, HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
         currentMainKey = mainKey;
-        whole = whole && (!IsChosen(mainKey) || Walk(mainKey, root, writer));
+        whole = whole && (!IsChosen(mainKey) || Walk(mainKey, u"", writer));
         if (progress.dialog)
             progress.dialog->Step();
     }

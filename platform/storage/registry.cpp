@@ -180,8 +180,10 @@ LONG CloseKey(HKEY key) {
     }
     // Whoever writes many keys holds another one open meanwhile: bringing each to the disk takes its time.
     Store* store = openKeys == 0 ? StoreIfOpen() : nullptr;
-    if (store)
+    if (store) {
         store->EndReading();
+        ForgetRead();
+    }
     return store && !store->Sync() ? FailAsSet() : result;
 }
 

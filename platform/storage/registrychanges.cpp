@@ -43,6 +43,11 @@ std::uint64_t RegistryChange(const Store& store) {
     return ownChanges + store.epoch;
 }
 
+void ForgetRead() {
+    ++ownChanges;
+    ForgetWay();
+}
+
 void GatherKey(OpenKey& key, std::int64_t parent, std::u16string_view path, std::u16string_view keyClass) {
     Gathered& gathered = GatheredOf(key);
     gathered.parent = parent;

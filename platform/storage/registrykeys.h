@@ -84,6 +84,9 @@ struct OpenKey : KernelObject {
 // Moves on with every change of the registry, in this process or another.
 std::uint64_t RegistryChange(const Store& store);
 
+// Drops what was read ahead, which then is read anew.
+void ForgetRead();
+
 // ---- reading; the last error is set when they return null or false ----
 const ListedKey* KeyAt(Store& store, OpenKey& key, DWORD index);
 const ListedValue* ValueAt(Store& store, OpenKey& key, DWORD index);

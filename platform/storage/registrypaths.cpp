@@ -123,6 +123,10 @@ void RememberChild(const Store& store, std::int64_t parent, const ListedKey& chi
     Remember(store, {parent, child.folded, child.id, child.hasKeys ? 0 : RegistryChange(store)});
 }
 
+void ForgetWay() {
+    way.steps.clear();
+}
+
 bool IsKnownLeaf(const Store& store, std::int64_t key) {
     return !way.steps.empty() && way.steps.back().id == key &&
            way.steps.back().leafAt == RegistryChange(store);

@@ -18,6 +18,7 @@ std::int64_t MakePath(Store& store, std::int64_t parent, std::u16string_view pat
                       std::u16string_view keyClass);
 // Spares the next search for a key that was listed, and one for keys below it when it has none.
 void RememberChild(const Store& store, std::int64_t parent, const ListedKey& child);
+void ForgetWay();
 // Whether it was listed as one that has none below it, and nothing has changed since.
 bool IsKnownLeaf(const Store& store, std::int64_t key);
 
