@@ -1,6 +1,6 @@
 // Databases between devices that are two processes.
+#include <QTest>
 #include <filesystem>
-#include <thread>
 
 #include "app/application.h"
 #include "platform/objectstore.h"
@@ -13,11 +13,15 @@
 
 namespace {
 
+constexpr int kLongest = 15000; // milliseconds that anything may take
+
 class Devices : public Beaming {
 protected:
     void AwaitInAir(std::ptrdiff_t count) const {
-        while (std::distance(std::filesystem::directory_iterator(air), {}) != count)
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        const auto there = [&] {
+            return std::distance(std::filesystem::directory_iterator(air), {}) == count;
+        };
+        EXPECT_TRUE(QTest::qWaitFor(there, kLongest)) << "devices in the air";
     }
     // What another device holds; this process is that device from here on.
     std::u16string ContentsOf(const TestDevice& other) {
@@ -100,8 +104,7 @@ TEST_F(Devices, AKilledReceiverLeavesNoPartOfADatabase) {
     OtherDevice other(theirs.folder, air, "");
     Peer peer(Peer::Calls, air, kToStored + Steps{kIsSilent});
     UseDevice(theirs.folder);
-    while (Contents(u"Notes") != u"1=Hi\n")
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    EXPECT_TRUE(QTest::qWaitFor([] { return Contents(u"Notes") == u"1=Hi\n"; }, kLongest));
     theirs.Restart();
     EXPECT_EQ(Contents(u"Notes"), u"1=Hi\n") << "it is still being received";
     theirs.Restart();
