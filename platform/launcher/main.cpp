@@ -1,5 +1,6 @@
 // The host's entry: takes the options that are the launcher's own, opens the device, and hands everything
 // else to the program as its one command line.
+#include <QCoreApplication>
 #include <QString>
 #include <csignal>
 #include <cstdio>
@@ -10,6 +11,7 @@
 #include "platform/errors.h"
 #include "platform/irda/air.h"
 #include "platform/launcher/arguments.h"
+#include "platform/launcher/firstdevice.h"
 #include "platform/process.h"
 #include "platform/ui/core/display.h"
 #include "platform/window.h"
@@ -125,6 +127,12 @@ int main(int argc, char** argv) {
                    "session, or set DISPLAY or WAYLAND_DISPLAY\n",
                    stderr);
         return kNoDisplay;
+    }
+    if (options.commandLine.empty() && options.device.empty()) {
+        const FirstStart start =
+            OfferFirstDevice(QCoreApplication::applicationDirPath() + QStringLiteral("/sample-device"));
+        if (start != FirstStart::kGoOn)
+            return start == FirstStart::kCancelled ? 0 : kBadDevice;
     }
     if (!UseDevice(options.device, options.makesDevice) || !OpenDeviceStore())
         return ReportDevice(options.device);

@@ -1,0 +1,80 @@
+#include "platform/launcher/firstdevice.h"
+
+#include <QMessageBox>
+#include <QProcess>
+#include <QPushButton>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+#include <unistd.h>
+
+#include "platform/device.h"
+#include "platform/errors.h"
+
+namespace {
+
+const QString kTitle = QStringLiteral("Pocket Strandview");
+
+enum class Answer { kSamples, kEmpty, kCancel };
+
+bool UsualDeviceIsMissing() {
+    const char* const named = std::getenv("STRANDVIEW_DEVICE");
+    return !(named && *named) && !UseDevice({}, false) && GetLastError() == ERROR_PATH_NOT_FOUND;
+}
+
+Answer Ask() {
+    QMessageBox box(QMessageBox::Question, kTitle,
+                    QStringLiteral("There is no device yet. Shall a new one hold sample databases, to look "
+                                   "around in, or be empty?"));
+    box.setInformativeText(QStringLiteral("It will be the folder %1.").arg(DeviceFolder().c_str()));
+    const auto* const samples = box.addButton(QStringLiteral("&Sample databases"), QMessageBox::YesRole);
+    const auto* const empty = box.addButton(QStringLiteral("&Empty device"), QMessageBox::NoRole);
+    box.addButton(QMessageBox::Cancel);
+    box.exec();
+    return box.clickedButton() == samples ? Answer::kSamples
+           : box.clickedButton() == empty ? Answer::kEmpty
+                                          : Answer::kCancel;
+}
+
+// What went wrong, empty when nothing did.
+QString FillFolder(const QString& maker, const std::string& folder) {
+    QProcess process;
+    process.start(maker, {QString::fromStdString(folder)});
+    if (!process.waitForFinished(-1))
+        return QStringLiteral("%1: %2").arg(maker, process.errorString());
+    const bool filled = process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+    return filled ? QString() : QStringLiteral("%1 failed\n").arg(maker) + process.readAllStandardError();
+}
+
+// Made beside its place and moved there, so that a device is there whole or not at all.
+QString MakeSampleDevice(const QString& maker) {
+    namespace fs = std::filesystem;
+    const std::string fresh = DeviceFolder() + ".new-" + std::to_string(getpid());
+    QString complaint = FillFolder(maker, fresh);
+    std::error_code error;
+    if (complaint.isEmpty())
+        fs::rename(fresh, DeviceFolder(), error);
+    // Another start may have made one meanwhile.
+    if (error && !fs::exists(DeviceStorePath()))
+        complaint = QStringLiteral("%1: %2").arg(DeviceFolder().c_str(), error.message().c_str());
+    fs::remove_all(fresh, error);
+    return complaint;
+}
+
+} // namespace
+
+FirstStart OfferFirstDevice(const QString& maker) {
+    if (!UsualDeviceIsMissing())
+        return FirstStart::kGoOn;
+    const Answer answer = Ask();
+    if (answer != Answer::kSamples)
+        return answer == Answer::kEmpty ? FirstStart::kGoOn : FirstStart::kCancelled;
+    const QString complaint = MakeSampleDevice(maker);
+    if (complaint.isEmpty())
+        return FirstStart::kGoOn;
+    std::fprintf(stderr, "pocket-strandview: no sample databases: %s\n", complaint.toUtf8().constData());
+    QMessageBox::critical(nullptr, kTitle,
+                          QStringLiteral("The sample databases could not be made.\n\n") + complaint);
+    return FirstStart::kFailed;
+}

@@ -1,0 +1,81 @@
+// The first start with no device: what is asked, and what is made by which answer.
+#include <QAbstractButton>
+#include <QDir>
+#include <QMessageBox>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+#include "platform/launcher/firstdevice.h"
+#include "platform/ui/core/windowsystem.h"
+
+namespace {
+
+// Presses the buttons in turn, one in each message box that comes, and notes what stood on the disk before.
+class Answers {
+public:
+    Answers(QStringList buttons, const QDir& folder) : buttons(std::move(buttons)), folder(folder) {
+        QObject::connect(&timer, &QTimer::timeout, [this] { Press(); });
+        timer.start();
+    }
+    bool AllGiven() const { return buttons.isEmpty(); }
+    bool FoundEmptyFolder() const { return foundEmpty; }
+
+private:
+    void Press() {
+        auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box)
+            return;
+        foundEmpty = foundEmpty && folder.isEmpty();
+        if (buttons.isEmpty())
+            return box->reject();
+        const QString wanted = buttons.takeFirst();
+        for (QAbstractButton* const button : box->buttons())
+            if (button->text().remove('&') == wanted)
+                return button->click();
+        ADD_FAILURE() << "no button " << wanted.toStdString();
+        box->reject();
+    }
+
+    QStringList buttons;
+    QDir folder;
+    QTimer timer;
+    bool foundEmpty = true;
+};
+
+TEST(FirstDevice, IsMadeAsTheUserAnswers) {
+    const QByteArray data = qgetenv("XDG_DATA_HOME");
+    qunsetenv("STRANDVIEW_DEVICE");
+    ui::EnsureWindowSystem();
+    const struct {
+        QStringList answers;
+        const char* maker;
+        FirstStart start;
+        bool made;
+    } known[] = {
+        {{"Cancel"}, SAMPLE_DEVICE_PATH, FirstStart::kCancelled, false},
+        {{"Empty device"}, SAMPLE_DEVICE_PATH, FirstStart::kGoOn, false},
+        {{"Sample databases", "OK"}, "/bin/false", FirstStart::kFailed, false},
+        {{"Sample databases", "OK"}, "/no/such/program", FirstStart::kFailed, false},
+        {{"Sample databases"}, SAMPLE_DEVICE_PATH, FirstStart::kGoOn, true},
+    };
+    for (const auto& [answers, maker, start, made] : known) {
+        const QTemporaryDir home;
+        qputenv("XDG_DATA_HOME", home.path().toUtf8());
+        const Answers user(answers, home.path());
+        EXPECT_EQ(OfferFirstDevice(maker), start);
+        EXPECT_TRUE(user.AllGiven() && user.FoundEmptyFolder()) << answers[0].toStdString();
+        const QDir folder(home.filePath("pocket-strandview"));
+        EXPECT_EQ(folder.entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+                  made ? QStringList("device") : QStringList());
+        EXPECT_EQ(QFile::exists(folder.filePath("device/objectstore.db")), made);
+        EXPECT_EQ(OfferFirstDevice("/bin/false"), made ? FirstStart::kGoOn : FirstStart::kCancelled);
+    }
+    // Another device, though it is missing too, is made without a question.
+    qputenv("STRANDVIEW_DEVICE", "/no/such/device");
+    EXPECT_EQ(OfferFirstDevice("/bin/false"), FirstStart::kGoOn);
+    qunsetenv("STRANDVIEW_DEVICE");
+    qputenv("XDG_DATA_HOME", data);
+}
+
+} // namespace
