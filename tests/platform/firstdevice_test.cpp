@@ -5,13 +5,15 @@
 #include <QTemporaryDir>
 #include <QTimer>
 #include <gtest/gtest.h>
+#include <optional>
 
 #include "platform/launcher/firstdevice.h"
 #include "platform/ui/core/windowsystem.h"
+#include "tests/platform/hostsupport.h"
 
 namespace {
 
-// Presses the buttons in turn, one in each message box that comes, and notes what stood on the disk before.
+// Presses the buttons in turn, one in each message box that comes.
 class Answers {
 public:
     Answers(QStringList buttons, const QDir& folder) : buttons(std::move(buttons)), folder(folder) {
@@ -19,14 +21,14 @@ public:
         timer.start();
     }
     bool AllGiven() const { return buttons.isEmpty(); }
-    bool FoundEmptyFolder() const { return foundEmpty; }
+    bool CameBeforeAnythingWasWritten() const { return nothingWritten.value_or(false); }
 
 private:
     void Press() {
         auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         if (!box)
             return;
-        foundEmpty = foundEmpty && folder.isEmpty();
+        nothingWritten = nothingWritten.value_or(folder.isEmpty());
         if (buttons.isEmpty())
             return box->reject();
         const QString wanted = buttons.takeFirst();
@@ -40,22 +42,26 @@ private:
     QStringList buttons;
     QDir folder;
     QTimer timer;
-    bool foundEmpty = true;
+    std::optional<bool> nothingWritten; // when the first box came
 };
 
 TEST(FirstDevice, IsMadeAsTheUserAnswers) {
     const QByteArray data = qgetenv("XDG_DATA_HOME");
+    const QTemporaryDir makers;
+    const QString failing = makers.filePath("failing");
+    WriteHostFile(failing.toStdString(), "#!/bin/sh\nmkdir -p $1\ntouch $1/objectstore.db\nexit 1\n");
+    QFile::setPermissions(failing, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     qunsetenv("STRANDVIEW_DEVICE");
     ui::EnsureWindowSystem();
     const struct {
         QStringList answers;
-        const char* maker;
+        QString maker;
         FirstStart start;
         bool made;
     } known[] = {
         {{"Cancel"}, SAMPLE_DEVICE_PATH, FirstStart::kCancelled, false},
         {{"Empty device"}, SAMPLE_DEVICE_PATH, FirstStart::kGoOn, false},
-        {{"Sample databases", "OK"}, "/bin/false", FirstStart::kFailed, false},
+        {{"Sample databases", "OK"}, failing, FirstStart::kFailed, false},
         {{"Sample databases", "OK"}, "/no/such/program", FirstStart::kFailed, false},
         {{"Sample databases"}, SAMPLE_DEVICE_PATH, FirstStart::kGoOn, true},
     };
@@ -64,7 +70,7 @@ TEST(FirstDevice, IsMadeAsTheUserAnswers) {
         qputenv("XDG_DATA_HOME", home.path().toUtf8());
         const Answers user(answers, home.path());
         EXPECT_EQ(OfferFirstDevice(maker), start);
-        EXPECT_TRUE(user.AllGiven() && user.FoundEmptyFolder()) << answers[0].toStdString();
+        EXPECT_TRUE(user.AllGiven() && user.CameBeforeAnythingWasWritten()) << answers[0].toStdString();
         const QDir folder(home.filePath("pocket-strandview"));
         EXPECT_EQ(folder.entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
                   made ? QStringList("device") : QStringList());
