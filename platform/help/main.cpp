@@ -1,9 +1,11 @@
 // The help viewer: opens the topic that is its one argument in the help folder beside it.
 #include <QApplication>
 
+#include "platform/base/libraryremarks.h"
 #include "platform/help/helpwindow.h"
 
 int main(int argc, char** argv) {
+    SilenceLibraries("PegHelp.exe");
     QApplication application(argc, argv);
     const QStringList arguments = QApplication::arguments();
     HelpWindow window(QApplication::applicationDirPath() + QStringLiteral("/help"), arguments.value(1));

@@ -1,12 +1,12 @@
 // The host's entry: takes the options that are the launcher's own, opens the device, and hands everything
 // else to the program as its one command line.
 #include <QCoreApplication>
-#include <QString>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
+#include "platform/base/libraryremarks.h"
 #include "platform/device.h"
 #include "platform/errors.h"
 #include "platform/irda/air.h"
@@ -90,25 +90,13 @@ int ReportDevice(const std::string& named) {
     return kBadDevice;
 }
 
-// What the libraries remark, for instance on a plugin that is not installed, is of no use to a user. Whoever
-// looks for a fault has set one of these.
-void SilenceLibraries() {
-    for (const char* variable : {"QT_DEBUG_PLUGINS", "QT_LOGGING_RULES", "QT_FATAL_WARNINGS"})
-        if (std::getenv(variable))
-            return;
-    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
-        if (type == QtFatalMsg)
-            std::fprintf(stderr, "pocket-strandview: %s\n", text.toUtf8().constData());
-    });
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
     // A full disk or a closed pipe is an error to report, not a reason to be killed.
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
-    SilenceLibraries();
+    SilenceLibraries("pocket-strandview");
     Options options;
     if (const std::string complaint = ParseArguments(argc, argv, options); !complaint.empty()) {
         std::fprintf(stderr, "pocket-strandview: %s\n", complaint.c_str());
