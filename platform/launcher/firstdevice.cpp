@@ -24,12 +24,12 @@ bool UsualDeviceIsMissing() {
 }
 
 Answer Ask() {
-    QMessageBox box(QMessageBox::Question, kTitle,
-                    QStringLiteral("There is no device yet. Shall a new one hold sample databases, to look "
-                                   "around in, or be empty?"));
-    box.setInformativeText(QStringLiteral("It will be the folder %1.").arg(DeviceFolder().c_str()));
-    const auto* const samples = box.addButton(QStringLiteral("&Sample databases"), QMessageBox::YesRole);
-    const auto* const empty = box.addButton(QStringLiteral("&Empty device"), QMessageBox::NoRole);
+    const QString question =
+        QStringLiteral("There is no device yet. Make one with sample databases, or an empty one?\n\n"
+                       "It will be the folder %1.");
+    QMessageBox box(QMessageBox::Question, kTitle, question.arg(DeviceFolder().c_str()));
+    const auto* const samples = box.addButton(QStringLiteral("&Samples"), QMessageBox::YesRole);
+    const auto* const empty = box.addButton(QStringLiteral("&Empty"), QMessageBox::NoRole);
     box.addButton(QMessageBox::Cancel);
     box.exec();
     return box.clickedButton() == samples ? Answer::kSamples

@@ -60,10 +60,10 @@ TEST(FirstDevice, IsMadeAsTheUserAnswers) {
         bool made;
     } known[] = {
         {{"Cancel"}, SAMPLE_DEVICE_PATH, FirstStart::kCancelled, false},
-        {{"Empty device"}, SAMPLE_DEVICE_PATH, FirstStart::kGoOn, false},
-        {{"Sample databases", "OK"}, failing, FirstStart::kFailed, false},
-        {{"Sample databases", "OK"}, "/no/such/program", FirstStart::kFailed, false},
-        {{"Sample databases"}, SAMPLE_DEVICE_PATH, FirstStart::kGoOn, true},
+        {{"Empty"}, SAMPLE_DEVICE_PATH, FirstStart::kGoOn, false},
+        {{"Samples", "OK"}, failing, FirstStart::kFailed, false},
+        {{"Samples", "OK"}, "/no/such/program", FirstStart::kFailed, false},
+        {{"Samples"}, SAMPLE_DEVICE_PATH, FirstStart::kGoOn, true},
     };
     for (const auto& [answers, maker, start, made] : known) {
         const QTemporaryDir home;
