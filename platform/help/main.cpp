@@ -7,6 +7,8 @@
 int main(int argc, char** argv) {
     SilenceLibraries("PegHelp.exe");
     QApplication application(argc, argv);
+    // The desktop shows the program's icon with it.
+    QGuiApplication::setDesktopFileName(QStringLiteral("pocket-strandview"));
     const QStringList arguments = QApplication::arguments();
     HelpWindow window(QApplication::applicationDirPath() + QStringLiteral("/help"), arguments.value(1));
     window.show();
