@@ -1,10 +1,8 @@
 // Autobackup scripts, written and replayed, against bytes written down by hand.
-#include <csignal>
-#include <sys/resource.h>
-
 #include "platform/files.h"
 #include "platform/text.h"
 #include "tests/backup/backupfixture.h"
+#include "tests/support/resourcelimit.h"
 
 namespace {
 
@@ -163,15 +161,11 @@ TEST_F(AutobackupTest, TroubleWithTheScriptDoesNotStopTheBackup) {
     BackupEngine second;
     second.generateScript = true;
     ASSERT_TRUE(second.BeginBackup(nullptr, false, u"\\second.bkp"));
-    rlimit before;
-    getrlimit(RLIMIT_FSIZE, &before);
-    const auto ignored = std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit small = {600, before.rlim_max}; // the archive is smaller
-    setrlimit(RLIMIT_FSIZE, &small);
-    ExpectMessage(trouble);
-    EXPECT_TRUE(second.WriteDatabase(u"Ab"));
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, ignored);
+    {
+        const ResourceLimit smallFiles(RLIMIT_FSIZE, 600); // the archive is smaller
+        ExpectMessage(trouble);
+        EXPECT_TRUE(second.WriteDatabase(u"Ab"));
+    }
     EXPECT_TRUE(second.Finish());
     EXPECT_FALSE(FileExists(kScript));
 }

@@ -3,8 +3,10 @@
 
 #include <string>
 
+#include "app/application.h"
 #include "platform/irda/air.h"
 #include "platform/irda/link.h"
+#include "tests/infrared/peer.h"
 #include "tests/support/session.h"
 
 constexpr const WCHAR* kComplete = u"Database transfer successfully completed!";
@@ -19,6 +21,19 @@ protected:
         EXPECT_TRUE(OpenAir().Valid());
     }
     ~Beaming() override { SetLinkPatience(40000); }
+
+    // The transfer has ended, and the main window is there again.
+    void AwaitEnd() {
+        WaitFor([] { return App().idle != 0; }, "the transfer to end");
+        InMainWindow();
+        Window();
+    }
+    // And the peer has heard what it should.
+    void AwaitEnd(const Peer& peer) {
+        WaitFor([&] { return peer.done.load(); }, "the peer's last step");
+        AwaitEnd();
+        EXPECT_EQ(peer.complaint, "");
+    }
 
     std::string air = device.folder + "/air";
 };

@@ -82,10 +82,7 @@ TEST_F(Beaming, ReceivesWholeDatabasesOrNone) {
                 ExpectMessage(text);
             Peer peer(Peer::Calls, air, each.steps);
             Press(Qt::Key_G, Qt::ControlModifier);
-            WaitFor([&] { return peer.done.load() && App().idle; }, "the transfer to end");
-            InMainWindow();
-            Window();
-            EXPECT_EQ(peer.complaint, "");
+            AwaitEnd(peer);
             EXPECT_EQ(Contents(u"Notes"), each.remains);
             DbHandle database(nullptr);
             const QuietReports quiet(database);
@@ -111,8 +108,7 @@ TEST_F(Beaming, SendsByteByByteAndCancelsOnEitherSide) {
         {
             Peer peer(Peer::IsCalled, air, toHeader + Steps{Says(kStop), kHearsEnd});
             Press(Qt::Key_S, Qt::ControlModifier);
-            WaitFor([&] { return peer.done.load() && App().idle; }, "the refusal");
-            EXPECT_EQ(peer.complaint, "");
+            AwaitEnd(peer);
         }
         Peer peer(Peer::IsCalled, air, whole + Steps{kIsSilent});
         Press(Qt::Key_S, Qt::ControlModifier);
@@ -123,8 +119,7 @@ TEST_F(Beaming, SendsByteByByteAndCancelsOnEitherSide) {
         ExpectMessage(kSure, IDYES);
         ExpectMessage(kByHost); // the user's own cancelling, too
         Tap(IDCANCEL);
-        WaitFor([] { return App().idle != 0; }, "the command to end");
-        InMainWindow();
+        AwaitEnd();
     });
 }
 

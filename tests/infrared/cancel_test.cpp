@@ -27,9 +27,7 @@ protected:
         Press(sending ? Qt::Key_S : Qt::Key_G, Qt::ControlModifier);
         WaitFor([&] { return peer.silent.load(); }, "the state");
         Cancel();
-        WaitFor([&] { return peer.done.load() && App().idle; }, "the transfer to end");
-        InMainWindow();
-        EXPECT_EQ(peer.complaint, "");
+        AwaitEnd(peer);
         return peer.heard;
     }
 
@@ -83,9 +81,7 @@ TEST_F(Cancelling, TheReceiverGoesWhileTheSenderWaits) {
             ExpectMessage(kByHost);
             Peer peer(Peer::IsCalled, air, state + Steps{kCloses});
             Press(Qt::Key_S, Qt::ControlModifier);
-            WaitFor([&] { return peer.done.load() && App().idle; }, "the transfer to end");
-            InMainWindow();
-            EXPECT_EQ(peer.complaint, "");
+            AwaitEnd(peer);
         }
     });
 }
@@ -100,15 +96,13 @@ TEST_F(Cancelling, NobodyIsThere) {
         SelectRow(10001, u"Notes");
         for (const auto& [key, status] : {std::pair(Qt::Key_S, u"Looking for device that is receiving..."),
                                           std::pair(Qt::Key_G, u"Looking for device that is sending...")}) {
-            InMainWindow();
             Press(key, Qt::ControlModifier);
             InWindow(IDD_TRANSFER);
             WaitFor([&] { return Text(IDC_TRANSFER_STATUS) == status; }, "the search");
             EXPECT_FALSE(Control(IDC_TRANSFER_BAR)->widget->isVisible()) << "it is for later";
             Cancel();
-            WaitFor([] { return App().idle != 0; }, "the search to end");
+            AwaitEnd();
         }
-        InMainWindow();
     });
 }
 

@@ -19,12 +19,6 @@ protected:
         InWindow(IDD_DATABASE_EXISTS);
         Window();
     }
-    void AwaitEnd(const Peer& peer) {
-        WaitFor([&] { return peer.done.load() && App().idle; }, "the transfer to end");
-        InMainWindow();
-        Window();
-        EXPECT_EQ(peer.complaint, "");
-    }
 };
 
 TEST_F(TakenName, TheUserDecides) {

@@ -3,7 +3,6 @@
 #include <numeric>
 #include <set>
 #include <string>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 
@@ -13,6 +12,7 @@
 #include "platform/files.h"
 #include "tests/platform/hostsupport.h"
 #include "tests/platform/otherprocess.h"
+#include "tests/support/resourcelimit.h"
 #include "tests/support/testdevice.h"
 
 namespace {
@@ -262,14 +262,10 @@ TEST_F(Files, AFullDiskStopsAWriteAndKeepsTheOlderFile) {
     EXPECT_TRUE(FlushFileBuffers(file) && CloseHandle(file));
 
     file = BeginAnew(kOld, "new");
-    rlimit before;
-    getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit tight{5, before.rlim_max};
-    std::signal(SIGXFSZ, SIG_IGN);
-    setrlimit(RLIMIT_FSIZE, &tight);
-    const DWORD failure = FailureOf(WriteFile(file, "content", 7, &count, nullptr));
-    setrlimit(RLIMIT_FSIZE, &before);
-    EXPECT_EQ(failure, ERROR_DISK_FULL);
+    {
+        const ResourceLimit smallFiles(RLIMIT_FSIZE, 5);
+        EXPECT_EQ(FailureOf(WriteFile(file, "content", 7, &count, nullptr)), ERROR_DISK_FULL);
+    }
     EXPECT_EQ(count, 2u);
     EXPECT_TRUE(CloseHandle(file) && DeleteFileW(kOld));
     EXPECT_EQ(HostFile(old + '~'), "old content");

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <vector>
 
 #include "platform/files.h"
@@ -8,6 +7,7 @@
 #include "platform/memory.h"
 #include "tests/platform/hostsupport.h"
 #include "tests/platform/otherprocess.h"
+#include "tests/support/resourcelimit.h"
 #include "tests/support/testdevice.h"
 
 namespace {
@@ -57,11 +57,10 @@ TEST(LocalHeap, ALargeBlockCostsNothingBeforeItIsWritten) {
 TEST(LocalHeap, FailsInOrderWhenTheHostHasNoMemory) {
     const TestDevice device;
     OtherProcess other({[] {
-        const rlimit none{0, 0};
         std::vector<void*> blocks;
         blocks.reserve(20 << 20);
         LocalFree(LocalAlloc(LMEM_FIXED, 1)); // takes the arena's addresses
-        setrlimit(RLIMIT_AS, &none);
+        const ResourceLimit noMore(RLIMIT_AS, 0);
         while (void* block = LocalAlloc(LMEM_FIXED, blocks.size() % 16))
             blocks.push_back(block);
         const bool told = GetLastError() == ERROR_NOT_ENOUGH_MEMORY;

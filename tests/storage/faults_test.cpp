@@ -2,12 +2,12 @@
 #include <cerrno>
 #include <filesystem>
 #include <sqlite3.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "tests/platform/otherprocess.h"
 #include "tests/storage/storesupport.h"
+#include "tests/support/resourcelimit.h"
 
 namespace {
 
@@ -17,33 +17,67 @@ void ExpectUnusable(DWORD error) {
     EXPECT_EQ(FailureOf(FindDatabase(u"New")), error);
 }
 
-TEST(Faults, AFileThatIsNoStoreIsLeftAlone) {
-    TestDevice device;
-    const std::string path = device.folder + "/objectstore.db";
-    for (const std::string& garbage : {std::string("not a store"), std::string(100000, 'g'),
-                                       std::string("SQLite format 3\0", 16) + std::string(5000, '\xA5')}) {
-        WriteHostFile(path, garbage);
-        ExpectUnusable(ERROR_FILE_CORRUPT);
-        device.Restart();
-        EXPECT_EQ(HostFile(path), garbage);
-    }
-    std::filesystem::remove(path);
-    device.RunSql("CREATE TABLE somebody_elses (a); INSERT INTO somebody_elses VALUES (1)");
-    const std::string foreign = HostFile(path);
-    ExpectUnusable(ERROR_FILE_CORRUPT);
-    device.Restart();
-    EXPECT_EQ(HostFile(path), foreign);
-    WriteHostFile(path, "");
-    EXPECT_NE(CeCreateDatabase(u"On an empty file", 1, 0, nullptr), 0U);
+// Runs a check as a user that no permission is waived for.
+bool AsOrdinaryUser(bool (*check)()) {
+    constexpr uid_t kNobody = 65534;
+    OtherProcess other({[=] { return (geteuid() != 0 || setuid(kNobody) == 0) && check(); }});
+    return other.Run(0);
 }
 
-TEST(Faults, AStoreOfANewerVersionIsLeftAlone) {
+TEST(Faults, WhatIsNoStoreIsToldBeforeItIsUsedAndLeftAlone) {
     TestDevice device;
-    CeCreateDatabase(u"Kept", 1, 0, nullptr);
+    namespace fs = std::filesystem;
+    const std::string path = device.folder + "/objectstore.db";
+    const auto isRefused = [&](DWORD error) {
+        EXPECT_EQ(FailureOf(OpenDeviceStore()), error);
+        ExpectUnusable(error);
+        device.Restart();
+    };
+    ASSERT_TRUE(OpenDeviceStore()) << "made when it is missing";
+    const HANDLE handle = OpenById(CeCreateDatabase(u"Large", 1, 0, nullptr));
+    Values().Blob(1, std::string(100'000, 'l')).Write(handle);
+    CloseHandle(handle);
+    device.Restart();
+    const std::string whole = HostFile(path);
+    fs::remove(path);
+    device.RunSql("CREATE TABLE somebody_elses (a); INSERT INTO somebody_elses VALUES (1)");
+    const std::string contents[] = {HostFile(path),
+                                    "not a store",
+                                    std::string(100000, 'g'),
+                                    std::string("SQLite format 3\0", 16) + std::string(5000, '\xA5'),
+                                    whole.substr(0, 50),
+                                    whole.substr(0, whole.size() / 2),
+                                    whole.substr(0, whole.size() - 4096)};
+    for (const std::string& content : contents) {
+        WriteHostFile(path, content);
+        isRefused(ERROR_FILE_CORRUPT);
+        EXPECT_EQ(HostFile(path), content);
+    }
+    fs::remove(path);
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    isRefused(ERROR_FILE_CORRUPT);
+    fs::remove(path);
+    fs::create_directory(path);
+    isRefused(ERROR_FILE_CORRUPT);
+    fs::remove(path);
+    fs::create_symlink(path, path);
+    isRefused(ERROR_ACCESS_DENIED);
+    fs::remove(path);
+    WriteHostFile(path, "");
+    EXPECT_NE(CeCreateDatabase(u"On an empty file", 1, 0, nullptr), 0U);
     device.RunSql("PRAGMA user_version = 2");
-    ExpectUnusable(ERROR_REVISION_MISMATCH);
+    isRefused(ERROR_REVISION_MISMATCH);
     device.RunSql("PRAGMA user_version = 1");
-    EXPECT_TRUE(CeOidGetInfo(1, std::vector<CEOIDINFO>(1).data()));
+    {
+        const ResourceLimit fewFiles(RLIMIT_NOFILE, 3);
+        isRefused(ERROR_NOT_ENOUGH_MEMORY);
+    }
+    fs::permissions(path, fs::perms(0666));
+    EXPECT_TRUE(OpenDeviceStore());
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0600)) << "earlier versions let everybody read it";
+    device.Restart();
+    fs::permissions(path, fs::perms(0));
+    EXPECT_TRUE(AsOrdinaryUser([] { return FailureOf(OpenDeviceStore()) == ERROR_WRITE_PROTECT; }));
 }
 
 TEST(Faults, DamagedRowsFailAndHarmNothingElse) {
@@ -91,13 +125,6 @@ TEST(Faults, DamagedRowsFailAndHarmNothingElse) {
     device.BreakTable("records");
     EXPECT_EQ(FailureOf(Values().Number(1, 1).Write(handle)), ERROR_FILE_CORRUPT);
     CloseHandle(handle);
-}
-
-// Runs a check as a user that no permission is waived for.
-bool AsOrdinaryUser(bool (*check)()) {
-    constexpr uid_t kNobody = 65534;
-    OtherProcess other({[=] { return (geteuid() != 0 || setuid(kNobody) == 0) && check(); }});
-    return other.Run(0);
 }
 
 TEST(Faults, ADeviceThatCannotBeWrittenCanBeRead) {
@@ -170,60 +197,13 @@ TEST(Faults, AStoreThatIsReadWithoutLocksIsRefusedOnceAnybodyWrites) {
     EXPECT_TRUE(other.Run(3)) << "neither a cut walk nor an old list";
 }
 
-void Unusable(DWORD error) {
-    EXPECT_FALSE(OpenDeviceStore());
-    EXPECT_EQ(GetLastError(), error);
-    ExpectUnusable(error);
-}
-
-TEST(Faults, AStoreThatCannotBeUsedIsToldBeforeItIs) {
-    TestDevice device;
-    const std::string path = device.folder + "/objectstore.db";
-    namespace fs = std::filesystem;
-    ASSERT_TRUE(OpenDeviceStore()) << "made when it is missing";
-    const HANDLE handle = OpenById(CeCreateDatabase(u"Large", 1, 0, nullptr));
-    Values().Blob(1, std::string(100'000, 'l')).Write(handle);
-    CloseHandle(handle);
-    device.Restart();
-    const std::string whole = HostFile(path);
-    for (const std::size_t length : {std::size_t{50}, whole.size() / 2, whole.size() - 4096}) {
-        WriteHostFile(path, whole.substr(0, length));
-        Unusable(ERROR_FILE_CORRUPT);
-        device.Restart();
-    }
-    fs::remove(path);
-    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-    Unusable(ERROR_FILE_CORRUPT);
-    fs::remove(path);
-    fs::create_directory(path);
-    Unusable(ERROR_FILE_CORRUPT);
-    fs::remove(path);
-    fs::create_symlink(path, path);
-    Unusable(ERROR_ACCESS_DENIED);
-    fs::remove(path);
-    WriteHostFile(path, whole);
-    rlimit usual{};
-    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &usual), 0);
-    const rlimit few{3, usual.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &few);
-    Unusable(ERROR_NOT_ENOUGH_MEMORY);
-    setrlimit(RLIMIT_NOFILE, &usual);
-    fs::permissions(path, fs::perms(0666));
-    EXPECT_TRUE(OpenDeviceStore());
-    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0600)) << "earlier versions let everybody read it";
-    device.Restart();
-    fs::permissions(path, fs::perms(0));
-    EXPECT_TRUE(AsOrdinaryUser([] { return !OpenDeviceStore() && GetLastError() == ERROR_WRITE_PROTECT; }));
-}
-
-// Reading from the store's file through SQLite, which the host refuses or cuts short from some read on.
+// Reading from the store's file through SQLite, which the host refuses from some read on.
 int readsLeft = -1;
-ssize_t brokenRead = -1;
 
 ssize_t BrokenPread(int file, void* to, std::size_t bytes, off_t offset) {
     if (readsLeft == 0) {
         errno = EIO;
-        return brokenRead;
+        return -1;
     }
     readsLeft -= readsLeft > 0 ? 1 : 0;
     return pread(file, to, bytes, offset);
@@ -289,7 +269,6 @@ TEST(Faults, AFailingReadIsNeverTheEnd) {
         Values().Number(1, static_cast<LONG>(number)).Blob(2, std::string(900, 'w')).Write(handle);
     CloseHandle(handle);
     BreakReads(true);
-    brokenRead = -1;
     for (const CEPROPID sort : {CEPROPID{0}, spec.propid}) {
         device.Restart();
         handle = OpenById(database, sort);
@@ -297,20 +276,7 @@ TEST(Faults, AFailingReadIsNeverTheEnd) {
         CloseHandle(handle);
     }
     EXPECT_GT(EnumerateOverFailures(device, database), 1);
-    brokenRead = 0; // a file that ends too early
-    EXPECT_GT(EnumerateOverFailures(device, database), 1);
     BreakReads(false);
-}
-
-TEST(Faults, ADeviceThatCannotBeMadeIsTold) {
-    TestDevice device;
-    WriteHostFile(device.folder + "/file", "in the way");
-    EXPECT_EQ(FailureOf(UseDevice(device.folder + "/file/device")), ERROR_PATH_NOT_FOUND);
-    ExpectUnusable(ERROR_ACCESS_DENIED);
-    EXPECT_TRUE(UseDevice(device.folder + "/made/on/the/way//"));
-    EXPECT_EQ(DeviceFolder(), device.folder + "/made/on/the/way");
-    EXPECT_TRUE(std::filesystem::is_directory(DeviceRootFolder()));
-    EXPECT_NE(CeCreateDatabase(u"New", 1, 0, nullptr), 0U);
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 // Two processes on one device.
+#include <fcntl.h>
 #include <filesystem>
 #include <optional>
 #include <set>
@@ -162,45 +163,26 @@ TEST(Processes, OnlyForeignCreationsAndDeletionsAreReported) {
     SetNotifySink(nullptr);
 }
 
-// What is written to standard error while this lives can be read from `reading`.
-struct CapturedErrors {
-    CapturedErrors() {
-        int ends[2];
-        EXPECT_EQ(pipe(ends), 0);
-        reading = ends[0];
-        usual = dup(STDERR_FILENO);
-        dup2(ends[1], STDERR_FILENO);
-        close(ends[1]);
-    }
-    CapturedErrors(const CapturedErrors&) = delete;
-    CapturedErrors& operator=(const CapturedErrors&) = delete;
-    ~CapturedErrors() {
-        dup2(usual, STDERR_FILENO);
-        close(usual);
-        close(reading);
-    }
-    int reading = -1;
-    int usual = -1;
-};
-
 TEST(Processes, WaitingSaysForWhom) {
     TestDevice device;
-    const CapturedErrors captured;
-    std::string told;
+    const std::string errors = device.folder + "/errors";
     std::optional<storage::WriteTransaction> writing;
     OtherProcess other({[&] { return writing.emplace(*storage::TheStore()).Begun(); },
                         [&] { // goes on writing until the waiting one complains
-                            char letter = 0;
-                            while (letter != '\n' && read(captured.reading, &letter, 1) == 1)
-                                told += letter;
-                            return writing->Commit() && told == "pocket-strandview: waiting for process " +
-                                                                    std::to_string(getpid()) +
-                                                                    ", which is changing the device\n";
+                            while (!HostFile(errors).ends_with('\n')) {
+                            }
+                            const std::string told = "pocket-strandview: waiting for process " +
+                                                     std::to_string(getpid()) +
+                                                     ", which is changing the device\n";
+                            return writing->Commit() && HostFile(errors) == told;
                         }});
     ASSERT_TRUE(other.Run(0));
+    const int usual = dup(STDERR_FILENO);
+    ASSERT_EQ(dup2(creat(errors.c_str(), 0600), STDERR_FILENO), STDERR_FILENO);
     other.Start(1);
     EXPECT_NE(CeCreateDatabase(u"In its turn", 1, 0, nullptr), 0U);
     EXPECT_TRUE(other.Await());
+    dup2(usual, STDERR_FILENO);
 }
 
 TEST(Processes, MeetAtTheLockFileOfTheStoreItself) {

@@ -22,65 +22,80 @@ LONG Set(HKEY key, const WCHAR* name, DWORD type, const std::vector<BYTE>& bytes
     return RegSetValueExW(key, name, 0, type, bytes.data(), static_cast<DWORD>(bytes.size()));
 }
 
+LONG Open(HKEY parent, const WCHAR* path, HKEY* key) {
+    return RegOpenKeyExW(parent, path, 0, KEY_READ, key);
+}
+
+// Name and class, for which so many characters are left beside their terminators.
+LONG KeyAt(HKEY key, DWORD index, std::u16string* found, DWORD room = 255, DWORD classRoom = 255) {
+    WCHAR name[MAX_PATH];
+    WCHAR keyClass[MAX_PATH];
+    ++room;
+    ++classRoom;
+    const LONG result = RegEnumKeyExW(key, index, name, &room, nullptr, keyClass, &classRoom, nullptr);
+    *found = result == 0 ? std::u16string(name, room) + u" " + keyClass : u"";
+    return result;
+}
+
+LONG ValueAt(HKEY key, DWORD index, std::u16string* found) {
+    WCHAR name[MAX_PATH];
+    DWORD length = MAX_PATH;
+    const LONG result = RegEnumValueW(key, index, name, &length, nullptr, nullptr, nullptr, nullptr);
+    *found = std::u16string(name, result == 0 ? length : 0);
+    return result;
+}
+
 // In the order of the enumeration.
 std::vector<std::u16string> ValueNames(HKEY key) {
     std::vector<std::u16string> names;
-    WCHAR name[MAX_PATH];
-    for (DWORD index = 0;; ++index) {
-        DWORD length = MAX_PATH;
-        const LONG result = RegEnumValueW(key, index, name, &length, nullptr, nullptr, nullptr, nullptr);
-        if (result != 0) {
-            EXPECT_EQ(result, LONG{ERROR_NO_MORE_ITEMS});
-            return names;
-        }
-        names.emplace_back(name, length);
-    }
+    std::u16string name;
+    LONG result = 0;
+    while ((result = ValueAt(key, static_cast<DWORD>(names.size()), &name)) == 0)
+        names.push_back(name);
+    EXPECT_EQ(result, LONG{ERROR_NO_MORE_ITEMS});
+    return names;
 }
 
 TEST(Registry, KeysAreFoundWithoutRegardToCaseAndKeepTheirSpelling) {
     TestDevice device;
     HKEY key = 0;
-    EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"Software\\Acme", 0, KEY_READ, &key),
-              LONG{ERROR_FILE_NOT_FOUND});
-    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
     DWORD disposition = 0;
-    ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, u"Software\\Acme\\Tool", 0, u"Sort", 0, KEY_ALL_ACCESS,
-                              nullptr, &key, &disposition),
-              0);
-    EXPECT_EQ(disposition, REG_CREATED_NEW_KEY);
+    const auto make = [&](const WCHAR* path, const WCHAR* keyClass) {
+        EXPECT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, path, 0, keyClass, 0, KEY_ALL_ACCESS, nullptr, &key,
+                                  &disposition),
+                  0);
+        return disposition;
+    };
+    EXPECT_EQ(Open(HKEY_CURRENT_USER, u"Software\\Acme", &key), LONG{ERROR_FILE_NOT_FOUND});
+    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(make(u"Software\\Acme\\Tool", u"Sort"), REG_CREATED_NEW_KEY);
     EXPECT_EQ(Set(key, u"Number", REG_DWORD, {1, 2, 3, 4}), 0);
     EXPECT_EQ(RegCloseKey(key), 0);
     EXPECT_EQ(RegCloseKey(key), LONG{ERROR_INVALID_HANDLE});
     EXPECT_EQ(Set(key, u"Number", REG_DWORD, {}), LONG{ERROR_INVALID_HANDLE});
     device.Restart();
-    ASSERT_EQ(RegCreateKeyExW(HKEY_CURRENT_USER, u"SOFTWARE\\acme\\TOOL", 0, u"Other", 0, KEY_ALL_ACCESS,
-                              nullptr, &key, &disposition),
-              0);
-    EXPECT_EQ(disposition, REG_OPENED_EXISTING_KEY);
+    EXPECT_EQ(make(u"SOFTWARE\\acme\\TOOL", u"Other"), REG_OPENED_EXISTING_KEY);
     DWORD size = 4;
     BYTE data[4];
     EXPECT_EQ(RegQueryValueExW(key, u"NUMBER", nullptr, nullptr, data, &size), 0);
-    EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, u"Software", 0, KEY_READ, &key), LONG{ERROR_FILE_NOT_FOUND})
+    EXPECT_EQ(Open(HKEY_LOCAL_MACHINE, u"Software", &key), LONG{ERROR_FILE_NOT_FOUND})
         << "the main keys are apart";
 
     HKEY same = 0;
+    std::u16string found;
     const HKEY acme = Make(HKEY_CURRENT_USER, u"software\\acme");
-    ASSERT_EQ(RegOpenKeyExW(acme, u"", 0, KEY_READ, &same), 0);
-    WCHAR name[MAX_PATH];
-    WCHAR keyClass[MAX_PATH];
-    DWORD nameLength = MAX_PATH;
-    DWORD classLength = MAX_PATH;
-    ASSERT_EQ(RegEnumKeyExW(same, 0, name, &nameLength, nullptr, keyClass, &classLength, nullptr), 0);
-    EXPECT_EQ(std::u16string(name), u"Tool");
-    EXPECT_EQ(nameLength, 4U);
-    EXPECT_EQ(std::u16string(keyClass), u"Sort");
-    nameLength = 4;
-    EXPECT_EQ(RegEnumKeyExW(same, 0, name, &nameLength, nullptr, nullptr, nullptr, nullptr),
-              LONG{ERROR_MORE_DATA});
-    EXPECT_EQ(RegEnumKeyExW(same, 1, name, &nameLength, nullptr, nullptr, nullptr, nullptr),
-              LONG{ERROR_NO_MORE_ITEMS});
-    EXPECT_EQ(RegOpenKeyExW(acme, std::u16string(256, u'k').c_str(), 0, KEY_READ, &same),
-              LONG{ERROR_INVALID_PARAMETER});
+    ASSERT_EQ(Open(acme, u"", &same), 0);
+    EXPECT_EQ(KeyAt(same, 0, &found), 0);
+    EXPECT_EQ(found, u"Tool Sort");
+    EXPECT_EQ(KeyAt(same, 1, &found), LONG{ERROR_NO_MORE_ITEMS});
+    EXPECT_EQ(Open(acme, std::u16string(256, u'k').c_str(), &same), LONG{ERROR_INVALID_PARAMETER});
+
+    ASSERT_EQ(Open(HKEY_CURRENT_USER, u"", &key), 0);
+    EXPECT_EQ(RegCloseKey(key), 0);
+    EXPECT_EQ(RegCloseKey(key), LONG{ERROR_INVALID_HANDLE}) << "it is gone, not kept for ever";
+    EXPECT_EQ(RegCloseKey(HKEY_CURRENT_USER), 0);
+    EXPECT_EQ(Set(HKEY_CURRENT_USER, u"Own", REG_SZ, {1}), 0) << "a main key itself stays open";
+    EXPECT_EQ(ValueNames(HKEY_CURRENT_USER), std::vector<std::u16string>{u"Own"});
 }
 
 TEST(Registry, ValuesComeBackWithTheirBytesWhateverTheTypeSays) {
@@ -127,46 +142,20 @@ TEST(Registry, ValuesComeBackWithTheirBytesWhateverTheTypeSays) {
     EXPECT_EQ(data[0], 9);
 }
 
-TEST(Registry, HandlesOnMainKeysAreClosedAndPathsHaveTheirLimit) {
+TEST(Registry, NamesAndPathsHaveTheirLimits) {
     TestDevice device;
     HKEY key = 0;
-    ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"", 0, KEY_READ, &key), 0);
-    EXPECT_EQ(RegCloseKey(key), 0);
-    EXPECT_EQ(RegCloseKey(key), LONG{ERROR_INVALID_HANDLE}) << "it is gone, not kept for ever";
-    EXPECT_EQ(RegCloseKey(HKEY_CURRENT_USER), 0);
-    EXPECT_EQ(Set(HKEY_CURRENT_USER, u"Own", REG_SZ, {1}), 0) << "a main key itself stays open";
-    EXPECT_EQ(ValueNames(HKEY_CURRENT_USER), std::vector<std::u16string>{u"Own"});
-
     const auto make = [&](HKEY parent, std::size_t rest) {
         const std::u16string path = u"\\two\\" + std::u16string(rest, u'p');
         return RegCreateKeyExW(parent, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
     };
     const HKEY deep = Make(HKEY_CURRENT_USER, std::u16string(200, u'd').c_str());
     EXPECT_EQ(make(deep, 55), LONG{ERROR_FILENAME_EXCED_RANGE}) << "200 + 4 + 56 characters";
-    WCHAR name[MAX_PATH];
-    DWORD length = MAX_PATH;
-    EXPECT_EQ(RegEnumKeyExW(deep, 0, name, &length, nullptr, nullptr, nullptr, nullptr),
-              LONG{ERROR_NO_MORE_ITEMS});
+    std::u16string found;
+    EXPECT_EQ(KeyAt(deep, 0, &found), LONG{ERROR_NO_MORE_ITEMS});
     EXPECT_EQ(make(deep, 54), 0);
     EXPECT_EQ(make(key, 1), LONG{ERROR_FILENAME_EXCED_RANGE}) << "counted from the main key";
-}
-
-TEST(Registry, EnumerationGoesOnAmongDeletions) {
-    TestDevice device;
-    const HKEY key = Make(HKEY_CLASSES_ROOT, u"Many");
-    for (char16_t letter = u'a'; letter <= u'f'; ++letter)
-        Set(key, std::u16string(1, letter).c_str(), REG_BINARY, {1});
-    WCHAR name[MAX_PATH];
-    DWORD length = MAX_PATH;
-    ASSERT_EQ(RegEnumValueW(key, 0, name, &length, nullptr, nullptr, nullptr, nullptr), 0);
-    EXPECT_EQ(RegDeleteValueW(key, u"A"), 0);
-    length = MAX_PATH;
-    ASSERT_EQ(RegEnumValueW(key, 1, name, &length, nullptr, nullptr, nullptr, nullptr), 0);
-    EXPECT_EQ(std::u16string(name), u"c") << "what moved into the freed place is not looked at again";
-    EXPECT_EQ(RegDeleteValueW(key, u"a"), LONG{ERROR_FILE_NOT_FOUND});
-    EXPECT_EQ(ValueNames(key).size(), 5U);
-    EXPECT_EQ(RegSetValueExW(key, std::u16string(260, u'n').c_str(), 0, REG_SZ, nullptr, 0),
-              LONG{ERROR_INVALID_PARAMETER});
+    EXPECT_EQ(Set(deep, std::u16string(260, u'n').c_str(), REG_SZ, {}), LONG{ERROR_INVALID_PARAMETER});
 }
 
 // Enumerations read some items at a time, and know that something has changed.
@@ -183,33 +172,31 @@ TEST(Registry, EnumerationsGoThroughManyKeysAndValues) {
         Set(key, nameOf(number).c_str(), REG_BINARY, std::vector<BYTE>(1000, static_cast<BYTE>(number)));
         RegCloseKey(Make(HKEY_LOCAL_MACHINE, (u"Many\\" + nameOf(number)).c_str(), nameOf(number).c_str()));
     }
-    const auto keyAt = [&](DWORD index, DWORD room, DWORD classRoom, std::u16string* found) {
-        WCHAR name[MAX_PATH];
-        WCHAR keyClass[MAX_PATH];
-        const LONG result = RegEnumKeyExW(key, index, name, &room, nullptr, keyClass, &classRoom, nullptr);
-        *found = result == 0 ? std::u16string(name) + u" " + keyClass : u"";
-        return result;
-    };
     std::u16string found;
     std::vector<BYTE> data(1000);
     for (int number = 0; number < kMany; ++number) {
         const std::u16string name = nameOf(number);
-        ASSERT_EQ(keyAt(static_cast<DWORD>(number), 5, 5, &found), 0);
+        ASSERT_EQ(KeyAt(key, static_cast<DWORD>(number), &found, 4, 4), 0);
         EXPECT_EQ(found, name + u" " + name);
         DWORD size = 1000;
         ASSERT_EQ(RegQueryValueExW(key, name.c_str(), nullptr, nullptr, data.data(), &size), 0);
         EXPECT_EQ(data, std::vector<BYTE>(1000, static_cast<BYTE>(number)));
     }
     EXPECT_EQ(ValueNames(key).size(), std::size_t{kMany});
-    EXPECT_EQ(keyAt(kMany, 5, 5, &found), LONG{ERROR_NO_MORE_ITEMS});
-    EXPECT_EQ(keyAt(140, 5, 4, &found), LONG{ERROR_MORE_DATA});
-    EXPECT_EQ(keyAt(3, 4, 5, &found), LONG{ERROR_MORE_DATA});
+    EXPECT_EQ(KeyAt(key, kMany, &found), LONG{ERROR_NO_MORE_ITEMS});
+    EXPECT_EQ(KeyAt(key, 140, &found, 4, 3), LONG{ERROR_MORE_DATA});
+    EXPECT_EQ(KeyAt(key, 3, &found, 3, 4), LONG{ERROR_MORE_DATA});
 
     // From the other end, and with a key that is new between two steps.
-    EXPECT_EQ(keyAt(3, 5, 5, &found), 0);
+    EXPECT_EQ(KeyAt(key, 3, &found), 0);
     RegCloseKey(Make(HKEY_LOCAL_MACHINE, u"Many\\a"));
-    EXPECT_EQ(keyAt(4, 5, 5, &found), 0);
+    EXPECT_EQ(KeyAt(key, 4, &found), 0);
     EXPECT_EQ(found, u"n003 n003");
+    // What moves into a place that a deletion has freed is not looked at again.
+    EXPECT_EQ(ValueAt(key, 0, &found), 0);
+    EXPECT_EQ(RegDeleteValueW(key, u"N000"), 0);
+    EXPECT_EQ(ValueAt(key, 1, &found), 0);
+    EXPECT_EQ(found, u"n002");
     // Neighbours whose values are read together do not get each other's.
     for (int round = 0; round < 2; ++round) {
         for (int number = 0; number < kMany; ++number) {
@@ -229,7 +216,7 @@ TEST(Registry, ChangesThroughOneKeyAreOneStep) {
     TestDevice device;
     OtherProcess other({[] {
                             HKEY key = 0;
-                            return RegOpenKeyExW(HKEY_CURRENT_USER, u"New\\Key", 0, KEY_READ, &key) == 0 &&
+                            return Open(HKEY_CURRENT_USER, u"New\\Key", &key) == 0 &&
                                    ValueNames(key).size() == 2;
                         },
                         [] {
@@ -247,7 +234,7 @@ TEST(Registry, ChangesThroughOneKeyAreOneStep) {
     EXPECT_TRUE(other.Run(0));
     EXPECT_TRUE(other.Run(1));
     other.Kill();
-    EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"Other", 0, KEY_READ, &key), LONG{ERROR_FILE_NOT_FOUND});
+    EXPECT_EQ(Open(HKEY_CURRENT_USER, u"Other", &key), LONG{ERROR_FILE_NOT_FOUND});
 
     // A step that cannot be written is told of by whatever was to write it, and leaves nothing.
     device.RunSql("CREATE TRIGGER refuse BEFORE INSERT ON vals WHEN NEW.folded = 'bad' "
@@ -258,7 +245,7 @@ TEST(Registry, ChangesThroughOneKeyAreOneStep) {
     DWORD size = 0;
     EXPECT_EQ(RegQueryValueExW(key, u"good", nullptr, nullptr, nullptr, &size), LONG{ERROR_FILE_CORRUPT});
     EXPECT_EQ(RegCloseKey(key), LONG{ERROR_FILE_CORRUPT});
-    EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"Third", 0, KEY_READ, &key), LONG{ERROR_FILE_NOT_FOUND});
+    EXPECT_EQ(Open(HKEY_CURRENT_USER, u"Third", &key), LONG{ERROR_FILE_NOT_FOUND});
     EXPECT_EQ(Set(HKEY_CURRENT_USER, u"bad", REG_SZ, {}), LONG{ERROR_FILE_CORRUPT});
     EXPECT_EQ(Set(HKEY_CURRENT_USER, u"good", REG_SZ, {}), 0);
 }

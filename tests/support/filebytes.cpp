@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <gtest/gtest.h>
 
-#include "platform/files.h"
+#include "platform/base/paths.h"
+#include "tests/platform/hostsupport.h"
 
 Bytes FromHex(const char* text) {
     Bytes bytes;
@@ -36,29 +38,27 @@ DWORD NumberAt(const Bytes& bytes, std::size_t offset) {
     return value;
 }
 
+namespace {
+
+// Where the host has a file of the device.
+std::string OnHost(const WCHAR* path) {
+    std::string host;
+    EXPECT_TRUE(HostPath(path, host)) << testing::PrintToString(path);
+    return host;
+}
+
+} // namespace
+
 Bytes FileBytes(const WCHAR* path) {
-    Bytes bytes;
-    const HANDLE file = CreateFileW(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, 0);
-    EXPECT_NE(file, INVALID_HANDLE_VALUE) << testing::PrintToString(path);
-    if (file == INVALID_HANDLE_VALUE)
-        return bytes;
-    bytes.resize(GetFileSize(file, nullptr));
-    DWORD read = 0;
-    ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr);
-    CloseHandle(file);
-    return bytes;
+    EXPECT_TRUE(FileExists(path)) << testing::PrintToString(path);
+    const std::string bytes = HostFile(OnHost(path));
+    return {bytes.begin(), bytes.end()};
 }
 
 void WriteBytes(const WCHAR* path, const Bytes& bytes) {
-    const HANDLE file = CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, 0);
-    ASSERT_NE(file, INVALID_HANDLE_VALUE) << testing::PrintToString(path);
-    DWORD written = 0;
-    WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
-    CloseHandle(file);
+    WriteHostFile(OnHost(path), {bytes.begin(), bytes.end()});
 }
 
 bool FileExists(const WCHAR* path) {
-    const HANDLE file =
-        CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, 0);
-    return file != INVALID_HANDLE_VALUE && CloseHandle(file);
+    return std::filesystem::exists(OnHost(path));
 }

@@ -1,58 +1,33 @@
 #include "tests/support/sampledatabases.h"
 
-#include <cstring>
 #include <gtest/gtest.h>
 
 #include "store/dbhandle.h"
 #include "store/propertyvalues.h"
+#include "tests/storage/storesupport.h"
 
 namespace {
 
-// Fills a value; a text lies in a block of its own, which the caller releases.
-CEPROPVAL ToProperty(const SampleValue& value) {
-    CEPROPVAL property = {};
-    property.propid = value.id;
-    switch (TypeFromPropID(value.id)) {
-    case CEVT_LPWSTR:
-        if (!value.absent) {
-            const std::size_t bytes = (value.text.size() + 1) * sizeof(WCHAR);
-            auto* text = static_cast<WCHAR*>(LocalAlloc(LMEM_FIXED, bytes));
-            std::memcpy(text, value.text.c_str(), bytes);
-            property.val.lpwstr = text;
-        }
-        break;
-    case CEVT_R8:
-        property.val.dblVal = value.number;
-        break;
-    case CEVT_FILETIME: {
-        const auto ticks = static_cast<std::int64_t>(value.number);
-        property.val.filetime = {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
-        break;
-    }
-    case CEVT_BLOB: // an empty one
-        break;
-    case CEVT_I2:
-    case CEVT_UI2:
-        property.val.uiVal = static_cast<WORD>(static_cast<std::int64_t>(value.number));
-        break;
-    default:
-        property.val.ulVal = static_cast<DWORD>(static_cast<std::int64_t>(value.number));
-        break;
-    }
-    return property;
-}
-
 CEOID Write(HANDLE database, const std::vector<SampleValue>& values) {
-    std::vector<CEPROPVAL> properties;
-    for (const SampleValue& value : values)
-        properties.push_back(ToProperty(value));
-    const CEOID record =
-        CeWriteRecordProps(database, 0, static_cast<WORD>(properties.size()), properties.data());
-    EXPECT_NE(record, 0u);
-    for (const CEPROPVAL& property : properties)
-        if (TypeFromPropID(property.propid) == CEVT_LPWSTR)
-            LocalFree(property.val.lpwstr);
-    return record;
+    Values record;
+    for (const SampleValue& value : values) {
+        const WORD type = TypeFromPropID(value.id);
+        const auto number = static_cast<std::int64_t>(value.number);
+        if (type == CEVT_LPWSTR && !value.absent) {
+            record.Text(HIWORD(value.id), value.text);
+            continue;
+        }
+        CEVALUNION& written = record.Add(value.id).val;
+        if (type == CEVT_R8)
+            written.dblVal = value.number;
+        else if (type == CEVT_FILETIME)
+            written.filetime = {static_cast<DWORD>(number), static_cast<DWORD>(number >> 32)};
+        else if (type != CEVT_BLOB) // which is an empty one
+            written.lVal = static_cast<LONG>(number);
+    }
+    const CEOID made = record.Write(database);
+    EXPECT_NE(made, 0u);
+    return made;
 }
 
 HANDLE Open(CEOID oid, const WCHAR* name) {

@@ -89,7 +89,10 @@ std::vector<std::u16string> ColumnTexts(HWND list, int column) {
 Stylus::Stylus() {
     ui::EnsureWindowSystem();
     ui::TestHooks().messageBox = [this](const ui::MessageBoxSeen& box) { BoxOpened(box); };
-    ui::TestHooks().dialog = [this](const ui::DialogSeen& dialog) { DialogOpened(dialog); };
+    ui::TestHooks().dialog = [](const ui::DialogSeen& dialog) {
+        ADD_FAILURE() << "unexpected dialog: " << ToUtf8(TextOf(dialog.window));
+        PostMessageW(dialog.window, WM_COMMAND, IDCANCEL, 0);
+    };
     ui::TestHooks().menu = [this](QMenu* menu) { MenuOpened(menu); };
     ui::TestHooks().picker = [this](const ui::PickerSeen& picker) { PickerOpened(picker); };
 }
@@ -218,11 +221,6 @@ void Stylus::ChooseByRightButton(HWND list, const std::u16string& rowText, const
     const QPoint point = RowPoint(list, rowText);
     ExpectMenuFirst(item);
     TapRight(list, point);
-}
-
-void Stylus::ChooseFromBar(char16_t mnemonic, const std::u16string& item) {
-    ExpectMenuFirst(item);
-    Key(static_cast<Qt::Key>(mnemonic), Qt::AltModifier);
 }
 
 void Stylus::Resize(int width, int height) {

@@ -8,7 +8,7 @@
 #include <Qt>
 #include <deque>
 #include <functional>
-#include <set>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -39,9 +39,7 @@ public:
     void TapRowTwice(HWND list, const std::u16string& text);
     // The column with that title.
     void TapHeader(HWND list, const std::u16string& title);
-    // Opens a popup of the window's bar by its mnemonic and chooses from it; `item` as ExpectMenu has it.
-    void ChooseFromBar(char16_t mnemonic, const std::u16string& item);
-    // The same by taps: "Tools/Options...", or the name of a button that is a command.
+    // From the bar: "Tools/Options...", "View/Sort By/Unsorted", or the name of a button that is a command.
     void ChooseFromBar(HWND window, const std::u16string& path);
     // Holds a row until its menu opens.
     void ChooseFromPopup(HWND list, const std::u16string& rowText, const std::u16string& item);
@@ -53,13 +51,6 @@ public:
     // ---- expecting, in the order in which things open ----
     // Answered by a tap on that button.
     void ExpectBox(const std::u16string& text, int answer);
-    // `act` runs beside the dialog's loop; it ends the dialog or makes it end. Without one it is cancelled.
-    void ExpectDialog(int templateId, std::function<void(HWND)> act = nullptr);
-    // Modeless dialogs that may come and go unseen, such as a progress display.
-    void AllowDialog(int templateId);
-    // Chooses the item with that text, without its mnemonic and accelerator; "Sort By/Unsorted" for a
-    // submenu.
-    void ExpectMenu(const std::u16string& item);
     // Types the name and accepts; an empty name cancels.
     void ExpectPicker(bool save, const std::u16string& name);
 
@@ -77,18 +68,19 @@ public:
     bool AllAnswered() const { return answering == 0; }
 
 private:
-    enum class Kind { Box, Dialog, Menu, Picker };
+    enum class Kind { Box, Menu, Picker };
     struct Expected {
         Kind kind;
         std::u16string text;
-        int number = 0; // answer, template, or whether to save
-        std::function<void(HWND)> act;
+        int number = 0; // answer, or whether to save
     };
 
+    // For what opens a menu itself: what the item is to open is expected already.
     void ExpectMenuFirst(const std::u16string& item);
-    bool Take(Kind kind, const std::function<bool(const Expected&)>& fits, Expected& taken);
+    // What was expected first, if that fits; otherwise nothing, and a failed test.
+    std::optional<Expected> Take(Kind kind, const std::string& what,
+                                 const std::function<bool(const Expected&)>& fits);
     void BoxOpened(const ui::MessageBoxSeen& box);
-    void DialogOpened(const ui::DialogSeen& dialog);
     void MenuOpened(QMenu* menu);
     void PickerOpened(const ui::PickerSeen& picker);
     void ChooseItem(QMenu* menu, const std::u16string& item);
@@ -98,7 +90,6 @@ private:
     std::string Waiting() const;
 
     std::deque<Expected> expected;
-    std::set<int> allowed;
     int opened = 0;
     int answering = 0;
 };

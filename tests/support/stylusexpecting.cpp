@@ -6,17 +6,11 @@
 #include <gtest/gtest.h>
 
 #include "platform/base/utf8.h"
-#include "platform/resources.h"
 #include "platform/ui/core/windowcore.h"
 #include "tests/support/script.h"
 #include "tests/support/stylus.h"
 
 namespace {
-
-bool IsTemplate(const DLGTEMPLATE* dialogTemplate, int id) {
-    const HRSRC resource = FindResourceW(nullptr, MAKEINTRESOURCEW(static_cast<WORD>(id)), RT_DIALOG);
-    return resource && LoadResource(nullptr, resource) == dialogTemplate;
-}
 
 QAction* FindAction(const QMenu* menu, const QString& text) {
     for (QAction* action : menu->actions()) {
@@ -30,37 +24,27 @@ QAction* FindAction(const QMenu* menu, const QString& text) {
 } // namespace
 
 void Stylus::ExpectBox(const std::u16string& text, int answer) {
-    expected.push_back({Kind::Box, text, answer, nullptr});
+    expected.push_back({Kind::Box, text, answer});
 }
 
-void Stylus::ExpectDialog(int templateId, std::function<void(HWND)> act) {
-    expected.push_back({Kind::Dialog, {}, templateId, std::move(act)});
-}
-
-void Stylus::AllowDialog(int templateId) {
-    allowed.insert(templateId);
-}
-
-void Stylus::ExpectMenu(const std::u16string& item) {
-    expected.push_back({Kind::Menu, item, 0, nullptr});
-}
-
-// For what opens a menu itself: what the item is to open is expected already.
 void Stylus::ExpectMenuFirst(const std::u16string& item) {
-    expected.push_front({Kind::Menu, item, 0, nullptr});
+    expected.push_front({Kind::Menu, item});
 }
 
 void Stylus::ExpectPicker(bool save, const std::u16string& name) {
-    expected.push_back({Kind::Picker, name, save, nullptr});
+    expected.push_back({Kind::Picker, name, save});
 }
 
-bool Stylus::Take(Kind kind, const std::function<bool(const Expected&)>& fits, Expected& taken) {
+std::optional<Stylus::Expected> Stylus::Take(Kind kind, const std::string& what,
+                                             const std::function<bool(const Expected&)>& fits) {
     ++opened;
-    if (expected.empty() || expected.front().kind != kind || !fits(expected.front()))
-        return false;
-    taken = std::move(expected.front());
+    if (expected.empty() || expected.front().kind != kind || !fits(expected.front())) {
+        ADD_FAILURE() << "unexpected " << what << "; expected was " << Waiting();
+        return std::nullopt;
+    }
+    const Expected taken = std::move(expected.front());
     expected.pop_front();
-    return true;
+    return taken;
 }
 
 // Beside the loop of what has opened.
@@ -75,63 +59,32 @@ void Stylus::Answer(std::function<void()> act) {
 std::string Stylus::Waiting() const {
     if (expected.empty())
         return "nothing";
-    static const char* const kKinds[] = {"box", "dialog", "menu", "picker"};
+    static const char* const kKinds[] = {"box", "menu", "picker"};
     const Expected& next = expected.front();
     return std::string(kKinds[static_cast<int>(next.kind)]) + " \"" + ToUtf8(next.text) + "\" " +
            std::to_string(next.number);
 }
 
 void Stylus::BoxOpened(const ui::MessageBoxSeen& box) {
-    Expected taken;
+    const auto taken = Take(Kind::Box, "message box: " + ToUtf8(box.text),
+                            [&](const Expected& next) { return next.text == box.text; });
+    if (!taken)
+        return StartScript([] { ui::AnswerMessageBox(IDCANCEL); });
     const HWND window = box.window;
-    if (Take(
-            Kind::Box, [&](const Expected& next) { return next.text == box.text; }, taken)) {
-        EXPECT_TRUE(GetDlgItem(window, taken.number)) << "no such answer: " << taken.number;
-        Answer([this, window, answer = taken.number] {
-            if (ui::LiveWindow(window))
-                Tap(window, answer);
-        });
-        return;
-    }
-    ADD_FAILURE() << "unexpected message box: " << ToUtf8(box.text) << "; expected was " << Waiting();
-    StartScript([] { ui::AnswerMessageBox(IDCANCEL); });
-}
-
-void Stylus::DialogOpened(const ui::DialogSeen& dialog) {
-    Expected taken;
-    const HWND window = dialog.window;
-    if (Take(
-            Kind::Dialog,
-            [&](const Expected& next) { return IsTemplate(dialog.dialogTemplate, next.number); }, taken)) {
-        Answer([window, act = taken.act] {
-            if (ui::LiveWindow(window) && act)
-                act(window);
-            else
-                PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
-        });
-        return;
-    }
-    for (const int id : allowed)
-        if (IsTemplate(dialog.dialogTemplate, id))
-            return;
-    ADD_FAILURE() << "unexpected dialog: " << ToUtf8(TextOf(window)) << "; expected was " << Waiting();
-    PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
+    EXPECT_TRUE(GetDlgItem(window, taken->number)) << "no such answer: " << taken->number;
+    Answer([this, window, answer = taken->number] {
+        if (ui::LiveWindow(window))
+            Tap(window, answer);
+    });
 }
 
 void Stylus::MenuOpened(QMenu* menu) {
-    Expected taken;
-    const QPointer<QMenu> shown(menu);
-    if (Take(
-            Kind::Menu, [](const Expected&) { return true; }, taken)) {
-        Answer([this, shown, item = taken.text] {
-            if (shown)
-                ChooseItem(shown, item);
-        });
-        return;
-    }
-    ADD_FAILURE() << "unexpected menu; expected was " << Waiting();
-    StartScript([shown] {
-        if (shown)
+    const auto taken = Take(
+        Kind::Menu, "menu", [](const Expected&) { return true; });
+    Answer([this, taken, shown = QPointer<QMenu>(menu)] {
+        if (shown && taken)
+            ChooseItem(shown, taken->text);
+        else if (shown)
             shown->close();
     });
 }
@@ -162,20 +115,11 @@ void Stylus::ChooseItem(QMenu* menu, const std::u16string& item) {
 }
 
 void Stylus::PickerOpened(const ui::PickerSeen& picker) {
-    Expected taken;
-    const QPointer<QWidget> shown(picker.widget);
-    if (Take(
-            Kind::Picker, [&](const Expected& next) { return (next.number != 0) == picker.save; }, taken)) {
-        Answer([this, shown, name = taken.text] {
-            if (shown)
-                FinishPicker(shown, name);
-        });
-        return;
-    }
-    ADD_FAILURE() << "unexpected picker; expected was " << Waiting();
-    StartScript([this, shown] {
+    const auto taken = Take(
+        Kind::Picker, "picker", [&](const Expected& next) { return (next.number != 0) == picker.save; });
+    Answer([this, taken, shown = QPointer<QWidget>(picker.widget)] {
         if (shown)
-            FinishPicker(shown, u"");
+            FinishPicker(shown, taken ? taken->text : u"");
     });
 }
 

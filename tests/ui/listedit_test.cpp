@@ -100,7 +100,7 @@ TEST_F(ListTest, TheCursorIsTheRowThatTheProgramFocuses) {
         return rows;
     };
     for (const bool redraws : {true, false}) {
-        for (const DWORD view : {LVS_REPORT, LVS_ICON}) {
+        for (const DWORD view : {LVS_REPORT, LVS_SMALLICON, LVS_LIST, LVS_ICON}) {
             SetWindowLongPtrW(list, GWL_STYLE, (list->style & ~LVS_TYPEMASK) | view);
             Send(list, WM_SETREDRAW, redraws);
             ListView_DeleteAllItems(list);
@@ -116,8 +116,9 @@ TEST_F(ListTest, TheCursorIsTheRowThatTheProgramFocuses) {
             stylus.Type(u"x");
             stylus.Key(Qt::Key_Return);
             EXPECT_EQ(TextAt(list, 2), u"x");
-            stylus.Key(view == LVS_ICON ? Qt::Key_Right : Qt::Key_Down);
-            EXPECT_EQ(focused(), std::vector<int>{3}) << redraws << view;
+            stylus.Key(Qt::Key_Home);
+            EXPECT_EQ(focused(), std::vector<int>{0}) << redraws << view;
+            EXPECT_EQ(Selected(), std::vector<int>{0});
         }
     }
     // A row that is only selected is where the keyboard begins, too.

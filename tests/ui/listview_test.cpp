@@ -74,22 +74,6 @@ TEST_F(ListTest, RowsMayGoWhileTheirChangeIsTold) {
     EXPECT_FALSE(IsWindow(list));
 }
 
-TEST_F(ListTest, AllViewsShareTheSelection) {
-    Make();
-    stylus.Tap(list, Spot(2));
-    for (DWORD view : {LVS_ICON, LVS_SMALLICON, LVS_LIST, LVS_REPORT}) {
-        LONG_PTR style = GetWindowLongPtrW(list, GWL_STYLE);
-        SetWindowLongPtrW(list, GWL_STYLE, (style & ~LONG_PTR{LVS_TYPEMASK}) | view);
-        stylus.Settle();
-        EXPECT_EQ(Selected(), std::vector<int>{2}) << view;
-        EXPECT_EQ(GetFocus(), list);
-        stylus.Key(Qt::Key_Home);
-        EXPECT_EQ(Selected(), std::vector<int>{0}) << view;
-        ListView_SetItemState(list, 0, 0, LVIS_SELECTED);
-        ListView_SetItemState(list, 2, kBoth, kBoth);
-    }
-}
-
 TEST_F(ListTest, CheckBoxesAreToggledByTapAndSpace) {
     Make(LVS_REPORT | LVS_SINGLESEL, 3);
     ListView_SetExtendedListViewStyleEx(list, LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES);

@@ -1,4 +1,5 @@
 // Properties changed, undone, moved, added and deleted in the record viewer.
+#include "tests/support/scarcememory.h"
 #include "tests/viewer/viewerfixture.h"
 
 namespace {
@@ -127,14 +128,11 @@ TEST_F(ViewerTest, SaysThatMemoryIsShortWhenAddingAProperty) {
     MakeDatabase(u"Full", {{TextValue(1, u"a")}});
     RunProgram([&] {
         View(u"Full");
-        std::vector<void*> blocks;
-        for (std::size_t bytes = 256 << 20; bytes != 0; bytes /= 2)
-            while (void* const block = LocalAlloc(LMEM_FIXED, bytes))
-                blocks.push_back(block);
-        ExpectMessage(kOutOfMemory);
-        Tap(IDC_VIEWER_ADD);
-        for (void* const block : blocks)
-            LocalFree(block);
+        {
+            const FullHeap full;
+            ExpectMessage(kOutOfMemory);
+            Tap(IDC_VIEWER_ADD);
+        }
         CloseViewer();
     });
 }

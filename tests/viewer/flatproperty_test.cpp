@@ -3,102 +3,67 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <string>
-#include <vector>
 
+#include "store/propertyvalues.h"
+#include "tests/storage/storesupport.h"
+#include "tests/support/filebytes.h"
 #include "viewer/flatproperty.h"
 
 namespace {
 
-using Bytes = std::vector<BYTE>;
-
-// The block's bytes with its pointer, which differs from run to run, replaced by 0xEE when it points behind
-// the header.
-Bytes BytesOf(FlatProperty* flat, std::size_t pointerAt) {
+// The block's bytes; what points behind the header, which differs from run to run, is replaced by 0xEE.
+Bytes BytesOf(const CEPROPVAL& property) {
+    FlatProperty* const flat = Flatten(property);
     Bytes bytes(LocalSize(flat));
     std::memcpy(bytes.data(), flat, bytes.size());
-    DWORD address = 0;
-    std::memcpy(&address, bytes.data() + pointerAt, sizeof(address));
-    if (address == ArenaAddress(flat) + sizeof(FlatProperty))
-        std::memset(bytes.data() + pointerAt, 0xEE, sizeof(address));
+    for (const std::size_t pointer : {8u, 12u})
+        if (NumberAt(bytes, pointer) == ArenaAddress(flat) + sizeof(FlatProperty))
+            PutNumber(&bytes, pointer, 0xEEEEEEEE);
     LocalFree(flat);
     return bytes;
 }
 
-template <typename T>
-T* LocalCopy(const std::vector<T>& items) {
-    auto* copy = static_cast<T*>(LocalAlloc(LMEM_ZEROINIT, items.size() * sizeof(T)));
-    std::copy(items.begin(), items.end(), copy);
-    return copy;
-}
-
-// What a reader makes of a block that another process left.
-bool Accepts(const Bytes& bytes, CEPROPVAL* property) {
-    auto* block = reinterpret_cast<FlatProperty*>(LocalCopy(bytes));
-    const bool accepted = Unflatten(block, static_cast<DWORD>(bytes.size()), property);
+// What a reader makes of a block that another process left: its text, or a "b" for each byte of a blob.
+std::u16string Read(const Bytes& bytes) {
+    void* const block = LocalAlloc(LMEM_ZEROINIT, bytes.size());
+    std::copy(bytes.begin(), bytes.end(), static_cast<BYTE*>(block));
+    CEPROPVAL property;
+    std::u16string read = u"refused";
+    if (Unflatten(static_cast<FlatProperty*>(block), static_cast<DWORD>(bytes.size()), &property))
+        read = TypeFromPropID(property.propid) == CEVT_BLOB ? std::u16string(property.val.blob.dwCount, u'b')
+                                                            : std::u16string(property.val.lpwstr);
     LocalFree(block);
-    return accepted;
+    return read;
 }
 
 } // namespace
 
 TEST(FlatProperty, LaysOutTextsBlobsAndNumbers) {
-    CEPROPVAL text = {};
-    text.propid = 0x1234001F;
-    WCHAR* hi = LocalCopy<WCHAR>({u'H', u'i', 0});
-    text.val.lpwstr = hi;
-    EXPECT_EQ(BytesOf(Flatten(text), 8),
-              (Bytes{0x1F, 0, 0x34, 0x12, 0, 0, 0, 0, 0xEE, 0xEE, 0xEE, 0xEE, 0, 0, 0, 0, //
-                     'H',  0, 'i',  0,    0, 0}));
-    hi[0] = 0; // empty, but there
-    EXPECT_EQ(BytesOf(Flatten(text), 8).size(), 18u);
-    LocalFree(hi);
-    text.val.lpwstr = nullptr;
-    EXPECT_EQ(BytesOf(Flatten(text), 8), (Bytes{0x1F, 0, 0x34, 0x12, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
-
-    CEPROPVAL blob = {};
-    blob.propid = 0x00050041;
-    BYTE* bytes = LocalCopy<BYTE>({0xAA, 0xBB});
-    blob.val.blob = {2, bytes};
-    EXPECT_EQ(BytesOf(Flatten(blob), 12),
-              (Bytes{0x41, 0, 5, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0xEE, 0xEE, 0xEE, 0xEE, 0xAA, 0xBB}));
-    LocalFree(bytes);
-
-    CEPROPVAL number = {};
-    number.propid = 0x00070003;
-    number.val.lVal = -2;
-    EXPECT_EQ(BytesOf(Flatten(number), 8),
-              (Bytes{3, 0, 7, 0, 0, 0, 0, 0, 0xFE, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0}));
-    number.propid = 0x00070063; // nobody knows this type
-    EXPECT_EQ(Flatten(number), nullptr);
+    Values values;
+    values.Text(0x1234, u"Hi").Text(0x1234, u"").Blob(5, "\xAA\xBB").Number(7, -2);
+    values.Add(Prop(0x1234, CEVT_LPWSTR)); // absent
+    values.Add(Prop(7, 99));               // nobody knows this type
+    EXPECT_EQ(BytesOf(values.list[0]),
+              FromHex("1F 00 34 12 00 00 00 00 EE EE EE EE 00 00 00 00 48 00 69 00 00 00"));
+    EXPECT_EQ(BytesOf(values.list[1]).size(), 18u);
+    EXPECT_EQ(BytesOf(values.list[2]), FromHex("41 00 05 00 00 00 00 00 02 00 00 00 EE EE EE EE AA BB"));
+    EXPECT_EQ(BytesOf(values.list[3]), FromHex("03 00 07 00 00 00 00 00 FE FF FF FF 00 00 00 00"));
+    EXPECT_EQ(BytesOf(values.list[4]), FromHex("1F 00 34 12 00 00 00 00 00 00 00 00 00 00 00 00"));
+    EXPECT_EQ(Flatten(values.list[5]), nullptr);
 }
 
 TEST(FlatProperty, DistrustsBlocksFromElsewhere) {
-    CEPROPVAL property;
-    const Bytes text = {0x1F, 0, 1, 0, 0, 0, 0, 0, 0xEF, 0xBE, 0xAD, 0xDE, 0, 0, 0, 0, 'H', 0, 0, 0};
-    auto* block = reinterpret_cast<FlatProperty*>(LocalCopy(text));
-    ASSERT_TRUE(Unflatten(block, static_cast<DWORD>(text.size()), &property));
-    EXPECT_EQ(std::u16string(property.val.lpwstr), u"H"); // the foreign pointer is not followed
-    LocalFree(block);
-
+    const Bytes text = FromHex("1F 00 01 00 00 00 00 00 EF BE AD DE 00 00 00 00 48 00 00 00");
+    EXPECT_EQ(Read(text), u"H"); // the foreign pointer is not followed
     for (std::size_t size = 0; size < 16; ++size)
-        EXPECT_FALSE(
-            Accepts(Bytes(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(size)), &property))
-            << size;
-    EXPECT_FALSE(Accepts(Bytes(text.begin(), text.end() - 1), &property)); // half a terminator
-    Bytes unterminated = text;
-    unterminated[18] = 1;
-    EXPECT_FALSE(Accepts(unterminated, &property));
+        EXPECT_EQ(Read(Slice(text, 0, size)), u"refused") << size;
+    EXPECT_EQ(Read(Slice(text, 0, 19)), u"refused");            // half a terminator
+    EXPECT_EQ(Read(Changed(text, 16, 0x00010048)), u"refused"); // and none
 
-    Bytes blob = {0x41, 0, 5, 0, 0, 0, 0, 0, 2, 0, 0, 0, 1, 0, 0, 0, 0xAA, 0xBB};
-    EXPECT_TRUE(Accepts(blob, &property));
-    for (const BYTE count : {3, 255}) {
-        blob[8] = count;
-        EXPECT_FALSE(Accepts(blob, &property));
-    }
-    blob[11] = 0xFF; // four billion bytes
-    EXPECT_FALSE(Accepts(blob, &property));
-    blob[12] = 0; // but no pointer: an empty blob
-    EXPECT_TRUE(Accepts(blob, &property));
-    EXPECT_EQ(property.val.blob.dwCount, 0u);
-    EXPECT_FALSE(Accepts({0x63, 0, 5, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0}, &property));
+    const Bytes blob = FromHex("41 00 05 00 00 00 00 00 02 00 00 00 01 00 00 00 AA BB");
+    EXPECT_EQ(Read(blob), u"bb");
+    for (const DWORD count : {3u, 255u, 0xFF000002})
+        EXPECT_EQ(Read(Changed(blob, 8, count)), u"refused");
+    EXPECT_EQ(Read(Changed(Changed(blob, 8, 0xFF000002), 12, 0)), u""); // it has no pointer
+    EXPECT_EQ(Read(FromHex("63 00 05 00 00 00 00 00 02 00 00 00 00 00 00 00")), u"refused");
 }
