@@ -149,3 +149,15 @@ bool HandleFrameMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam,
     }
     return false;
 }
+
+void HandleOkCancel(HWND dialog, UINT command, void (*accept)(HWND dialog)) {
+    if (command == IDOK)
+        accept(dialog);
+    else if (command == IDCANCEL)
+        EndDialog(dialog, IDCANCEL);
+}
+
+void ReturnToField(HWND dialog, int id) {
+    SetFocus(GetDlgItem(dialog, id));
+    SendDlgItemMessageW(dialog, id, EM_SETSEL, 0, -1);
+}

@@ -17,3 +17,10 @@ void InitDialogFrame(HWND dialog, UINT buttons);
 // help button and its command, and WM_HELP, which opens the help at `helpAnchor` (null: no help). True when
 // the message was handled.
 bool HandleFrameMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam, const WCHAR* helpAnchor);
+
+// The commands of a dialog that has none but OK and Cancel: OK calls `accept`, which ends the dialog unless
+// something is refused.
+void HandleOkCancel(HWND dialog, UINT command, void (*accept)(HWND dialog));
+
+// To an edit box whose text was refused: the focus, with all of it selected.
+void ReturnToField(HWND dialog, int id);

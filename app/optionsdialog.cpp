@@ -23,7 +23,7 @@ void InitOptions(HWND dialog) {
     ShowFlag(dialog, IDC_OPTIONS_DOUBLE_TAP, settings.doubleTap);
 }
 
-void StoreOptions(HWND dialog) {
+void AcceptOptions(HWND dialog) {
     Settings& settings = *App().settings;
     settings.showSystemDatabases = IsDlgButtonChecked(dialog, IDC_OPTIONS_SHOW_SYSTEM) == BST_CHECKED;
     settings.bold = IsDlgButtonChecked(dialog, IDC_OPTIONS_BOLD) == BST_CHECKED;
@@ -32,18 +32,7 @@ void StoreOptions(HWND dialog) {
     settings.showWarning = IsDlgButtonChecked(dialog, IDC_OPTIONS_SHOW_WARNING) == BST_CHECKED;
     settings.doubleTap = IsDlgButtonChecked(dialog, IDC_OPTIONS_DOUBLE_TAP) == BST_CHECKED;
     settings.RecreateListFont();
-}
-
-void OnOptionsCommand(HWND dialog, UINT command) {
-    switch (command) {
-    case IDOK:
-        StoreOptions(dialog);
-        EndDialog(dialog, IDOK);
-        break;
-    case IDCANCEL:
-        EndDialog(dialog, IDCANCEL);
-        break;
-    }
+    EndDialog(dialog, IDOK);
 }
 
 LONG_PTR OptionsProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -54,7 +43,7 @@ LONG_PTR OptionsProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPara
         InitOptions(dialog);
         return TRUE;
     case WM_COMMAND:
-        OnOptionsCommand(dialog, LOWORD(wParam));
+        HandleOkCancel(dialog, LOWORD(wParam), AcceptOptions);
         return TRUE;
     }
     return FALSE;

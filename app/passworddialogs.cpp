@@ -10,17 +10,7 @@
 
 namespace {
 
-const WCHAR* const kHelpAnchor = u"tarnwickscope.htm#passwd";
 constexpr int kMinPasswordLength = 4;
-
-void LimitPassword(HWND dialog, int id) {
-    SendDlgItemMessageW(dialog, id, EM_SETLIMITTEXT, kPasswordCapacity - 1, 0);
-}
-
-void SelectText(HWND dialog, int id) {
-    SetFocus(GetDlgItem(dialog, id));
-    SendDlgItemMessageW(dialog, id, EM_SETSEL, 0, -1);
-}
 
 void AcceptNewPassword(HWND dialog) {
     PasswordBlock typed = {};
@@ -40,39 +30,7 @@ void AcceptNewPassword(HWND dialog) {
         EndDialog(dialog, IDOK);
         return;
     }
-    SelectText(dialog, IDC_PROTECT_PASSWORD);
-}
-
-void InitProtectBackup(HWND dialog) {
-    InitDialogFrame(dialog, kDoneButton | kHelpButton);
-    LimitPassword(dialog, IDC_PROTECT_PASSWORD);
-    LimitPassword(dialog, IDC_PROTECT_CONFIRMATION);
-}
-
-void OnProtectBackupCommand(HWND dialog, UINT command) {
-    switch (command) {
-    case IDOK:
-        AcceptNewPassword(dialog);
-        break;
-    case IDCANCEL:
-        EndDialog(dialog, IDCANCEL);
-        break;
-    }
-}
-
-LONG_PTR ProtectBackupProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (HandleFrameMessage(dialog, message, wParam, lParam, kHelpAnchor))
-        return TRUE;
-    switch (message) {
-    case WM_INITDIALOG:
-        SetDialogState(dialog, lParam);
-        InitProtectBackup(dialog);
-        return TRUE;
-    case WM_COMMAND:
-        OnProtectBackupCommand(dialog, LOWORD(wParam));
-        return TRUE;
-    }
-    return FALSE;
+    ReturnToField(dialog, IDC_PROTECT_PASSWORD);
 }
 
 void CheckPassword(HWND dialog) {
@@ -84,36 +42,29 @@ void CheckPassword(HWND dialog) {
         EndDialog(dialog, IDOK);
     } else {
         MessageFromString(dialog, IDS_PASSWORD_INCORRECT, kStopBox);
-        SelectText(dialog, IDC_ENTER_PASSWORD);
+        ReturnToField(dialog, IDC_ENTER_PASSWORD);
     }
 }
 
-void InitEnterPassword(HWND dialog) {
+void InitPasswordDialog(HWND dialog) {
     InitDialogFrame(dialog, kDoneButton | kHelpButton);
-    LimitPassword(dialog, IDC_ENTER_PASSWORD);
+    // Of these it has one or two.
+    for (const int id : {IDC_PROTECT_PASSWORD, IDC_PROTECT_CONFIRMATION, IDC_ENTER_PASSWORD})
+        SendDlgItemMessageW(dialog, id, EM_SETLIMITTEXT, kPasswordCapacity - 1, 0);
 }
 
-void OnEnterPasswordCommand(HWND dialog, UINT command) {
-    switch (command) {
-    case IDOK:
-        CheckPassword(dialog);
-        break;
-    case IDCANCEL:
-        EndDialog(dialog, IDCANCEL);
-        break;
-    }
-}
-
-LONG_PTR EnterPasswordProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (HandleFrameMessage(dialog, message, wParam, lParam, kHelpAnchor))
+// The two dialogs are alike but for what OK does.
+template <void (*accept)(HWND dialog)>
+LONG_PTR PasswordProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (HandleFrameMessage(dialog, message, wParam, lParam, u"tarnwickscope.htm#passwd"))
         return TRUE;
     switch (message) {
     case WM_INITDIALOG:
         SetDialogState(dialog, lParam);
-        InitEnterPassword(dialog);
+        InitPasswordDialog(dialog);
         return TRUE;
     case WM_COMMAND:
-        OnEnterPasswordCommand(dialog, LOWORD(wParam));
+        HandleOkCancel(dialog, LOWORD(wParam), accept);
         return TRUE;
     }
     return FALSE;
@@ -132,8 +83,8 @@ void ScramblePassword(PasswordBlock* password) {
 }
 
 bool AskNewPassword(PasswordBlock* password, HWND owner) {
-    return RunDialog(IDD_PROTECT_BACKUP, owner, ProtectBackupProcedure, reinterpret_cast<LPARAM>(password)) ==
-           IDOK;
+    return RunDialog(IDD_PROTECT_BACKUP, owner, PasswordProcedure<AcceptNewPassword>,
+                     reinterpret_cast<LPARAM>(password)) == IDOK;
 }
 
 bool AskPassword(const PasswordBlock& stored, HWND owner) {
@@ -141,6 +92,6 @@ bool AskPassword(const PasswordBlock& stored, HWND owner) {
     if (!stored.text[0])
         return true;
     Sleep(kSettleTime);
-    return RunDialog(IDD_ENTER_PASSWORD, owner, EnterPasswordProcedure, reinterpret_cast<LPARAM>(&stored)) ==
-           IDOK;
+    return RunDialog(IDD_ENTER_PASSWORD, owner, PasswordProcedure<CheckPassword>,
+                     reinterpret_cast<LPARAM>(&stored)) == IDOK;
 }

@@ -22,24 +22,14 @@ void InitExport(HWND dialog, const ExportState& state) {
     CheckDlgButton(dialog, IDC_EXPORT_UNICODE, state.writer.unicode ? BST_CHECKED : BST_UNCHECKED);
 }
 
-void Accept(HWND dialog, ExportState* state) {
+void AcceptExport(HWND dialog) {
+    ExportState* const state = DialogState<ExportState>(dialog);
     state->format = static_cast<LONG>(SendDlgItemMessageW(dialog, IDC_EXPORT_FORMAT, CB_GETCURSEL, 0, 0));
     state->writer.unicode = IsDlgButtonChecked(dialog, IDC_EXPORT_UNICODE) == BST_CHECKED;
     if (state->format == kTabSeparated || state->format == kCommaSeparated)
         EndDialog(dialog, IDOK);
     else
         MessageFromString(dialog, IDS_SELECT_FILE_TYPE, kFailureBox);
-}
-
-void OnExportCommand(HWND dialog, UINT command) {
-    switch (command) {
-    case IDOK:
-        Accept(dialog, DialogState<ExportState>(dialog));
-        break;
-    case IDCANCEL:
-        EndDialog(dialog, IDCANCEL);
-        break;
-    }
 }
 
 LONG_PTR ExportProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -51,7 +41,7 @@ LONG_PTR ExportProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam
         InitExport(dialog, *DialogState<ExportState>(dialog));
         return TRUE;
     case WM_COMMAND:
-        OnExportCommand(dialog, LOWORD(wParam));
+        HandleOkCancel(dialog, LOWORD(wParam), AcceptExport);
         return TRUE;
     }
     return FALSE;

@@ -87,18 +87,12 @@ bool AcceptRestore(HWND dialog, RegistryBackup* backup) {
     return MessageFromString(dialog, IDS_CONFIRM_RESTORE_REGISTRY, kWarningQuestionBox) == IDYES;
 }
 
-void Accept(HWND dialog, RegistryBackup* backup) {
+void AcceptMainKeys(HWND dialog) {
+    RegistryBackup* const backup = DialogState<RegistryBackup>(dialog);
     if (!ReadChoice(dialog, backup))
         MessageBeep(MB_ICONEXCLAMATION);
     else if (backup->restoreMode ? AcceptRestore(dialog, backup) : AcceptBackup(dialog, backup))
         EndDialog(dialog, IDOK);
-}
-
-void OnMainKeysCommand(HWND dialog, UINT command) {
-    if (command == IDOK)
-        Accept(dialog, DialogState<RegistryBackup>(dialog));
-    else if (command == IDCANCEL)
-        EndDialog(dialog, IDCANCEL);
 }
 
 LONG_PTR MainKeysProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -110,7 +104,7 @@ LONG_PTR MainKeysProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
         InitMainKeys(dialog, *DialogState<RegistryBackup>(dialog));
         return TRUE;
     case WM_COMMAND:
-        OnMainKeysCommand(dialog, LOWORD(wParam));
+        HandleOkCancel(dialog, LOWORD(wParam), AcceptMainKeys);
         return TRUE;
     }
     return FALSE;

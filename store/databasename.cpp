@@ -51,19 +51,7 @@ void AcceptNewName(HWND dialog) {
         return;
     }
     MessageFromString(dialog, IDS_NAME_TAKEN, name, kFailureBox);
-    SetFocus(GetDlgItem(dialog, IDC_NEW_NAME_TO));
-    SendDlgItemMessageW(dialog, IDC_NEW_NAME_TO, EM_SETSEL, 0, -1);
-}
-
-void OnNewNameCommand(HWND dialog, UINT command) {
-    switch (command) {
-    case IDOK:
-        AcceptNewName(dialog);
-        break;
-    case IDCANCEL:
-        EndDialog(dialog, IDCANCEL);
-        break;
-    }
+    ReturnToField(dialog, IDC_NEW_NAME_TO);
 }
 
 LONG_PTR NewNameProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -74,7 +62,7 @@ LONG_PTR NewNameProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPara
         InitNewName(dialog);
         return FALSE; // the focus is set
     case WM_COMMAND:
-        OnNewNameCommand(dialog, LOWORD(wParam));
+        HandleOkCancel(dialog, LOWORD(wParam), AcceptNewName);
         return TRUE;
     }
     return FALSE;

@@ -15,23 +15,12 @@ void InitFind(HWND dialog) {
     CheckDlgButton(dialog, IDC_FIND_NUMERIC, options.searchNumProp != 0);
 }
 
-void TakeFindOptions(HWND dialog) {
+void AcceptFind(HWND dialog) {
     FindOptions& options = *DialogState<FindOptions>(dialog);
     GetDlgItemTextW(dialog, IDC_FIND_TEXT, options.text, kFindTextCapacity);
     options.matchCase = IsDlgButtonChecked(dialog, IDC_FIND_MATCH_CASE) == BST_CHECKED;
     options.searchNumProp = IsDlgButtonChecked(dialog, IDC_FIND_NUMERIC) == BST_CHECKED;
-}
-
-void OnFindCommand(HWND dialog, UINT command) {
-    switch (command) {
-    case IDOK:
-        TakeFindOptions(dialog);
-        EndDialog(dialog, IDOK);
-        break;
-    case IDCANCEL:
-        EndDialog(dialog, IDCANCEL);
-        break;
-    }
+    EndDialog(dialog, IDOK);
 }
 
 LONG_PTR FindProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -43,7 +32,7 @@ LONG_PTR FindProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) 
         InitFind(dialog);
         return TRUE;
     case WM_COMMAND:
-        OnFindCommand(dialog, LOWORD(wParam));
+        HandleOkCancel(dialog, LOWORD(wParam), AcceptFind);
         return TRUE;
     }
     return FALSE;

@@ -44,16 +44,11 @@ void InitTypePage(HWND dialog) {
     EnableWindow(GetDlgItem(dialog, IDC_WIZARD_NEW_RECORD), !wizard.newRecordLocked);
 }
 
-void BackToIdBox(HWND dialog) {
-    SetFocus(GetDlgItem(dialog, IDC_WIZARD_ID));
-    SendDlgItemMessageW(dialog, IDC_WIZARD_ID, EM_SETSEL, 0, -1);
-}
-
 void RefuseUsedId(HWND dialog, DWORD id) {
     WCHAR text[kIdCapacity];
     wsprintfW(text, u"%u", id);
     MessageFromString(dialog, IDS_PROPERTY_ID_IN_USE, text, kFailureBox);
-    BackToIdBox(dialog);
+    ReturnToField(dialog, IDC_WIZARD_ID);
 }
 
 bool IsUsed(const AddPropertyWizard& wizard, DWORD id) {
@@ -76,7 +71,7 @@ void AcceptTypePage(HWND dialog) {
     wizard.propertyId = GetDlgItemInt(dialog, IDC_WIZARD_ID, nullptr, FALSE); // 0 for what is no number
     if (wizard.propertyId >= kIdLimit) {
         MessageFromString(dialog, IDS_PROPERTY_ID_RANGE, kFailureBox);
-        BackToIdBox(dialog);
+        ReturnToField(dialog, IDC_WIZARD_ID);
         return;
     }
     wizard.newRecord = IsDlgButtonChecked(dialog, IDC_WIZARD_NEW_RECORD) == BST_CHECKED;
