@@ -209,7 +209,7 @@ TEST(Processes, MeetAtTheLockFileOfTheStoreItself) {
     EXPECT_EQ(FailureOf(CeDeleteDatabase(database)), ERROR_SHARING_VIOLATION);
     EXPECT_FALSE(other.Run(1));
     std::filesystem::remove(store + "-lock");
-    HANDLE handle = OpenById(database);
+    const HANDLE handle = OpenById(database);
     EXPECT_NE(Values().Number(1, 1).Write(handle), 0U);
     ASSERT_TRUE(other.Run(2));
     EXPECT_EQ(Seek(handle, CEDB_SEEK_BEGINNING, 1).second, 1U);

@@ -220,7 +220,7 @@ TEST(Registry, ChangesThroughOneKeyAreOneStep) {
                                    ValueNames(key).size() == 2;
                         },
                         [] {
-                            HKEY key = Make(HKEY_CURRENT_USER, u"Other");
+                            const HKEY key = Make(HKEY_CURRENT_USER, u"Other");
                             Set(key, u"lost", REG_SZ, {});
                             return true; // and it is killed
                         }});

@@ -22,7 +22,7 @@ using EditTest = WindowTest;
 using ProgressTest = WindowTest;
 
 TEST_F(ButtonTest, CheckBoxesToggleThemselves) {
-    HWND box = Add(u"BUTTON", u"&Auto", BS_AUTOCHECKBOX, kFirst, {10, 10, 210, 40});
+    const HWND box = Add(u"BUTTON", u"&Auto", BS_AUTOCHECKBOX, kFirst, {10, 10, 210, 40});
     stylus.Tap(box, {10, 15});
     EXPECT_EQ(Send(box, BM_GETCHECK), BST_CHECKED);
     EXPECT_EQ(commands, (std::vector<Command>{{kFirst, BN_CLICKED}}));
@@ -37,9 +37,9 @@ TEST_F(ButtonTest, CheckBoxesToggleThemselves) {
 }
 
 TEST_F(ButtonTest, RadioButtonsExcludeOthersOfTheirGroupOnly) {
-    HWND first = Add(u"BUTTON", u"1", BS_AUTORADIOBUTTON | WS_GROUP, kFirst, {10, 10, 210, 40});
-    HWND second = Add(u"BUTTON", u"2", BS_AUTORADIOBUTTON, kSecond, {10, 50, 210, 80});
-    HWND other = Add(u"BUTTON", u"3", BS_AUTORADIOBUTTON | WS_GROUP, kThird, {10, 90, 210, 120});
+    const HWND first = Add(u"BUTTON", u"1", BS_AUTORADIOBUTTON | WS_GROUP, kFirst, {10, 10, 210, 40});
+    const HWND second = Add(u"BUTTON", u"2", BS_AUTORADIOBUTTON, kSecond, {10, 50, 210, 80});
+    const HWND other = Add(u"BUTTON", u"3", BS_AUTORADIOBUTTON | WS_GROUP, kThird, {10, 90, 210, 120});
     Send(other, BM_SETCHECK, BST_CHECKED);
     Send(first, BM_SETCHECK, BST_CHECKED);
     stylus.Tap(second, {10, 15});
@@ -49,10 +49,10 @@ TEST_F(ButtonTest, RadioButtonsExcludeOthersOfTheirGroupOnly) {
 }
 
 TEST_F(ButtonTest, GroupBoxesAndStaticsLetTapsThrough) {
-    HWND check = Add(u"BUTTON", u"Inside", BS_AUTOCHECKBOX, kFirst, {20, 30, 180, 60});
+    const HWND check = Add(u"BUTTON", u"Inside", BS_AUTOCHECKBOX, kFirst, {20, 30, 180, 60});
     Add(u"BUTTON", u"Box", BS_GROUPBOX, kSecond, {10, 10, 210, 100});
     Add(u"STATIC", u"over it", SS_CENTER, kThird, {10, 10, 210, 100});
-    QPoint inParent = check->widget->mapTo(main->widget, QPoint(10, 15));
+    const QPoint inParent = check->widget->mapTo(main->widget, QPoint(10, 15));
     stylus.Tap(main, inParent);
     EXPECT_EQ(Send(check, BM_GETCHECK), BST_CHECKED);
 }
@@ -80,7 +80,7 @@ TEST_F(EditTest, TextThatIsNotEditedIsKeptExactly) {
                                u"a\r\nb\nc\rd\u00A0\u2029\t\xD83D\xDE00 \xDC00 end\r\n";
     const std::u16string lengthy(70000, u'x');
     for (DWORD style : {DWORD{ES_AUTOHSCROLL}, DWORD{ES_MULTILINE | ES_WANTRETURN}}) {
-        HWND box = Add(u"EDIT", u"", style, kFirst, {10, 10, 300, 90});
+        const HWND box = Add(u"EDIT", u"", style, kFirst, {10, 10, 300, 90});
         Send(box, EM_SETLIMITTEXT, 5);
         for (const std::u16string& text : {odd, lengthy, std::u16string()}) {
             commands.clear();
@@ -97,7 +97,7 @@ TEST_F(EditTest, TextThatIsNotEditedIsKeptExactly) {
 }
 
 TEST_F(EditTest, AnEditKeepsTheLineEndsBesideIt) {
-    HWND box = Add(u"EDIT", u"", ES_MULTILINE | ES_WANTRETURN, kFirst, {10, 10, 300, 90});
+    const HWND box = Add(u"EDIT", u"", ES_MULTILINE | ES_WANTRETURN, kFirst, {10, 10, 300, 90});
     SetWindowTextW(box, u"one\ntwo\r\nthree\u00A0");
     Send(box, EM_SETSEL, 3, 3);
     Type(box, u"X");
@@ -113,7 +113,7 @@ TEST_F(EditTest, AnEditKeepsTheLineEndsBesideIt) {
 
 TEST_F(EditTest, TypingIsToldAndUndoTakesItBack) {
     for (DWORD style : {DWORD{ES_AUTOHSCROLL}, DWORD{ES_MULTILINE}}) {
-        HWND box = Add(u"EDIT", u"old", style, kFirst, {10, 10, 300, 90});
+        const HWND box = Add(u"EDIT", u"old", style, kFirst, {10, 10, 300, 90});
         commands.clear();
         Send(box, EM_SETSEL, 0, -1);
         Type(box, u"n");
@@ -130,12 +130,12 @@ TEST_F(EditTest, TypingIsToldAndUndoTakesItBack) {
 }
 
 TEST_F(EditTest, SelectionCountsAsTheTextDoes) {
-    HWND box = Add(u"EDIT", u"", ES_MULTILINE, kFirst, {10, 10, 300, 90});
+    const HWND box = Add(u"EDIT", u"", ES_MULTILINE, kFirst, {10, 10, 300, 90});
     SetWindowTextW(box, u"ab\r\ncd\nef");
     for (auto [start, end] : {std::pair<int, int>{0, 9}, {4, 5}, {7, 9}, {2, 4}}) {
         Send(box, EM_SETSEL, static_cast<WPARAM>(start), end);
         DWORD first = 99, last = 99;
-        LRESULT packed = Send(box, EM_GETSEL, reinterpret_cast<WPARAM>(&first), &last);
+        const LRESULT packed = Send(box, EM_GETSEL, reinterpret_cast<WPARAM>(&first), &last);
         EXPECT_EQ(first, static_cast<DWORD>(start));
         EXPECT_EQ(last, static_cast<DWORD>(end));
         EXPECT_EQ(packed, start | end << 16);
@@ -143,23 +143,23 @@ TEST_F(EditTest, SelectionCountsAsTheTextDoes) {
     Send(box, EM_SETSEL, 0, -1);
     EXPECT_EQ(HIWORD(static_cast<std::uintptr_t>(Send(box, EM_GETSEL))), 9);
     Send(box, EM_SETSEL, static_cast<WPARAM>(-1), 0);
-    LRESULT none = Send(box, EM_GETSEL);
+    const LRESULT none = Send(box, EM_GETSEL);
     EXPECT_EQ(LOWORD(static_cast<std::uintptr_t>(none)), HIWORD(static_cast<std::uintptr_t>(none)));
 }
 
 TEST_F(EditTest, ClipboardKeysAndLimits) {
-    HWND box = Add(u"EDIT", u"text", ES_AUTOHSCROLL, kFirst);
+    const HWND box = Add(u"EDIT", u"text", ES_AUTOHSCROLL, kFirst);
     Send(box, EM_SETSEL, 0, 2);
     Send(box, WM_CUT);
     EXPECT_EQ(TextOf(box), u"xt");
     EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("te"));
-    HWND fixed = Add(u"EDIT", u"fixed", ES_AUTOHSCROLL | ES_READONLY, kSecond, {10, 50, 210, 80});
+    const HWND fixed = Add(u"EDIT", u"fixed", ES_AUTOHSCROLL | ES_READONLY, kSecond, {10, 50, 210, 80});
     Send(fixed, EM_SETSEL, 0, -1);
     Send(fixed, WM_CUT);
     Send(fixed, WM_PASTE);
     Type(fixed, u"z");
     EXPECT_EQ(TextOf(fixed), u"fixed");
-    HWND secret = Add(u"EDIT", u"", ES_AUTOHSCROLL | ES_PASSWORD, kThird, {10, 90, 210, 120});
+    const HWND secret = Add(u"EDIT", u"", ES_AUTOHSCROLL | ES_PASSWORD, kThird, {10, 90, 210, 120});
     Send(secret, EM_SETLIMITTEXT, 4);
     Type(secret, u"secret");
     EXPECT_EQ(TextOf(secret), u"secr");
@@ -169,7 +169,7 @@ TEST_F(EditTest, ClipboardKeysAndLimits) {
 }
 
 TEST_F(ProgressTest, CountsBeyondSixteenBitsAndStartsAgain) {
-    HWND bar = Add(u"msctls_progress32", u"", 0, kFirst);
+    const HWND bar = Add(u"msctls_progress32", u"", 0, kFirst);
     Send(bar, PBM_SETRANGE32, 0, 65536);
     Send(bar, PBM_SETPOS, 65535);
     Send(bar, PBM_SETSTEP, 1);

@@ -12,7 +12,7 @@ namespace {
 TEST_F(ListTest, LabelsAreEditedInPlace) {
     Make();
     auto editor = [this] { return list->widget->findChild<QLineEdit*>(); };
-    auto edit = [this](int row) {
+    const auto edit = [this](int row) {
         Focus(list);
         ListView_SetItemState(list, row, kBoth, kBoth);
         stylus.Key(Qt::Key_F2);
@@ -35,7 +35,7 @@ TEST_F(ListTest, LabelsAreEditedInPlace) {
     ASSERT_TRUE(stylus.WaitFor([&editor] { return editor() == nullptr; }, "its end"));
 
     // Leaving the edit ends it; the focus stays where it went.
-    HWND other = Add(u"BUTTON", u"Other", 0, 1, {0, 310, 80, 340});
+    const HWND other = Add(u"BUTTON", u"Other", 0, 1, {0, 310, 80, 340});
     acceptLabel = false;
     edit(2);
     stylus.Type(u"refused");
@@ -90,7 +90,7 @@ TEST_F(ListTest, AMenuOrABarsButtonEndsTheEditFirst) {
 // The keyboard's cursor is where the program has put it, whatever the views have been doing meanwhile.
 TEST_F(ListTest, TheCursorIsTheRowThatTheProgramFocuses) {
     Make(LVS_REPORT | LVS_EDITLABELS, 8);
-    HWND other = Add(u"BUTTON", u"Other", 0, 1, {0, 310, 80, 340});
+    const HWND other = Add(u"BUTTON", u"Other", 0, 1, {0, 310, 80, 340});
     stylus.Tap(list, Spot(4));
     const auto focused = [this] {
         std::vector<int> rows;
@@ -150,7 +150,7 @@ TEST_F(ListTest, ADoubleTapOnADividerFitsTheColumnToItsContents) {
     Make();
     const std::u16string text(16, u'W');
     ListView_SetItemText(list, 4, 1, text.c_str());
-    HWND header = ListView_GetHeader(list);
+    const HWND header = ListView_GetHeader(list);
     auto* const view = qobject_cast<QHeaderView*>(header->widget);
     const QFontMetrics metrics(view->font());
     stylus.TapTwice(header, QPoint(239, 10)); // the third column's left edge
@@ -176,7 +176,7 @@ TEST_F(ListTest, ADoubleTapOnADividerFitsTheColumnToItsContents) {
 
 TEST_F(ListTest, TheHeaderIsAWindowWhoseItemsTheListDraws) {
     Make();
-    HWND header = ListView_GetHeader(list);
+    const HWND header = ListView_GetHeader(list);
     EXPECT_EQ(GetParent(header), list);
     ASSERT_EQ(Header_GetItemCount(header), 3);
     WCHAR title[20];

@@ -77,7 +77,9 @@ TEST_F(ListTest, RowsMayGoWhileTheirChangeIsTold) {
 TEST_F(ListTest, CheckBoxesAreToggledByTapAndSpace) {
     Make(LVS_REPORT | LVS_SINGLESEL, 3);
     ListView_SetExtendedListViewStyleEx(list, LVS_EX_CHECKBOXES, LVS_EX_CHECKBOXES);
-    auto state = [this](int row) { return ListView_GetItemState(list, row, LVIS_STATEIMAGEMASK) >> 12; };
+    const auto state = [this](int row) {
+        return ListView_GetItemState(list, row, LVIS_STATEIMAGEMASK) >> 12;
+    };
     EXPECT_EQ(state(1), 1u);
     stylus.Tap(list, Spot(1));
     EXPECT_EQ(state(1), 2u);
@@ -91,7 +93,7 @@ TEST_F(ListTest, CheckBoxesAreToggledByTapAndSpace) {
 }
 
 int CompareParams(LPARAM first, LPARAM second, LPARAM descending) {
-    int order = static_cast<int>(first % 10 - second % 10);
+    const int order = static_cast<int>(first % 10 - second % 10);
     return descending ? -order : order;
 }
 
@@ -115,8 +117,8 @@ TEST_F(ListTest, ARebuildKeepsTheScrolledPlace) {
     Make(LVS_REPORT, 100);
     ListView_EnsureVisible(list, 60);
     stylus.Settle();
-    int top = ListView_GetTopIndex(list);
-    int page = ListView_GetCountPerPage(list);
+    const int top = ListView_GetTopIndex(list);
+    const int page = ListView_GetCountPerPage(list);
     EXPECT_EQ(top, 60 - page + 1);
     Send(list, WM_SETREDRAW, FALSE);
     EXPECT_EQ(ListView_GetTopIndex(list), top);
@@ -185,7 +187,7 @@ TEST_F(ListTest, ManyRowsAreQuick) {
     ListView_SortItems(list, &CompareByText, reinterpret_cast<LPARAM>(list));
     Send(list, WM_SETREDRAW, TRUE);
     stylus.Settle();
-    double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+    const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
     RecordProperty("seconds", std::to_string(seconds));
     EXPECT_LT(seconds, 2.0);
     EXPECT_EQ(TextAt(list, 9999), u"row 9999");

@@ -60,7 +60,7 @@ using NumberTest = WindowTest;
 } // namespace
 
 TEST_F(DropListTest, ItemsAreSortedAndKeepTheirData) {
-    HWND list = AddList(CBS_SORT);
+    const HWND list = AddList(CBS_SORT);
     EXPECT_EQ(Send(list, CB_GETCURSEL), CB_ERR);
     EXPECT_EQ(AddItem(list, u"pear", 3), 0);
     EXPECT_EQ(AddItem(list, u"Apple", 1), 0);
@@ -83,7 +83,7 @@ TEST_F(DropListTest, ItemsAreSortedAndKeepTheirData) {
 }
 
 TEST_F(DropListTest, TheKeyboardAndThePopupChoose) {
-    HWND list = AddList(0);
+    const HWND list = AddList(0);
     AddItem(list, u"Lake", 10);
     AddItem(list, u"River", 11);
     AddItem(list, u"Sea", 12);

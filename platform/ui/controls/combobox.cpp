@@ -47,7 +47,7 @@ public:
 class DropList : public QComboBox {
 public:
     DropList(WindowObject& window, QWidget* parent) : QComboBox(parent) {
-        HWND handle = &window;
+        const HWND handle = &window;
         setStyle(ListStyle());
         setItemDelegate(new RowDelegate(this));
         KeepOneLine();

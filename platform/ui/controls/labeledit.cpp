@@ -24,7 +24,7 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override {
-        bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+        const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
         if (enter || event->key() == Qt::Key_Escape)
             list.FinishLabelEdit(enter);
         else
@@ -71,7 +71,7 @@ void ListWidget::FinishLabelEdit(bool accept) {
     if (!editor)
         return;
     QLineEdit* ended = std::exchange(editor, nullptr);
-    int row = std::exchange(editedRow, -1);
+    const int row = std::exchange(editedRow, -1);
     QString text = ended->text();
     // When the focus is moving to another window, the host must not give it to the next widget by itself.
     if (HasKeyboard())
@@ -89,7 +89,7 @@ void ListWidget::FinishLabelEdit(bool accept) {
     notification.item.lParam = model->Row(row).param;
     notification.item.pszText = accept ? buffer.data() : nullptr;
     notification.item.cchTextMax = accept ? static_cast<int>(buffer.size()) + 1 : 0;
-    unsigned generation = model->generation;
+    const unsigned generation = model->generation;
     QPointer<ListWidget> alive(this);
     bool taken = NotifyParent(handle, &notification.hdr, LVN_ENDLABELEDITW) != 0;
     if (alive && accept && taken && model->generation == generation)
@@ -98,7 +98,7 @@ void ListWidget::FinishLabelEdit(bool accept) {
 
 void ListWidget::LabelPressed(const QPoint& point) {
     ForgetLabelTap();
-    int row = std::exchange(focusedByTap, false) ? -1 : RowAt(point);
+    const int row = std::exchange(focusedByTap, false) ? -1 : RowAt(point);
     bool chosen =
         row >= 0 && HasKeyboard() && model->SelectedCount() == 1 && (model->Row(row).state & LVIS_SELECTED);
     if (chosen && (Style() & LVS_EDITLABELS) && GetKeyState(VK_SHIFT) >= 0 && GetKeyState(VK_CONTROL) >= 0 &&
@@ -129,10 +129,11 @@ void ListWidget::timerEvent(QTimerEvent* event) {
         QWidget::timerEvent(event);
         return;
     }
-    int row = tappedRow;
+    const int row = tappedRow;
     ForgetLabelTap();
     // What the tap brought up in the meantime (a menu, a window) keeps the label from being edited.
-    bool alone = HasKeyboard() && !QApplication::activePopupWidget() && IsWindowEnabled(TopLevelOf(handle));
+    const bool alone =
+        HasKeyboard() && !QApplication::activePopupWidget() && IsWindowEnabled(TopLevelOf(handle));
     if (alone && model->HasRow(row) && (model->Row(row).state & LVIS_SELECTED))
         EditLabel(row);
 }

@@ -25,11 +25,11 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
         return QVariant();
     if (role == Qt::DisplayRole)
         return Text(index.row(), index.column());
-    UINT stateImage = Row(index.row()).state & LVIS_STATEIMAGEMASK;
+    const UINT stateImage = Row(index.row()).state & LVIS_STATEIMAGEMASK;
     if (role == Qt::CheckStateRole && index.column() == 0 && stateImage) // for assistive programs
         return stateImage == 2u << 12 ? Qt::Checked : Qt::Unchecked;
     if (role == Qt::TextAlignmentRole && HasColumn(index.column())) {
-        int alignment = columns[static_cast<std::size_t>(index.column())].alignment;
+        const int alignment = columns[static_cast<std::size_t>(index.column())].alignment;
         return int((alignment == LVCFMT_RIGHT ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
     }
     return QVariant();
@@ -43,7 +43,7 @@ QVariant ListModel::headerData(int section, Qt::Orientation orientation, int rol
 
 QString ListModel::Text(int row, int column) const {
     const std::vector<QString>& texts = Row(row).texts;
-    auto index = static_cast<std::size_t>(column);
+    const auto index = static_cast<std::size_t>(column);
     return column >= 0 && index < texts.size() ? texts[index] : QString();
 }
 
@@ -65,7 +65,7 @@ int ListModel::RowOfParam(LPARAM param) {
             rowOfParam.try_emplace(Row(row).param, row);
         paramsStale = false;
     }
-    auto found = rowOfParam.find(param);
+    const auto found = rowOfParam.find(param);
     return found == rowOfParam.end() ? -1 : found->second;
 }
 
@@ -103,7 +103,7 @@ void ListModel::DeleteAllRows() {
 }
 
 int ListModel::InsertColumn(int position, ListColumn column) {
-    int count = static_cast<int>(columns.size());
+    const int count = static_cast<int>(columns.size());
     position = std::clamp(position, 0, count);
     // The first column takes the place of the one that is always there, and a column may land between texts.
     beginResetModel();
@@ -117,7 +117,7 @@ int ListModel::InsertColumn(int position, ListColumn column) {
 
 void ListModel::SetText(int row, int column, const QString& text) {
     std::vector<QString>& texts = RowAt(row).texts;
-    auto index = static_cast<std::size_t>(column);
+    const auto index = static_cast<std::size_t>(column);
     if (index >= texts.size())
         texts.resize(index + 1);
     texts[index] = text;
@@ -135,7 +135,7 @@ void ListModel::SetParam(int row, LPARAM param) {
 }
 
 void ListModel::SetState(int row, UINT state) {
-    UINT previous = std::exchange(RowAt(row).state, state);
+    const UINT previous = std::exchange(RowAt(row).state, state);
     selectedCount += ((state & LVIS_SELECTED) != 0) - ((previous & LVIS_SELECTED) != 0);
     if ((previous ^ state) & LVIS_STATEIMAGEMASK)
         Changed(row, 0);

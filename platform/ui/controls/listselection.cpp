@@ -15,13 +15,13 @@ constexpr UINT kViewStates = LVIS_SELECTED | LVIS_FOCUSED;
 } // namespace
 
 bool ListWidget::StoreState(int row, UINT state) {
-    UINT old = model->Row(row).state;
+    const UINT old = model->Row(row).state;
     if (old == state)
         return true;
     model->SetState(row, state);
     if (!model->Detached())
         MirrorRow(row);
-    unsigned generation = model->generation;
+    const unsigned generation = model->generation;
     NMLISTVIEW notification{};
     notification.iItem = row;
     notification.uNewState = state;
@@ -34,12 +34,12 @@ bool ListWidget::StoreState(int row, UINT state) {
 }
 
 void ListWidget::SetRowState(int row, UINT state, UINT mask) {
-    UINT begins = state & mask;
+    const UINT begins = state & mask;
     UINT elsewhere = begins & LVIS_FOCUSED; // what the other rows lose by it
     if (Style() & LVS_SINGLESEL)
         elsewhere |= begins & LVIS_SELECTED;
     for (int other = 0; elsewhere && other < model->RowCount(); ++other) {
-        UINT old = model->Row(other).state;
+        const UINT old = model->Row(other).state;
         if (other != row && (old & elsewhere) && !StoreState(other, old & ~elsewhere))
             return;
     }
@@ -65,8 +65,8 @@ void ListWidget::TakeViewSelection() {
     // Rows that lose a state come first, so that a list for one selected row never shows two.
     std::vector<std::pair<int, UINT>> losses, gains;
     for (int row = 0; row < model->RowCount(); ++row) {
-        UINT old = model->Row(row).state;
-        UINT next = (old & ~kViewStates) | wanted[static_cast<std::size_t>(row)];
+        const UINT old = model->Row(row).state;
+        const UINT next = (old & ~kViewStates) | wanted[static_cast<std::size_t>(row)];
         if (next != old)
             (old & ~next ? losses : gains).emplace_back(row, next);
     }
@@ -79,12 +79,12 @@ void ListWidget::TakeViewSelection() {
 void ListWidget::MirrorRow(int row) {
     mirroring = true;
     QModelIndex index = model->index(row, 0);
-    UINT state = model->Row(row).state;
-    bool selected = state & LVIS_SELECTED;
+    const UINT state = model->Row(row).state;
+    const bool selected = state & LVIS_SELECTED;
     if (selected != selection->isSelected(index))
         selection->select(index, (selected ? QItemSelectionModel::Select : QItemSelectionModel::Deselect) |
                                      QItemSelectionModel::Rows);
-    bool current = selection->currentIndex().row() == row;
+    const bool current = selection->currentIndex().row() == row;
     if ((state & LVIS_FOCUSED) && !current)
         selection->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
     else if (!(state & LVIS_FOCUSED) && current)
@@ -95,7 +95,7 @@ void ListWidget::MirrorRow(int row) {
 void ListWidget::MirrorAll() {
     mirroring = true;
     QItemSelection runs;
-    int lastColumn = model->columnCount() - 1;
+    const int lastColumn = model->columnCount() - 1;
     for (int row = model->NextRow(-1, LVIS_SELECTED); row >= 0;) {
         int end = row;
         while (model->HasRow(end + 1) && (model->Row(end + 1).state & LVIS_SELECTED))
@@ -104,7 +104,7 @@ void ListWidget::MirrorAll() {
         row = model->NextRow(end, LVIS_SELECTED);
     }
     selection->select(runs, QItemSelectionModel::ClearAndSelect);
-    int focused = model->FocusedRow();
+    const int focused = model->FocusedRow();
     selection->setCurrentIndex(focused < 0 ? QModelIndex() : model->index(focused, 0),
                                QItemSelectionModel::NoUpdate);
     mirroring = false;
@@ -114,7 +114,7 @@ int ListWidget::RowAt(const QPoint& point) const {
     if (model->Detached())
         return -1;
     QAbstractItemView* view = CurrentView();
-    QPoint inside = view->viewport()->mapFrom(this, point);
+    const QPoint inside = view->viewport()->mapFrom(this, point);
     if (!view->viewport()->rect().contains(inside))
         return -1;
     return view->indexAt(inside).row();
@@ -127,7 +127,7 @@ QRect ListWidget::CellRect(int row) const {
 }
 
 bool ListWidget::ToggleCheckAt(const QPoint& point) {
-    int row = CheckBoxes() ? RowAt(point) : -1;
+    const int row = CheckBoxes() ? RowAt(point) : -1;
     if (row < 0)
         return false;
     // A stylus needs more than the box itself.
@@ -139,7 +139,7 @@ bool ListWidget::ToggleCheckAt(const QPoint& point) {
 }
 
 bool ListWidget::ToggleFocusedCheck() {
-    int row = CheckBoxes() ? model->FocusedRow() : -1;
+    const int row = CheckBoxes() ? model->FocusedRow() : -1;
     if (row < 0)
         return false;
     StoreState(row, model->Row(row).state ^ (kUnchecked | kChecked));

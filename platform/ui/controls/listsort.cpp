@@ -17,11 +17,11 @@ struct SortedRow {
 // are equal to every other), which the library's sorts do not allow for.
 bool SortRows(ListWidget& list, PFNLVCOMPARE compare, LPARAM compareParam) {
     ListModel& model = *list.model;
-    auto count = static_cast<std::size_t>(model.RowCount());
+    const auto count = static_cast<std::size_t>(model.RowCount());
     std::vector<SortedRow> rows(count), merged(count);
     for (std::size_t i = 0; i < count; ++i)
         rows[i] = {model.Row(static_cast<int>(i)).param, static_cast<int>(i)};
-    unsigned generation = model.generation;
+    const unsigned generation = model.generation;
     for (std::size_t run = 1; run < count; run *= 2) {
         for (std::size_t start = 0; start < count; start += 2 * run) {
             std::size_t left = start, middle = std::min(start + run, count);
@@ -40,7 +40,7 @@ bool SortRows(ListWidget& list, PFNLVCOMPARE compare, LPARAM compareParam) {
     std::vector<int> order(count);
     for (std::size_t i = 0; i < count; ++i)
         order[i] = rows[i].row;
-    int top = list.TopRow();
+    const int top = list.TopRow();
     model.Reorder(order);
     if (!model.Detached())
         list.ShowRows(top);

@@ -117,7 +117,7 @@ QSize IconsView::ItemSize() const {
 // The grid follows the longest name.
 void IconsView::doItemsLayout() {
     if (list.View() != LVS_REPORT) {
-        QSize grid = ItemSize();
+        const QSize grid = ItemSize();
         if (grid != gridSize())
             setGridSize(grid);
     }
