@@ -161,27 +161,6 @@ TEST_F(DbHandleTest, ReportsInItsOwnWordsUnlessItIsToBeQuiet) {
     EXPECT_EQ(database.Open(u"Nowhere", 0, 0), INVALID_HANDLE_VALUE);
 }
 
-TEST_F(DbHandleTest, EmptiesFromTheEndAndGrowsItsBuffer) {
-    DbHandle database(nullptr);
-    Make(database, u"Many");
-    for (WORD size : {10, 3000, 20}) {
-        Values blob;
-        blob.Blob(1, std::string(size, 'b'));
-        EXPECT_NE(database.WriteProperty(0, blob.list.data()), 0u);
-    }
-    RecordBuffer buffer;
-    DWORD index = 0;
-    std::vector<DWORD> sizes;
-    for (bool found = WalkToFirst(database, &index); found; found = WalkToNext(database, &index)) {
-        EXPECT_NE(database.ReadRecord(&buffer), 0u);
-        sizes.push_back(buffer.Properties()[0].val.blob.dwCount);
-    }
-    EXPECT_EQ(sizes, (std::vector<DWORD>{10, 3000, 20}));
-    EXPECT_TRUE(database.DeleteAllRecords());
-    EXPECT_FALSE(WalkToFirst(database, &index));
-    EXPECT_EQ(database.reportErrors, 1);
-}
-
 TEST_F(DbHandleTest, AWalkThatBreaksOffIsNotAtItsEnd) {
     DbHandle database(nullptr);
     Make(database, u"Long");

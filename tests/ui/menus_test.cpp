@@ -72,20 +72,6 @@ TEST(MenuData, ItemsAreKnownByCommandAndEndWithTheMenu) {
     EXPECT_EQ(LoadMenuW(nullptr, MAKEINTRESOURCEW(1)), nullptr);
 }
 
-TEST(MenuData, BrokenResourcesMakeNoMenu) {
-    const HRSRC resource = FindResourceW(nullptr, MAKEINTRESOURCEW(IDR_VIEWER_MENU), RT_MENU);
-    const auto* const bytes = static_cast<const std::byte*>(LoadResource(nullptr, resource));
-    const std::size_t size = SizeofResource(nullptr, resource);
-    EXPECT_NE(ui::ParseMenu(bytes, size), nullptr);
-    for (std::size_t cut = 0; cut < size; ++cut)
-        EXPECT_EQ(ui::ParseMenu(std::vector<std::byte>(bytes, bytes + cut).data(), cut), nullptr) << cut;
-    // Popups within popups without end.
-    std::vector<WORD> deep(2000, 0);
-    for (std::size_t i = 2; i + 1 < deep.size(); i += 2)
-        deep[i] = 0x10 | 0x80;
-    EXPECT_EQ(ui::ParseMenu(deep.data(), deep.size() * sizeof(WORD)), nullptr);
-}
-
 TEST_F(Menus, ATrackedMenuRunsUntilAChoiceIsPosted) {
     greyCopy = true;
     const HMENU menu = LoadMenuW(nullptr, MAKEINTRESOURCEW(IDR_LIST_MENU));

@@ -209,12 +209,6 @@ TEST_F(Windows, TheTitleBarSpeaksForTheActiveOne) {
     stylus.Settle();
     EXPECT_EQ(seen.size(), 2u);
     EXPECT_TRUE(ui::ScreenArea()->isVisible());
-
-    const HWND dialog = Top(u"Dialog", main);
-    SHINITDLGINFO info{SHIDIM_FLAGS, dialog, SHIDIF_DONEBUTTON | SHIDIF_SIZEDLGFULLSCREEN};
-    EXPECT_TRUE(SHInitDialog(&info));
-    stylus.TapTitleButton();
-    EXPECT_EQ(seen.back(), (Seen{dialog, WM_COMMAND, IDOK}));
 }
 
 TEST_F(Windows, AreFoundByClassAndTitle) {
