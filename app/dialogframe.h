@@ -18,8 +18,8 @@ void InitDialogFrame(HWND dialog, UINT buttons);
 // the message was handled.
 bool HandleFrameMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam, const WCHAR* helpAnchor);
 
-// The commands of a dialog that has none but OK and Cancel: OK calls `accept`, which ends the dialog unless
-// something is refused.
+// OK calls `accept`, which ends the dialog unless something is refused; Cancel ends it. Other commands do
+// nothing.
 void HandleOkCancel(HWND dialog, UINT command, void (*accept)(HWND dialog));
 
 // To an edit box whose text was refused: the focus, with all of it selected.

@@ -44,7 +44,8 @@ void BrowseForScript(HWND dialog) {
         SetDlgItemTextW(dialog, IDC_BACKUP_SCRIPT_PATH, path);
 }
 
-void Accept(HWND dialog, BackupEngine* engine) {
+void AcceptBackupOptions(HWND dialog) {
+    BackupEngine* const engine = DialogState<BackupEngine>(dialog);
     engine->compress = IsChecked(dialog, IDC_BACKUP_COMPRESS);
     engine->allDatabases = IsChecked(dialog, IDC_BACKUP_ALL);
     engine->generateScript = IsChecked(dialog, IDC_BACKUP_SCRIPT);
@@ -70,12 +71,8 @@ void OnBackupOptionsCommand(HWND dialog, UINT command) {
     case IDC_BACKUP_SCRIPT_BROWSE:
         BrowseForScript(dialog);
         break;
-    case IDOK:
-        Accept(dialog, DialogState<BackupEngine>(dialog));
-        break;
-    case IDCANCEL:
-        EndDialog(dialog, IDCANCEL);
-        break;
+    default:
+        HandleOkCancel(dialog, command, AcceptBackupOptions);
     }
 }
 

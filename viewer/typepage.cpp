@@ -84,15 +84,7 @@ void AcceptTypePage(HWND dialog) {
 }
 
 void OnTypePageCommand(HWND dialog, UINT command) {
-    switch (command) {
-    case IDOK:
-    case IDC_WIZARD_NEXT:
-        AcceptTypePage(dialog);
-        break;
-    case IDCANCEL:
-        EndDialog(dialog, IDCANCEL);
-        break;
-    }
+    HandleOkCancel(dialog, command == IDC_WIZARD_NEXT ? IDOK : command, AcceptTypePage);
 }
 
 LONG_PTR TypePageProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
