@@ -1,13 +1,21 @@
+// The compiled resources: a row of entries, each a header and its bytes, both on multiples of four bytes.
 #include "platform/resources.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <tuple>
-
-#include "platform/base/resourceindex.h"
+#include <vector>
 
 extern "C" const unsigned char strandviewResources[];
 extern "C" const unsigned int strandviewResourcesSize;
+
+struct ResourceEntry {
+    WORD type;
+    WORD id;
+    DWORD size; // bytes
+    const std::byte* bytes;
+};
 
 namespace {
 
@@ -56,16 +64,8 @@ auto OrderOf(const ResourceEntry& entry) {
     return std::tuple(entry.type, entry.id);
 }
 
-HRSRC FindEntry(WORD type, WORD id) {
-    const auto& entries = ProgramResources();
-    const auto found = std::lower_bound(
-        entries.begin(), entries.end(), std::tuple(type, id),
-        [](const ResourceEntry& entry, const auto& wanted) { return OrderOf(entry) < wanted; });
-    return found != entries.end() && OrderOf(*found) == std::tuple(type, id) ? &*found : nullptr;
-}
-
-} // namespace
-
+// Every entry whose type and name are numbers, in the order of the file; what follows an entry that does not
+// fit in `size` is left out. The entries point into `file`.
 std::vector<ResourceEntry> IndexResources(const std::byte* file, std::size_t size) {
     std::vector<ResourceEntry> entries;
     std::size_t offset = 0;
@@ -88,6 +88,7 @@ std::vector<ResourceEntry> IndexResources(const std::byte* file, std::size_t siz
     return entries;
 }
 
+// Sorted by type and id, once for the run.
 const std::vector<ResourceEntry>& ProgramResources() {
     static const std::vector<ResourceEntry> entries = [] {
         auto found =
@@ -99,6 +100,16 @@ const std::vector<ResourceEntry>& ProgramResources() {
     return entries;
 }
 
+HRSRC FindEntry(WORD type, WORD id) {
+    const auto& entries = ProgramResources();
+    const auto found = std::lower_bound(
+        entries.begin(), entries.end(), std::tuple(type, id),
+        [](const ResourceEntry& entry, const auto& wanted) { return OrderOf(entry) < wanted; });
+    return found != entries.end() && OrderOf(*found) == std::tuple(type, id) ? &*found : nullptr;
+}
+
+// The text with that number within a table of sixteen counted texts; null when it is absent or cut short.
+// `length` receives its characters; the text has no terminator and need not be aligned.
 const std::byte* FindTableText(const ResourceEntry& table, unsigned number, std::size_t& length) {
     std::size_t offset = 0;
     for (unsigned passed = 0; table.size - offset >= sizeof(WORD); ++passed) {
@@ -112,6 +123,8 @@ const std::byte* FindTableText(const ResourceEntry& table, unsigned number, std:
     }
     return nullptr;
 }
+
+} // namespace
 
 HRSRC FindResourceW(HINSTANCE, const WCHAR* name, const WCHAR* type) {
     return FindEntry(NumberOf(type), NumberOf(name));

@@ -97,12 +97,7 @@ void MarkRadioItem(MenuObject& menu, UINT first, UINT last, UINT checked) {
             item.radioChecked = item.id == checked;
 }
 
-} // namespace
-
-MenuObject* LiveMenu(HMENU menu) {
-    return LiveMenus().contains(menu) ? menu : nullptr;
-}
-
+// A MENU resource; null when its bytes make no menu.
 std::unique_ptr<MenuObject> ParseMenu(const void* bytes, std::size_t size) {
     MenuReader reader{static_cast<const std::byte*>(bytes), size};
     WORD version = 0;
@@ -114,6 +109,12 @@ std::unique_ptr<MenuObject> ParseMenu(const void* bytes, std::size_t size) {
     reader.left -= passOver;
     auto menu = std::make_unique<MenuObject>();
     return ReadItems(reader, *menu, 0) ? std::move(menu) : nullptr;
+}
+
+} // namespace
+
+MenuObject* LiveMenu(HMENU menu) {
+    return LiveMenus().contains(menu) ? menu : nullptr;
 }
 
 ItemPosition PositionOfItem(HMENU menu, UINT command) {

@@ -37,8 +37,6 @@ namespace ui {
 
 // The live menu or submenu, or null.
 MenuObject* LiveMenu(HMENU menu);
-// Parses a MENU resource; null when its bytes make no menu.
-std::unique_ptr<MenuObject> ParseMenu(const void* bytes, std::size_t size);
 
 struct ItemPosition {
     MenuObject* menu = nullptr; // null: there is no such item
