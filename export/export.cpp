@@ -31,7 +31,10 @@ const WCHAR* FieldText(const CEPROPVAL& property, WCHAR (&buffer)[kValueTextCapa
         return FormatPropertyText(property, buffer);
     case CEVT_FILETIME: {
         DateTimeText moment(property.val.filetime);
-        wsprintfW(buffer, u"%s %s", moment.DateText(), moment.TimeText(true));
+        int length = CopyText(buffer, moment.DateText());
+        buffer[length++] = u' ';
+        CopyText(buffer + length, kValueTextCapacity - static_cast<std::size_t>(length),
+                 moment.TimeText(true));
         return buffer;
     }
     }

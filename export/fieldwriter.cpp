@@ -10,11 +10,26 @@ constexpr WCHAR kQuote = u'"';
 
 constexpr DWORD kPart = 256; // characters for which room is made at a time
 
-BYTE* PutUnit(BYTE* out, WCHAR unit, bool wide) {
+template <bool kWide>
+BYTE* PutUnit(BYTE* out, WCHAR unit) {
     *out++ = static_cast<BYTE>(unit);
-    if (wide)
+    if (kWide)
         *out++ = static_cast<BYTE>(unit >> 8);
     return out;
+}
+
+// At most `most` characters; returns where the text goes on.
+template <bool kWide>
+const WCHAR* PutDoubledPart(BYTE*& at, const WCHAR* text, DWORD most) {
+    BYTE* out = at;
+    const WCHAR* const end = text + most;
+    for (; text < end && *text; ++text) {
+        out = PutUnit<kWide>(out, *text);
+        if (*text == kQuote)
+            out = PutUnit<kWide>(out, kQuote);
+    }
+    at = out;
+    return text;
 }
 
 bool HoldsSeparator(const WCHAR* text) {
@@ -54,16 +69,11 @@ void FieldWriter::WriteField(const WCHAR* text, bool quoted) {
 // Quirk: in 8 bits a character is cut down to its low byte, not translated. Only what is a quote in the text
 // is doubled, not what becomes one by the cut.
 void FieldWriter::PutDoubled(const WCHAR* text) {
-    const bool wide = unicode;
     while (*text) {
         if (gathered > kBufferSize - 2 * sizeof(WCHAR) * kPart)
             Flush();
         BYTE* out = buffer + gathered;
-        for (DWORD i = 0; i < kPart && *text; ++i, ++text) {
-            out = PutUnit(out, *text, wide);
-            if (*text == kQuote)
-                out = PutUnit(out, kQuote, wide);
-        }
+        text = unicode ? PutDoubledPart<true>(out, text, kPart) : PutDoubledPart<false>(out, text, kPart);
         gathered = static_cast<DWORD>(out - buffer);
     }
 }

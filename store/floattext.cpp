@@ -86,7 +86,35 @@ std::string ExponentForm(const Digits& number) {
     return text + exponent;
 }
 
+// The fixed form of most values with kFloatPlaces, without their exact digits, which take long to find. Empty
+// when it is too long, or when only these tell which way the last digit is rounded.
+std::string CommonText(double value) {
+    constexpr double kEnd = 1e7; // what exact digits add to values below is much less than what is doubtful
+    constexpr double kDoubtful = 1e-3;
+    constexpr unsigned kScale = 100'000;
+    const double magnitude = std::fabs(value);
+    if (!(magnitude < kEnd))
+        return {};
+    const auto whole = static_cast<unsigned>(magnitude);
+    const double scaled = (magnitude - whole) * kScale;
+    auto decimals = static_cast<unsigned>(scaled);
+    const double rest = scaled - decimals;
+    if (std::fabs(rest - 0.5) < kDoubtful)
+        return {};
+    decimals += rest > 0.5;
+    char text[kConversionRoom] = "-";
+    char* const start = text + (value < 0);
+    char* out = std::to_chars(start, text + sizeof(text), whole + decimals / kScale).ptr;
+    *out++ = '.';
+    for (decimals %= kScale; decimals; decimals = 10 * decimals % kScale)
+        *out++ = static_cast<char>('0' + 10 * decimals / kScale);
+    return out - text <= kFixedLength ? std::string(text, out) : std::string();
+}
+
 std::string FloatText(double value, int places) {
+    const std::string common = places == kFloatPlaces ? CommonText(value) : std::string();
+    if (!common.empty())
+        return common;
     if (value == 0.0)
         return "0.";
     if (!std::isfinite(value))

@@ -1,5 +1,8 @@
 #include "store/propertyvalues.h"
 
+#include <algorithm>
+#include <charconv>
+
 #include "app/uiservices.h"
 #include "platform/text.h"
 #include "resources/resource.h"
@@ -31,6 +34,14 @@ const TypeNames* FindType(WORD type) {
         if (entry.type == type)
             return &entry;
     return nullptr;
+}
+
+// An export writes them by the hundred thousand.
+template <typename Number>
+void FormatNumber(Number value, WCHAR (&buffer)[kValueTextCapacity]) {
+    char digits[16];
+    const char* const end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+    *std::copy(static_cast<const char*>(digits), end, buffer) = 0;
 }
 
 void FormatDate(const FILETIME& utc, WCHAR (&buffer)[kValueTextCapacity]) {
@@ -66,16 +77,16 @@ const WCHAR* FormatPropertyText(const CEPROPVAL& property, WCHAR (&buffer)[kValu
     const CEVALUNION& value = property.val;
     switch (TypeFromPropID(property.propid)) {
     case CEVT_I2:
-        wsprintfW(buffer, u"%d", value.iVal);
+        FormatNumber(value.iVal, buffer);
         break;
     case CEVT_UI2:
-        wsprintfW(buffer, u"%u", value.uiVal);
+        FormatNumber(value.uiVal, buffer);
         break;
     case CEVT_I4:
-        wsprintfW(buffer, u"%ld", value.lVal);
+        FormatNumber(value.lVal, buffer);
         break;
     case CEVT_UI4:
-        wsprintfW(buffer, u"%lu", value.ulVal);
+        FormatNumber(value.ulVal, buffer);
         break;
     case CEVT_R8:
         FormatFloatText(value.dblVal, kFloatPlaces, buffer);

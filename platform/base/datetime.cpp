@@ -2,6 +2,7 @@
 
 #include <QLocale>
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
@@ -13,7 +14,6 @@
 #include "platform/base/localepatterns.h"
 #include "platform/base/localetimes.h"
 #include "platform/base/outofmemory.h"
-#include "platform/text.h"
 
 namespace {
 
@@ -50,28 +50,49 @@ std::time_t HostSeconds(Ticks utc) {
 }
 
 // The zone as the host has it now. Its file is looked at no more than twice a second: that costs more than
-// all else about a time.
-void NoticeZone() {
+// all else about a time. Returns how often that was done.
+unsigned NoticeZone() {
     static char known[64]; // a longer name is looked up each time
-    static DWORD noticed = 0;
+    static std::chrono::milliseconds noticed;
     static bool before = false;
+    static unsigned looks = 0;
     const char* const variable = std::getenv("TZ");
     const char* const zone = variable ? variable : "";
-    if (before && std::strcmp(known, zone) == 0 && GetTickCount() - noticed < 500)
-        return;
+    if (before && std::strcmp(known, zone) == 0 && RoughClock() - noticed < std::chrono::milliseconds(500))
+        return looks;
     tzset();
     before = std::strlen(zone) < sizeof known;
     if (before)
         std::copy_n(zone, std::strlen(zone) + 1, known);
-    noticed = GetTickCount();
+    noticed = RoughClock();
+    return ++looks;
 }
 
-// How far the local zone is ahead of UTC at a moment.
-Ticks ZoneOffset(Ticks utc) {
-    const std::time_t seconds = HostSeconds(utc);
+Ticks HostOffset(std::time_t seconds) {
     std::tm fields{};
-    NoticeZone();
     return localtime_r(&seconds, &fields) ? fields.tm_gmtoff * kTicksPerSecond : 0;
+}
+
+// How far the local zone is ahead of UTC at a moment. Days on which it stays the same are kept for a while,
+// as the host's library takes long to find that out.
+Ticks ZoneOffset(Ticks utc) {
+    struct KeptDay {
+        unsigned look = 0;
+        std::time_t day = 0;
+        bool changes = false;
+        Ticks offset = 0;
+    };
+    constexpr std::time_t kDaySeconds = 24 * 60 * 60;
+    static std::array<KeptDay, 1024> days; // about three years in a row
+    const std::time_t seconds = HostSeconds(utc);
+    const std::time_t day = seconds / kDaySeconds - (seconds % kDaySeconds < 0);
+    const unsigned look = NoticeZone();
+    KeptDay& kept = days[static_cast<std::size_t>(day) % days.size()];
+    if (kept.look != look || kept.day != day) {
+        const Ticks offset = HostOffset(day * kDaySeconds);
+        kept = {look, day, HostOffset((day + 1) * kDaySeconds) != offset, offset};
+    }
+    return kept.changes ? HostOffset(seconds) : kept.offset;
 }
 
 bool InCalendar(Ticks ticks) {
@@ -95,13 +116,13 @@ bool ValidTime(const SYSTEMTIME& time) {
     return time.wHour < 24 && time.wMinute < 60 && time.wSecond < 60 && time.wMilliseconds < 1000;
 }
 
-int Deliver(const QString& text, WCHAR* out, int capacity) {
-    if (text.size() >= capacity) {
+int Deliver(std::u16string_view text, WCHAR* out, int capacity) {
+    if (text.size() >= static_cast<std::size_t>(capacity)) {
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return 0;
     }
-    return CopyText(out, static_cast<std::size_t>(capacity), reinterpret_cast<const WCHAR*>(text.utf16())) +
-           1;
+    out[text.copy(out, text.size())] = 0;
+    return static_cast<int>(text.size()) + 1;
 }
 
 bool Clear(WCHAR* text, int capacity) {
@@ -129,6 +150,13 @@ QString TimePattern(const QLocale& locale, bool withSeconds) {
 FILETIME Now() {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     return FileTimeOf(kHostEpoch + std::chrono::duration_cast<std::chrono::nanoseconds>(now).count() / 100);
+}
+
+std::chrono::milliseconds RoughClock() {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+    return std::chrono::seconds(now.tv_sec) +
+           std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::nanoseconds(now.tv_nsec));
 }
 
 void GetLocalTime(SYSTEMTIME* time) {

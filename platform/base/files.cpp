@@ -14,7 +14,7 @@ namespace {
 
 constexpr mode_t kNewFileMode = 0666; // less what the user's mask takes away
 
-class HostFile : public KernelObject {
+class HostFile final : public KernelObject {
 public:
     HostFile(Descriptor opened, DWORD access) : named(std::move(opened)), access(access) {}
 

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <memory>
+#include <type_traits>
+#include <typeinfo>
 
 #include "platform/types.h"
 
@@ -24,5 +26,7 @@ bool CloseKernelObject(HANDLE handle);
 // Null when the handle is not open or stands for another kind of object; sets no last error.
 template <typename Object>
 Object* FindKernelObject(HANDLE handle) {
-    return dynamic_cast<Object*>(FindKernelObject(handle));
+    static_assert(std::is_final_v<Object>); // a cast would take longer than all else that a walk's step does
+    KernelObject* const object = FindKernelObject(handle);
+    return object && typeid(*object) == typeid(Object) ? static_cast<Object*>(object) : nullptr;
 }

@@ -2,8 +2,10 @@
 
 #include <QDate>
 #include <QLocale>
+#include <QString>
 #include <QTime>
 #include <array>
+#include <string>
 #include <vector>
 
 #include "platform/base/localepatterns.h"
@@ -12,25 +14,25 @@ namespace {
 
 struct KeptDay {
     int number = -1;
-    QString text;
+    std::u16string text;
 };
 
 // A part of a time: the hour, minute, second or half of the day by its value, or a text between them.
 struct TimePart {
     enum Kind { kHour, kHourOfHalf, kMinute, kSecond, kHalf, kFixed };
     Kind kind;
-    std::vector<QString> texts;
+    std::vector<std::u16string> texts;
 };
 
 // Texts of the values from 0 on, as the locale writes `letters`.
-std::vector<QString> PartTexts(const QLocale& locale, TimePart::Kind kind, const QString& letters) {
-    std::vector<QString> texts;
+std::vector<std::u16string> PartTexts(const QLocale& locale, TimePart::Kind kind, const QString& letters) {
+    std::vector<std::u16string> texts;
     const int count = kind == TimePart::kHalf ? 2 : kind <= TimePart::kHourOfHalf ? 24 : 60;
     for (int i = 0; i < count; ++i) {
         const int hour = kind == TimePart::kHalf ? 12 * i : kind <= TimePart::kHourOfHalf ? i : 0;
         const int minute = kind == TimePart::kMinute ? i : 0;
         const int second = kind == TimePart::kSecond ? i : 0;
-        texts.push_back(locale.toString(QTime(hour, minute, second), letters));
+        texts.push_back(locale.toString(QTime(hour, minute, second), letters).toStdU16String());
     }
     return texts;
 }
@@ -61,7 +63,7 @@ private:
         const qsizetype place = known.indexOf(letters[0]);
         if (place < 0) {
             simple = simple && !letters[0].isLetter() && letters[0] != u'\'';
-            parts.push_back({TimePart::kFixed, {letters}});
+            parts.push_back({TimePart::kFixed, {letters.toStdU16String()}});
             return;
         }
         TimePart::Kind kind = std::array{TimePart::kHour,   TimePart::kHour, TimePart::kMinute,
@@ -95,28 +97,29 @@ int ValueOf(TimePart::Kind kind, const SYSTEMTIME& time) {
 
 } // namespace
 
-const QString& ShortDateText(const SYSTEMTIME& date) {
+std::u16string_view ShortDateText(const SYSTEMTIME& date) {
     static std::array<KeptDay, 1024> days; // about three years in a row
     const int number = (date.wYear * 12 + date.wMonth - 1) * 31 + date.wDay - 1;
     KeptDay& day = days[static_cast<std::size_t>(number) % days.size()];
     if (day.number != number) {
-        day.text =
-            QLocale::system().toString(QDate(date.wYear, date.wMonth, date.wDay), QLocale::ShortFormat);
+        const QDate fields(date.wYear, date.wMonth, date.wDay);
+        day.text = QLocale::system().toString(fields, QLocale::ShortFormat).toStdU16String();
         day.number = number;
     }
     return day.text;
 }
 
-QString ShortTimeText(const SYSTEMTIME& time, bool withSeconds) {
+std::u16string_view ShortTimeText(const SYSTEMTIME& time, bool withSeconds) {
     static const QLocale locale = QLocale::system();
     static const std::array forms{TimeForm(locale, TimePattern(locale, false)),
                                   TimeForm(locale, TimePattern(locale, true))};
+    static std::u16string text;
     const TimeForm& form = forms[withSeconds];
-    if (!form.simple)
-        return locale.toString(QTime(time.wHour, time.wMinute, time.wSecond), form.pattern);
-    QString text;
-    text.reserve(16);
-    for (const TimePart& part : form.parts)
-        text += part.texts[static_cast<std::size_t>(ValueOf(part.kind, time))];
+    text.clear();
+    if (form.simple)
+        for (const TimePart& part : form.parts)
+            text += part.texts[static_cast<std::size_t>(ValueOf(part.kind, time))];
+    else
+        text = locale.toString(QTime(time.wHour, time.wMinute, time.wSecond), form.pattern).toStdU16String();
     return text;
 }

@@ -2,10 +2,10 @@
 // is kept: parts of times, and days.
 #pragma once
 
-#include <QString>
+#include <string_view>
 
 #include "platform/datetime.h"
 
-// Both take valid fields.
-const QString& ShortDateText(const SYSTEMTIME& date); // until the next call
-QString ShortTimeText(const SYSTEMTIME& time, bool withSeconds);
+// Both take valid fields; each text stands until the next call.
+std::u16string_view ShortDateText(const SYSTEMTIME& date);
+std::u16string_view ShortTimeText(const SYSTEMTIME& time, bool withSeconds);

@@ -14,7 +14,7 @@
 namespace {
 
 // It is at most one of a listening socket and an end of a link.
-struct IrdaSocket : KernelObject {
+struct IrdaSocket final : KernelObject {
     std::string service; // once bound
     Presence presence;
     Descriptor caller; // of a listening socket: the link that waits to be accepted

@@ -16,7 +16,7 @@
 namespace storage {
 namespace {
 
-struct Enumeration : KernelObject {
+struct Enumeration final : KernelObject {
     std::vector<CEOID> databases;
     std::size_t next = 0;
 };

@@ -248,7 +248,8 @@ bool OpenDatabase::Fetch(const Position& from, bool forward) {
 }
 
 bool OpenDatabase::FetchRows(Statement& select, bool forward) {
-    Batch read;
+    Batch& read = spare;
+    read.Clear();
     // A record without properties counts like one property, or a database of such records would be read
     // whole.
     const std::size_t mostEntries = budget / sizeof(CEPROPVAL);
@@ -266,7 +267,7 @@ bool OpenDatabase::FetchRows(Statement& select, bool forward) {
     }
     if (!forward)
         std::reverse(read.entries.begin(), read.entries.end());
-    batch = std::move(read);
+    std::swap(batch, spare);
     return true;
 }
 

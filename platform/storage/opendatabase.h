@@ -53,7 +53,7 @@ private:
     CEOID database = 0;
 };
 
-class OpenDatabase : public KernelObject {
+class OpenDatabase final : public KernelObject {
 public:
     // `sort` is the index of a sort order of the row, or -1. The new object takes over the hold on the
     // database.
@@ -140,6 +140,7 @@ private:
 
     Cursor cursor;
     Batch batch;
+    Batch spare;          // what is read next comes into its memory
     std::size_t slot = 0; // of the current record, when the batch has any
     std::size_t budget;   // bytes to read ahead next
     std::uint64_t epoch;  // of the store, when the version was last looked at

@@ -1,6 +1,7 @@
 #include "platform/storage/recordform.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <functional>
 #include <unordered_map>
@@ -43,7 +44,14 @@ std::size_t MeaningfulBytes(WORD type) {
 
 // The bytes of a string with its terminator, of at most `room` bytes; 0 when it has no end there.
 std::size_t StringBytes(const char* at, std::size_t room) {
-    for (std::size_t unit = 0; unit + sizeof(char16_t) <= room; unit += sizeof(char16_t))
+    constexpr std::uint64_t kOnes = 0x0001'0001'0001'0001, kTops = 0x8000'8000'8000'8000;
+    std::size_t unit = 0;
+    for (std::uint64_t four = 0; unit + sizeof(four) <= room; unit += sizeof(four)) {
+        std::memcpy(&four, at + unit, sizeof(four));
+        if (((four - kOnes) & ~four & kTops) != 0) // one of them is 0
+            break;
+    }
+    for (; unit + sizeof(char16_t) <= room; unit += sizeof(char16_t))
         if (at[unit] == 0 && at[unit + 1] == 0)
             return unit + sizeof(char16_t);
     return 0;

@@ -71,7 +71,7 @@ struct Gathered {
     std::vector<ValueChange> changes;
 };
 
-struct OpenKey : KernelObject {
+struct OpenKey final : KernelObject {
     bool Close() override; // writes what is gathered
 
     std::int64_t id = kNoKey;   // a row, or minus 1 to minus 3 for a main key

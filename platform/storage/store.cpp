@@ -81,7 +81,7 @@ void Store::ForgetCached() {
 }
 
 bool Store::KeepLocks() {
-    locksSeen = std::chrono::steady_clock::now();
+    locksSeen = RoughClock();
     if (locks.IsCurrent())
         return true;
     knownCount = 1;
@@ -90,7 +90,7 @@ bool Store::KeepLocks() {
 }
 
 bool Store::KeepLocksAtTimes() {
-    return std::chrono::steady_clock::now() - locksSeen < kLockCheckInterval || KeepLocks();
+    return RoughClock() - locksSeen < kLockCheckInterval || KeepLocks();
 }
 
 CEOID Store::NewIdentifier() {

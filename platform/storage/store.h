@@ -79,7 +79,7 @@ private:
     bool reading = false;
     int readsSinceWrite = 0;
     bool folderSynced = false;
-    std::chrono::steady_clock::time_point locksSeen;
+    std::chrono::milliseconds locksSeen{};
     Waiting waiting;
 
     friend int WaitForWriter(void* store, int attempt);
