@@ -13,9 +13,9 @@
 // What is changed through one open key (the key itself, when it is made, and its values) is one step, which
 // others see whole or not at all. It is written when the key is closed, or when the process makes any other
 // call here; a process that dies before has changed nothing. So these calls, too, fail with the errors of
-// writing; nothing of the step is written then, and it is given up when the key is closed. Through a main key
-// by its own number each change is written at once. What was written outlives a power cut once the process
-// has closed all keys.
+// writing; nothing of the step is written then, and it is given up when the key is closed. The same goes for
+// a step that ends with a value that was not taken. Through a main key by its own number each change is
+// written at once. What was written outlives a power cut once the process has closed all keys.
 #pragma once
 
 #include "platform/types.h"

@@ -29,50 +29,56 @@ bool IsRegistryBackup(const RegistryBackupHeader& header) {
 bool RegValueRecord::Set(const WCHAR* newName, DWORD newType, const BYTE* newData, DWORD newLength) {
     Clear();
     const DWORD bytes = newData ? newLength : 0;
-    if (!Allocate(bytes))
+    if (!Allocate(newName, bytes))
         return false;
     if (bytes)
         std::memcpy(data.get(), newData, bytes);
-    CopyText(name, newName);
     type = newType;
     length = newLength;
     return true;
 }
 
-bool RegValueRecord::Allocate(DWORD bytes) {
-    data.reset(bytes ? new (std::nothrow) BYTE[static_cast<std::size_t>(bytes) + 1] : nullptr);
-    return !bytes || data;
+bool RegValueRecord::Allocate(const WCHAR* newName, DWORD bytes) {
+    try {
+        name = newName ? newName : u"";
+        data.reset(bytes ? new BYTE[static_cast<std::size_t>(bytes) + 1] : nullptr);
+        return true;
+    } catch (const std::bad_alloc&) {
+        Clear();
+        return false;
+    }
 }
 
 void RegValueRecord::Clear() {
     data.reset();
-    name[0] = 0;
+    name.clear();
     type = 0;
     length = 0;
 }
 
 bool RegValueRecord::Equals(const RegValueRecord& other) const {
-    return type == other.type && length == other.length && lstrcmpW(name, other.name) == 0 &&
+    return type == other.type && length == other.length && name == other.name &&
            (!data || (other.data && std::memcmp(data.get(), other.data.get(), length) == 0));
 }
 
 bool RegValueRecord::Write(RecordWriter& file) const {
-    return file.WriteText(name) && file.WriteNumber(type) && file.WriteNumber(length) &&
+    return file.WriteText(name.c_str()) && file.WriteNumber(type) && file.WriteNumber(length) &&
            (!data || file.Write(data.get(), length));
 }
 
 bool RegValueRecord::Read(RecordReader& file) {
     Clear();
+    WCHAR newName[MAX_PATH];
     DWORD bytes = 0;
-    if (!file.ReadText(name) || !file.ReadNumber(&type) || !file.ReadNumber(&bytes) ||
-        bytes > file.BytesLeft() || !Allocate(bytes))
+    if (!file.ReadText(newName) || !file.ReadNumber(&type) || !file.ReadNumber(&bytes) ||
+        bytes > file.BytesLeft() || !Allocate(newName, bytes))
         return false;
     length = bytes;
     return file.Read(data.get(), bytes);
 }
 
 bool RegValueRecord::Apply(HKEY key) const {
-    return RegSetValueExW(key, name, 0, type, data.get(), length) == ERROR_SUCCESS;
+    return RegSetValueExW(key, name.c_str(), 0, type, data.get(), length) == ERROR_SUCCESS;
 }
 
 void RegKeyRecord::Reset() {

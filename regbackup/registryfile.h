@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "app/passworddialogs.h"
@@ -48,12 +49,12 @@ struct RegValueRecord {
     bool Apply(HKEY key) const;
 
     DWORD type = 0;
-    WCHAR name[MAX_PATH] = {};
+    std::u16string name;          // no longer than it is: there may be very many
     DWORD length = 0;             // bytes
     std::unique_ptr<BYTE[]> data; // null when there are none
 
 private:
-    bool Allocate(DWORD bytes);
+    bool Allocate(const WCHAR* newName, DWORD bytes);
 };
 
 // A key with its values.

@@ -128,8 +128,9 @@ RegistryBackup::Difference RegistryBackup::Compare(const RegKeyRecord& record) {
 bool RegistryBackup::ValueMatches(HKEY key, const RegValueRecord& value) {
     DWORD type = 0;
     DWORD size = kValueRoom;
-    return RegQueryValueExW(key, value.name, nullptr, &type, valueBuffer.get(), &size) == ERROR_SUCCESS &&
-           present.Set(value.name, type, valueBuffer.get(), size) && present.Equals(value);
+    return RegQueryValueExW(key, value.name.c_str(), nullptr, &type, valueBuffer.get(), &size) ==
+               ERROR_SUCCESS &&
+           present.Set(value.name.c_str(), type, valueBuffer.get(), size) && present.Equals(value);
 }
 
 // Looks for values that the file does not have.

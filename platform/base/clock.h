@@ -7,5 +7,5 @@
 
 FILETIME Now(); // UTC
 
-// Since some start, some milliseconds late; costs a tenth of what an exact clock does.
+// Since some start, some milliseconds late; costs much less than an exact clock.
 std::chrono::milliseconds RoughClock();

@@ -26,7 +26,7 @@ bool CloseKernelObject(HANDLE handle);
 // Null when the handle is not open or stands for another kind of object; sets no last error.
 template <typename Object>
 Object* FindKernelObject(HANDLE handle) {
-    static_assert(std::is_final_v<Object>); // a cast would take longer than all else that a walk's step does
+    static_assert(std::is_final_v<Object>); // compared exactly, as each step of a walk does it
     KernelObject* const object = FindKernelObject(handle);
     return object && typeid(*object) == typeid(Object) ? static_cast<Object*>(object) : nullptr;
 }

@@ -170,6 +170,14 @@ LONG ChangeValue(Store& store, HKEY handle, OpenKey& key, ValueChange change) {
     return FailAsSet();
 }
 
+// Whoever gives up at a value that is not taken wants none of those before it either: they are one step.
+LONG NoteTaken(HKEY key, LONG result) {
+    OpenKey* const open = FindKey(key);
+    if (open && open->gathered)
+        open->gathered->refusal = static_cast<DWORD>(result);
+    return result;
+}
+
 LONG CloseKey(HKEY key) {
     LONG result = ERROR_SUCCESS;
     if (!IsMainKey(key)) {
@@ -226,15 +234,17 @@ LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD*, DWORD* type, BYTE* da
 }
 
 LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD, DWORD type, const BYTE* data, DWORD size) {
-    return WithKey(
-        key, Gathering::GoesOn,
-        [&](Store& store, OpenKey& open) {
-            if ((size != 0 && !data) || size > kLargestValue || View(name).size() > kLongestValueName)
-                return Fail(ERROR_INVALID_PARAMETER);
-            return ChangeValue(store, key, open,
-                               {Fold(View(name)), std::u16string(View(name)), type,
-                                std::string(reinterpret_cast<const char*>(data), size), false});
-        });
+    return NoteTaken(key, WithKey(
+                              key, Gathering::GoesOn,
+                              [&](Store& store, OpenKey& open) {
+                                  if ((size != 0 && !data) || size > kLargestValue ||
+                                      View(name).size() > kLongestValueName)
+                                      return Fail(ERROR_INVALID_PARAMETER);
+                                  return ChangeValue(store, key, open,
+                                                     {Fold(View(name)), std::u16string(View(name)), type,
+                                                      std::string(reinterpret_cast<const char*>(data), size),
+                                                      false});
+                              }));
 }
 
 LONG RegDeleteValueW(HKEY key, const WCHAR* name) {

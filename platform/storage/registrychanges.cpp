@@ -80,6 +80,10 @@ bool WriteGatheredThrough(Store& store, OpenKey& key) {
     if (!key.gathered)
         return true;
     const Gathered& gathered = *key.gathered;
+    if (gathered.refusal != ERROR_SUCCESS) {
+        SetLastError(gathered.refusal);
+        return false;
+    }
     std::int64_t id = key.id;
     const bool written = InTransaction(store, [&] {
         if (!gathered.path.empty())

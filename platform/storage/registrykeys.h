@@ -69,6 +69,7 @@ struct Gathered {
     std::u16string path;          // below it; empty when the key is there
     std::u16string keyClass;
     std::vector<ValueChange> changes;
+    DWORD refusal = 0; // why the last one was not taken: then none is written
 };
 
 struct OpenKey final : KernelObject {

@@ -4,6 +4,10 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#include <utility>
 
 #include "app/application.h"
 #include "app/settings.h"
@@ -12,6 +16,20 @@
 #include "resources/resource.h"
 #include "tests/support/sampledatabases.h"
 #include "tests/support/session.h"
+
+namespace {
+
+std::string vanishing; // a folder that goes when a file is written next
+
+} // namespace
+
+// In place of the C library's, as the platform calls it.
+extern "C" ssize_t write(int descriptor, const void* bytes, size_t count) {
+    struct stat status;
+    if (!vanishing.empty() && fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))
+        std::filesystem::remove_all(std::exchange(vanishing, {}));
+    return syscall(SYS_write, descriptor, bytes, count);
+}
 
 namespace {
 
@@ -191,4 +209,30 @@ TEST_F(ExportTest, FailuresAreToldOnceAndUnreadableRecordsNotAtAll) {
     EXPECT_EQ(Bytes(std::string(245, 'n')), "1\r\n3\r\n");
     EXPECT_EQ(Bytes("part"), "\xFF\xFE"); // what was written stays
     EXPECT_EQ(Bytes("part 2"), "\xFF\xFE");
+}
+
+TEST_F(ExportTest, FilesThatCannotBeReplacedStay) {
+    MakeDatabase(u"Ab", {{NumberValue(1, CEVT_I2, 1)}});
+    const WCHAR* const path = u"\\My Documents\\old";
+    const std::string old = documents + "/old";
+    std::ofstream(old) << "old";
+    ASSERT_EQ(chmod(device.folder.c_str(), 0755) + chmod((device.folder + "/root").c_str(), 0755) +
+                  chmod(documents.c_str(), 0777) + chmod(old.c_str(), 0444),
+              0);
+    ExpectMessage(ConfirmOverwrite(path), IDYES);
+    ExpectMessage(u"Couldn't create a new backup file \"" + std::u16string(path) + u"\".");
+    const bool waived = geteuid() == 0; // root may write it all the same
+    EXPECT_TRUE(!waived || seteuid(65534) == 0);
+    EXPECT_FALSE(Export(path, kTabSeparated, false));
+    EXPECT_TRUE(!waived || seteuid(0) == 0);
+    EXPECT_EQ(Bytes("old"), "old");
+
+    vanishing = documents;
+    ExpectMessage(ConfirmOverwrite(path), IDYES);
+    ExpectMessage(kUnable);
+    EXPECT_FALSE(Export(path, kTabSeparated, false));
+    EXPECT_FALSE(std::filesystem::exists(documents));
+    std::filesystem::create_directory(documents);
+    ASSERT_TRUE(Export(path, kTabSeparated, false));
+    EXPECT_EQ(Bytes("old"), "1\r\n");
 }

@@ -1,9 +1,11 @@
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <gtest/gtest.h>
 #include <string>
 
+#include "platform/base/utf8.h"
 #include "platform/datetime.h"
 #include "tests/platform/hostsupport.h"
 
@@ -130,6 +132,41 @@ TEST(DateTime, IsWrittenAsTheLocaleDoes) {
     EXPECT_EQ(std::u16string(text), u"");
     ExpectInvalid(GetDateFormatW(LOCALE_SYSTEM_DEFAULT, DATE_SHORTDATE, &wrong, nullptr, text, 16));
     ExpectInvalid(GetTimeFormatW(LOCALE_SYSTEM_DEFAULT, 0, &wrong, nullptr, text, 16));
+}
+
+[[noreturn]] void PrintAndExit() {
+    const SYSTEMTIME moments[] = {
+        {2003, 11, 0, 9, 14, 5, 6, 0}, {2024, 2, 0, 29, 0, 30, 0, 0}, {2003, 1, 0, 2, 12, 0, 59, 0}};
+    for (const SYSTEMTIME& moment : moments) {
+        WCHAR date[32], time[32], brief[32];
+        GetDateFormatW(LOCALE_SYSTEM_DEFAULT, DATE_SHORTDATE, &moment, nullptr, date, 32);
+        GetTimeFormatW(LOCALE_SYSTEM_DEFAULT, 0, &moment, nullptr, time, 32);
+        GetTimeFormatW(LOCALE_SYSTEM_DEFAULT, TIME_NOSECONDS, &moment, nullptr, brief, 32);
+        for (const WCHAR* text : {date, time, brief})
+            std::fprintf(stderr, "%s;", ToUtf8(text).c_str());
+    }
+    std::exit(0);
+}
+
+// Each in a process of its own, which starts under the locale. The host needs none of them installed.
+TEST(DateTimeDeathTest, IsWrittenAsOtherLocalesDo) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const struct {
+        const char* name;
+        const char* texts;
+    } locales[] = {
+        {"en_US.UTF-8",
+         "11/9/03;2:05:06 PM;2:05 PM;2/29/24;12:30:00 AM;12:30 AM;1/2/03;12:00:59 PM;12:00 PM;"},
+        {"de_DE.UTF-8", "09.11.03;14:05:06;14:05;29.02.24;00:30:00;00:30;02.01.03;12:00:59;12:00;"},
+        {"zh_TW.UTF-8",
+         "2003/11/9;下午2:05:06;下午2:05;2024/2/29;上午12:30:00;上午12:30;2003/1/2;下午12:00:59;下午12:00;"},
+    };
+    const std::string before = std::getenv("LC_ALL") ? std::getenv("LC_ALL") : "";
+    for (const auto& [name, texts] : locales) {
+        setenv("LC_ALL", name, 1);
+        EXPECT_EXIT(PrintAndExit(), testing::ExitedWithCode(0), texts);
+    }
+    setenv("LC_ALL", before.c_str(), 1);
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 
 #include "platform/ui/core/testhooks.h"
 #include "regbackup/registrybackup.h"
+#include "tests/platform/otherprocess.h"
 #include "tests/regbackup/registryfixture.h"
 #include "tests/support/quiettest.h"
 
@@ -33,14 +34,46 @@ const std::u16string kNotStored =
 
 class RegistryRestoreTest : public QuietTest {
 protected:
-    static void Save() { ASSERT_TRUE(RegistryBackup(nullptr, kPath).Save()); }
-    void Restore() {
-        ExpectMessage(kSoftReset);
-        EXPECT_TRUE(RestoreQuietly());
+    static constexpr int kKeys = 4;
+
+    static constexpr int kBackups = 20;
+
+    static void Save(const WCHAR* path = kPath) { ASSERT_TRUE(RegistryBackup(nullptr, path).Save()); }
+    // The same for both values of each of some keys.
+    static void SetPairs(const std::u16string& text) {
+        for (WCHAR letter = u'a'; letter < u'a' + kKeys; ++letter) {
+            SetText(HKEY_LOCAL_MACHINE, std::u16string(1, letter), u"first", text);
+            SetText(HKEY_LOCAL_MACHINE, std::u16string(1, letter), u"second", text);
+        }
     }
-    static bool RestoreQuietly() {
-        RegistryBackup restore(nullptr, kPath);
+    void Restore(const WCHAR* path = kPath) {
+        ExpectMessage(kSoftReset);
+        EXPECT_TRUE(RestoreQuietly(path));
+    }
+    static bool RestoreQuietly(const WCHAR* path = kPath) {
+        RegistryBackup restore(nullptr, path);
         return restore.Open() && restore.Restore();
+    }
+    // No key has one of two values that are set together as it was, and the other as it was to be.
+    static void ExpectWholeKeys(const WCHAR* path) {
+        const Bytes bytes = FileBytes(path);
+        const HANDLE file = CreateFileW(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, 0);
+        auto reader = std::make_unique<RecordReader>(file, kHeaderEnd);
+        RegKeyRecord record;
+        const auto value = [&](const WCHAR* name) {
+            for (const auto& held : record.values)
+                if (held->name == name)
+                    return Bytes(held->data.get(), held->data.get() + held->length);
+            return Bytes();
+        };
+        const DWORD keys = NumberAt(bytes, 64);
+        EXPECT_GE(keys, DWORD{kKeys});
+        for (DWORD key = 0; key < keys; ++key) {
+            ASSERT_TRUE(record.Read(*reader));
+            EXPECT_EQ(value(u"first"), value(u"second"));
+            EXPECT_EQ(value(u"MatchCase"), value(u"SearchNumProp"));
+        }
+        CloseHandle(file);
     }
     // From here on no value can be written, or deleted.
     void LockValues() {
@@ -153,23 +186,60 @@ TEST_F(RegistryRestoreTest, KeyThatCannotBeWrittenIsAskedAbout) {
     EXPECT_EQ(WholeRegistry(), saved);
 }
 
+TEST_F(RegistryRestoreTest, RefusedValueLeavesItsKeyAsItWas) {
+    constexpr std::size_t kTooLong = (1 << 20) + 1;
+    Bytes file = FromHex(kSampleFile);
+    const std::size_t lengthAt =
+        kHeaderEnd + 36; // of the first value's data; the second one is set before it
+    file.insert(file.begin() + lengthAt + 4, kTooLong - NumberAt(file, lengthAt), 'x');
+    WriteBytes(kPath, Changed(file, lengthAt, kTooLong));
+    SetText(HKEY_CURRENT_USER, u"Ab", u"n", u"of before");
+    const std::string before = WholeRegistry();
+    ExpectMessage(
+        u"Unable to store registry key. Error code: [0x57 (87)].\nWarning: If you abort, you may need to "
+        u"hard-reset your device!",
+        IDIGNORE);
+    Restore();
+    EXPECT_EQ(WholeRegistry(), before);
+}
+
+// Beside another process that saves settings and restores keys, which both change as a whole.
+TEST_F(RegistryRestoreTest, BackupsBesideOtherProcessesHaveWholeKeys) {
+    SetPairs(u"old");
+    Save(u"\\old.rbk");
+    SetPairs(u"new");
+    Save();
+    const std::string saved = Listing(HKEY_LOCAL_MACHINE);
+    device.Restart();
+    OtherProcess other({[this] {
+        for (DWORD generation = 1; generation <= 100; ++generation) {
+            Settings window;
+            window.matchCase = window.searchNumProp = generation;
+            Restore(u"\\old.rbk");
+            Restore();
+        }
+        return !HasFailure();
+    }});
+    const std::u16string name = u"\\beside";
+    other.Start(0);
+    for (int i = 0; i < kBackups; ++i)
+        Save((name + std::u16string(i, u'x')).c_str());
+    EXPECT_TRUE(other.Await());
+    EXPECT_EQ(Listing(HKEY_LOCAL_MACHINE), saved);
+    for (int i = 0; i < kBackups; ++i)
+        ExpectWholeKeys((name + std::u16string(i, u'x')).c_str());
+}
+
 // At each of a restore's writes to the store it is killed once; then each key has both of its values of
 // before, or both of the file.
 TEST_F(RegistryRestoreTest, KilledRestoreLeavesNoKeyHalfWay) {
-    constexpr int kKeys = 4;
-    const auto setAll = [](const std::u16string& text) {
-        for (WCHAR letter = u'a'; letter < u'a' + kKeys; ++letter) {
-            SetText(HKEY_LOCAL_MACHINE, std::u16string(1, letter), u"first", text);
-            SetText(HKEY_LOCAL_MACHINE, std::u16string(1, letter), u"second", text);
-        }
-    };
-    setAll(u"new");
+    SetPairs(u"new");
     const std::string saved = WholeRegistry();
     Save();
     bool killed = true;
     bool partial = false;
     for (int writes = 0; killed; ++writes) {
-        setAll(u"old");
+        SetPairs(u"old");
         device.Restart();
         int status = 0;
         const pid_t child = fork();

@@ -5,6 +5,7 @@
 #include "platform/controls.h"
 #include "platform/ui/core/testhooks.h"
 #include "resources/resource.h"
+#include "tests/platform/otherprocess.h"
 #include "tests/regbackup/registryfixture.h"
 #include "tests/support/session.h"
 
@@ -156,6 +157,34 @@ TEST_F(RegistrySession, CancelledBackupLeavesNoFile) {
             EXPECT_EQ(FileExists(kFile), answer == IDNO);
         }
     });
+}
+
+// While the first key is shown, which has been found by then, another process deletes it.
+TEST_F(RegistrySession, KeyThatVanishesIsPassedOver) {
+    device.Restart();
+    OtherProcess other({[] {
+        storage::Store& store = *storage::TheStore();
+        return storage::InTransaction(store, [&] {
+            return storage::Statement(store.connection, "DELETE FROM keys WHERE name = '.txt'").Run();
+        });
+    }});
+    ui::TestHooks().dialog = [seen = ui::TestHooks().dialog](const ui::DialogSeen& dialog) {
+        seen(dialog);
+        if (dialog.dialogTemplate == FindDialogTemplate(IDD_PROGRESS))
+            PostMessageW(dialog.window, WM_COMMAND, IDCANCEL, 0);
+    };
+    RunProgram([&] {
+        ChooseBackup();
+        PickToSave(u"all");
+        ui::TestHooks().messageBox = [&](const ui::MessageBoxSeen&) {
+            EXPECT_TRUE(other.Run(0));
+            ui::AnswerMessageBox(IDNO);
+        };
+        Tap(IDOK);
+        InMainWindow();
+        Window();
+    });
+    EXPECT_EQ(NumberAt(FileBytes(kFile), 64), 2u); // all but those of the first main key
 }
 
 } // namespace
