@@ -1,12 +1,16 @@
 // The static text: wraps, marks its mnemonic, and lets input through to what is behind it.
 #include <QLabel>
 #include <QPainter>
+#include <QTextOption>
+#include <algorithm>
 
 #include "platform/ui/controls/controlsupport.h"
 
 namespace ui {
 
 namespace {
+
+constexpr QChar kEllipsis(0x2026);
 
 class StaticText : public QLabel {
 public:
@@ -30,16 +34,35 @@ public:
 protected:
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
-        int flags = Qt::AlignTop | Qt::TextWordWrap | Qt::TextExpandTabs;
-        flags |= style & SS_CENTER ? Qt::AlignHCenter : Qt::AlignLeft;
-        if (!(style & SS_NOPREFIX))
-            flags |= Qt::TextShowMnemonic;
+        const Qt::Alignment alignment =
+            Qt::AlignTop | (style & SS_CENTER ? Qt::AlignHCenter : Qt::AlignLeft);
         painter.setPen(
             palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::WindowText));
-        painter.drawText(rect(), flags, shown);
+        if (style & SS_NOPREFIX)
+            PaintAsItIs(painter, alignment);
+        else
+            painter.drawText(rect(), alignment | Qt::TextWordWrap | Qt::TextExpandTabs | Qt::TextShowMnemonic,
+                             shown);
     }
 
 private:
+    // Names and paths may have no place to wrap at, and more lines than there is room for.
+    void PaintAsItIs(QPainter& painter, Qt::Alignment alignment) {
+        QTextOption option(alignment);
+        option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+        const QRectF room(0, 0, width(), std::max(height(), fontMetrics().height()));
+        const auto fits = [&](const QString& text) {
+            return painter.boundingRect(room, text, option).height() <= room.height();
+        };
+        qsizetype least = 0;
+        for (qsizetype most = fits(shown) ? 0 : shown.size(); least < most;) {
+            const qsizetype middle = (least + most + 1) / 2;
+            const bool enough = fits(shown.left(middle) + kEllipsis);
+            (enough ? least : most) = enough ? middle : middle - 1;
+        }
+        painter.drawText(room, least ? shown.left(least) + kEllipsis : shown, option);
+    }
+
     QString shown;
     DWORD style = 0;
 };
