@@ -13,6 +13,7 @@
 #include "app/application.h"
 #include "platform/device.h"
 #include "platform/errors.h"
+#include "platform/files.h"
 #include "platform/text.h"
 #include "platform/ui/core/testhooks.h"
 #include "regbackup/registrybackup.h"
@@ -63,6 +64,8 @@ int main(int argc, char** argv) {
     ui::TestHooks().messageBox = [](const ui::MessageBoxSeen&) { ui::AnswerMessageBox(IDOK); };
     const std::string name = argv[3];
     const std::u16string path(name.begin(), name.end());
+    if (what == "save")
+        DeleteFileW(path.c_str()); // nobody would be asked whether to overwrite it
     const std::clock_t start = std::clock();
     RegistryBackup backup(nullptr, path.c_str());
     const bool done = what == "save" ? backup.Save() : backup.Open() && backup.Restore();
