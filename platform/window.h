@@ -255,5 +255,5 @@ inline const WCHAR* const IDC_WAIT = MAKEINTRESOURCEW(32514);
 HCURSOR LoadCursorW(HINSTANCE instance, const WCHAR* name); // instance null: the platform's own
 HCURSOR SetCursor(HCURSOR cursor); // null: the ordinary cursor; returns the previous one
 constexpr UINT IMAGE_ICON = 1;
-// Icons only: the image of the icon group nearest to the size wanted.
+// Icons only, with the pictures of all sizes that its group has: the host takes the one that fits a place.
 HICON LoadImageW(HINSTANCE instance, const WCHAR* name, UINT type, int width, int height, UINT flags);

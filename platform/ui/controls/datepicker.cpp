@@ -47,10 +47,8 @@ void OpenMonthMenuWithoutLoop(QCalendarWidget* calendar) {
 
 void DrawFrameAround(QCalendarWidget* calendar) {
     QWidget* popup = calendar->parentWidget();
-    QPalette palette = popup->palette();
-    calendar->setPalette(palette);
-    palette.setColor(QPalette::Window, look::kLine);
-    popup->setPalette(palette);
+    look::Recolour(calendar, QPalette::Window, look::Window);
+    look::Recolour(popup, QPalette::Window, look::Line);
     popup->layout()->setContentsMargins(1, 1, 1, 1);
 }
 

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "platform/ui/drawing/look.h"
+
 namespace ui {
 
 namespace {
@@ -19,12 +21,6 @@ constexpr int kCrLf = 0;
 bool IsLineEnd(QChar c) {
     return c == u'\n' || c == u'\r' || c == QChar::ParagraphSeparator || c == QChar(0xFDD0) ||
            c == QChar(0xFDD1);
-}
-
-void ShowReadOnly(QWidget* widget) {
-    QPalette palette = widget->palette();
-    palette.setColor(QPalette::Base, palette.color(QPalette::Window));
-    widget->setPalette(palette);
 }
 
 template <typename Box>
@@ -68,7 +64,7 @@ LineBox::LineBox(WindowObject& window, QWidget* parent)
     setEchoMode(window.style & ES_PASSWORD ? Password : Normal);
     if (window.style & ES_READONLY) {
         setReadOnly(true);
-        ShowReadOnly(this);
+        look::Recolour(this, QPalette::Base, look::Window);
     }
     SetText(window.text);
     connect(this, &QLineEdit::textEdited, this, [this, handle] { TakeEdit(handle); });
@@ -118,7 +114,7 @@ TextBox::TextBox(WindowObject& window, QWidget* parent) : QPlainTextEdit(parent)
         setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     if (window.style & ES_READONLY) {
         setReadOnly(true);
-        ShowReadOnly(this);
+        look::Recolour(this, QPalette::Base, look::Window);
     }
     TakeOwnInput(verticalScrollBar());
     TakeOwnInput(horizontalScrollBar());

@@ -13,7 +13,7 @@ namespace ui {
 
 namespace {
 
-constexpr int kTitleMargin = 6; // pixels on either side
+constexpr int kTitleMargin = 8; // pixels on either side
 
 void NotifyColumnClick(HWND list, int column) {
     NMLISTVIEW notification{};
@@ -37,10 +37,8 @@ HeaderView::HeaderView(WindowObject& window, ListWidget& list)
             pressed = section;
             viewport()->update();
         });
-    connect(this, &QHeaderView::sectionResized, this, [this](int section, int, int width) {
-        if (this->list.model->HasColumn(section))
-            this->list.model->Column(section).width = width;
-    });
+    connect(this, &QHeaderView::sectionResized, this,
+            [this](int section, int, int width) { this->list.TakeColumnWidth(section, width); });
     connect(this, &QHeaderView::sectionClicked, this, [this](int section) {
         pressed = -1;
         if (this->list.model->HasColumn(section))
@@ -75,8 +73,8 @@ void HeaderView::paintEvent(QPaintEvent* event) {
     QPainter painter(viewport());
     int end = length() - offset();
     if (end < viewport()->width())
-        painter.fillRect(end, 0, viewport()->width() - end, height(), look::kHeader);
-    painter.setPen(look::kLine);
+        painter.fillRect(end, 0, viewport()->width() - end, height(), look::Header());
+    painter.setPen(look::Line());
     painter.drawLine(0, height() - 1, viewport()->width(), height() - 1);
 }
 
@@ -86,8 +84,8 @@ void HeaderView::paintSection(QPainter* painter, const QRect& rect, int section)
     const ListColumn& column = list.model->Columns()[static_cast<std::size_t>(section)];
     painter->save();
     painter->setClipRect(rect);
-    painter->fillRect(rect, section == pressed ? look::kHeaderPressed : look::kHeader);
-    painter->setPen(look::kLine);
+    painter->fillRect(rect, section == pressed ? look::HeaderPressed() : look::Header());
+    painter->setPen(look::Line());
     painter->drawLine(rect.right(), rect.top() + 4, rect.right(), rect.bottom() - 5);
     QRect inside = rect.adjusted(0, 0, -1, -1); // leaves the lines alone
     if (column.headerFormat & HDF_OWNERDRAW) {
@@ -112,10 +110,7 @@ void HeaderView::DrawByOwner(QPainter& painter, const QRect& rect, int section) 
     if (!window || !parent)
         return;
     bool down = section == pressed;
-    const QColor& back = down ? look::kHeaderPressed : look::kHeader;
-    PainterContext context(
-        painter, parent->font,
-        RGB(static_cast<BYTE>(back.red()), static_cast<BYTE>(back.green()), static_cast<BYTE>(back.blue())));
+    PainterContext context(painter, parent->font, down ? kHeaderPressedFace : kHeaderFace);
     DRAWITEMSTRUCT item{};
     item.CtlType = ODT_HEADER;
     item.CtlID = window->id;

@@ -81,6 +81,7 @@ int ListModel::InsertRow(int position, ListRow row) {
     if (!quiet)
         beginInsertRows({}, position, position);
     ++generation;
+    ++contents;
     paramsStale = !paramsKnown;
     selectedCount += (row.state & LVIS_SELECTED) != 0;
     rows.insert(rows.begin() + position, std::move(row));
@@ -92,6 +93,7 @@ int ListModel::InsertRow(int position, ListRow row) {
 void ListModel::DeleteAllRows() {
     Detach();
     ++generation;
+    ++contents;
     if (!quiet)
         beginResetModel();
     rows.clear();
@@ -106,6 +108,7 @@ int ListModel::InsertColumn(int position, ListColumn column) {
     const int count = static_cast<int>(columns.size());
     position = std::clamp(position, 0, count);
     // The first column takes the place of the one that is always there, and a column may land between texts.
+    ++contents;
     beginResetModel();
     columns.insert(columns.begin() + position, std::move(column));
     for (ListRow& row : rows)
@@ -121,6 +124,7 @@ void ListModel::SetText(int row, int column, const QString& text) {
     if (index >= texts.size())
         texts.resize(index + 1);
     texts[index] = text;
+    ++contents;
     Changed(row, column);
 }
 

@@ -65,6 +65,8 @@ public:
 
     // Grows with every change of the row order: a row number taken before it means nothing any more.
     unsigned generation = 0;
+    // Grows with every change of what a cell holds.
+    unsigned contents = 0;
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;

@@ -1,11 +1,12 @@
 // How a cell of the list view looks, and where its parts are.
-#include <QAbstractItemView>
+#include <QHeaderView>
 #include <QPainter>
 #include <QStyleOption>
 #include <QTextLayout>
 #include <algorithm>
 
-#include "platform/ui/controls/listwidget.h"
+#include "platform/ui/controls/header.h"
+#include "platform/ui/controls/listviews.h"
 #include "platform/ui/drawing/gdiobjects.h"
 #include "platform/ui/drawing/look.h"
 
@@ -77,13 +78,13 @@ void PaintLabel(QPainter& painter, const ListWidget& list, const QRect& rect, co
                          Shortened(QFontMetrics(font), text, rect.width()));
 }
 
-// A text in the last column may run on into the empty space behind it, since nothing stands there.
-int RoomBehind(const ListWidget& list, int column) {
-    const std::vector<ListColumn>& columns = list.model->Columns();
-    const bool runsOn = list.View() == LVS_REPORT && column > 0 &&
-                        column + 1 == static_cast<int>(columns.size()) &&
-                        columns.back().alignment == LVCFMT_LEFT;
-    return runsOn ? list.CurrentView()->viewport()->width() : 0;
+// Headings begin behind the room of their arrow; their values stand below them.
+int HeadingIndent(const ListWidget& list) {
+    const HeaderView* header = WidgetOf<HeaderView>(list.header);
+    if (!header || !header->images)
+        return 0;
+    const int blank = QFontMetrics(list.details->font()).horizontalAdvance(QLatin1Char(' '));
+    return std::max(0, ImageListSize(header->images).width() + blank + 2 - 2 * kMargin);
 }
 
 } // namespace
@@ -103,8 +104,10 @@ CellLayout LayOutCell(const ListWidget& list, const QRect& cell, int row, int co
         layout.image = QRect(QPoint(x, cell.y() + (cell.height() - image.height()) / 2), image);
         x += image.width() + kMargin / 2;
     }
+    if (column > 0)
+        x += HeadingIndent(list);
     int wanted = QFontMetrics(list.CurrentView()->font()).horizontalAdvance(text) + 2 * kMargin;
-    int room = std::max({0, cell.right() - x - kMargin / 2, RoomBehind(list, column) - x - kMargin / 2});
+    int room = std::max(0, cell.right() - x - kMargin / 2);
     layout.label = QRect(x, cell.y(), std::min(wanted, room), cell.height());
     if (column > 0) // free to be aligned
         layout.label.setWidth(room);
@@ -113,12 +116,13 @@ CellLayout LayOutCell(const ListWidget& list, const QRect& cell, int row, int co
 
 int ContentsWidth(const ListWidget& list, int column) {
     const QFontMetrics metrics(list.CurrentView()->font());
+    const int rows = list.model->RowCount();
     int widest = 0;
-    for (int row = 0; row < list.model->RowCount(); ++row) {
-        const int left = LayOutCell(list, QRect(), row, column).label.x();
-        widest = std::max(widest, left + metrics.horizontalAdvance(list.model->Text(row, column)));
-    }
-    return widest + 2 * kMargin + kMargin / 2 + 1; // what LayOutCell leaves free around a text
+    for (int row = 0; row < rows; ++row)
+        widest = std::max(widest, metrics.horizontalAdvance(list.model->Text(row, column)));
+    const int left = rows ? LayOutCell(list, QRect(), 0, column).label.x() : 0;
+    const int wanted = left + widest + 2 * kMargin + kMargin / 2 + 1; // what LayOutCell leaves free
+    return std::max(wanted, list.details->header()->sectionSizeHint(column));
 }
 
 namespace {
@@ -128,8 +132,8 @@ bool ShownSelected(const ListWidget& list, int row) {
            (list.HasKeyboard() || (list.Style() & LVS_SHOWSELALWAYS));
 }
 
-const QColor& SelectionColour(const ListWidget& list) {
-    return list.HasKeyboard() ? look::kSelection : look::kIdleSelection;
+QColor SelectionColour(const ListWidget& list) {
+    return list.HasKeyboard() ? look::Selection() : look::IdleSelection();
 }
 
 bool WholeRows(const ListWidget& list) {
@@ -138,11 +142,25 @@ bool WholeRows(const ListWidget& list) {
 
 } // namespace
 
+namespace {
+
+// A picture may have the colours of the highlight, and is told from it by what it lies on.
+void PaintPlate(QPainter& painter, const ListWidget& list, const QRect& image) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(list.palette().color(QPalette::Base));
+    painter.drawRoundedRect(QRectF(image).adjusted(-1, -1, 1, 1), kMargin, kMargin);
+    painter.restore();
+}
+
+} // namespace
+
 void PaintRowBackground(const ListWidget& list, QPainter& painter, const QRect& rect, int row) {
     if (list.model->HasRow(row) && WholeRows(list) && ShownSelected(list, row))
         painter.fillRect(rect, SelectionColour(list));
     else if (row % 2)
-        painter.fillRect(rect, look::kAlternateRow);
+        painter.fillRect(rect, look::AlternateRow());
 }
 
 void PaintCell(const ListWidget& list, QPainter& painter, const QRect& cell, int row, int column) {
@@ -154,15 +172,18 @@ void PaintCell(const ListWidget& list, QPainter& painter, const QRect& cell, int
     if (highlighted && !WholeRows(list))
         painter.fillRect(layout.label, SelectionColour(list));
     if ((state & LVIS_FOCUSED) && list.HasKeyboard() && !highlighted && column == 0) {
-        painter.setPen(look::kSelection);
+        painter.setPen(look::Selection());
         painter.drawRect(layout.label.adjusted(0, 0, -1, -1));
     }
     if (!layout.check.isEmpty())
         PaintCheck(painter, list, layout.check, (state & LVIS_STATEIMAGEMASK) == 2u << 12);
+    if (!layout.image.isEmpty() && highlighted && WholeRows(list))
+        PaintPlate(painter, list, layout.image);
     if (!layout.image.isEmpty())
-        painter.drawImage(layout.image, ImageListImage(list.Images(), list.model->Row(row).image));
+        DrawPicture(painter, layout.image.topLeft(),
+                    ImageListImage(list.Images(), list.model->Row(row).image));
     QPalette::ColorGroup group = list.isEnabled() ? QPalette::Active : QPalette::Disabled;
-    painter.setPen(highlighted && list.HasKeyboard() ? look::kSelectionText
+    painter.setPen(highlighted && list.HasKeyboard() ? look::SelectionText()
                                                      : list.palette().color(group, QPalette::Text));
     bool right = column > 0 && list.model->HasColumn(column) &&
                  list.model->Columns()[static_cast<std::size_t>(column)].alignment == LVCFMT_RIGHT;

@@ -59,6 +59,11 @@ QModelIndex DetailsView::indexAt(const QPoint& point) const {
     return list.FullRow() || index.column() == 0 ? index : QModelIndex();
 }
 
+void DetailsView::doItemsLayout() {
+    list.ShareRoom();
+    QTreeView::doItemsLayout();
+}
+
 int DetailsView::sizeHintForColumn(int column) const {
     return ContentsWidth(list, column);
 }

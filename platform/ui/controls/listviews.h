@@ -12,6 +12,7 @@ class DetailsView : public QTreeView {
 public:
     explicit DetailsView(ListWidget& list);
     QModelIndex indexAt(const QPoint& point) const override;
+    void doItemsLayout() override;
     int sizeHintForColumn(int column) const override; // what a double tap on its divider makes it
 
 protected:

@@ -64,6 +64,7 @@ void ListWidget::ApplyStyle() {
     if (shown == details)
         hidden = icons;
     FinishLabelEdit(false);
+    needed.clear();
     auto mode =
         Style() & LVS_SINGLESEL ? QAbstractItemView::SingleSelection : QAbstractItemView::ExtendedSelection;
     for (QAbstractItemView* view : {shown, hidden}) {
@@ -83,13 +84,6 @@ void ListWidget::ApplyStyle() {
     if (int row = model->FocusedRow(); row >= 0 && !model->Detached())
         shown->scrollTo(model->index(row, 0));
     shown->viewport()->update();
-}
-
-void ListWidget::ApplyColumnWidths() {
-    const std::vector<ListColumn>& columns = model->Columns();
-    for (int column = 0; column < static_cast<int>(columns.size()); ++column)
-        details->header()->resizeSection(column,
-                                         std::max(1, columns[static_cast<std::size_t>(column)].width));
 }
 
 void ListWidget::ShowRows(int top) {
@@ -115,7 +109,7 @@ void ListWidget::SetRedraw(bool on) {
     bool detached = model->Detached();
     model->SetQuiet(false);
     if (detached) {
-        ApplyColumnWidths();
+        ShareRoom();
         ShowRows(pendingTop);
     }
     setUpdatesEnabled(true);
@@ -173,13 +167,14 @@ void ListWidget::PlaceViews() {
 void ListWidget::resizeEvent(QResizeEvent*) {
     FinishLabelEdit(false);
     PlaceViews();
+    ShareRoom();
 }
 
 void ListWidget::paintEvent(QPaintEvent*) {
     if (contentsRect() == rect())
         return;
     QPainter painter(this);
-    painter.setPen(look::kLine);
+    painter.setPen(look::Line());
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 

@@ -31,7 +31,11 @@ public:
     bool HasKeyboard() const; // the focus is here, in a view or in the label editor
     // After the window style, the extended style, an image list or the font has changed.
     void ApplyStyle();
+    // The widths that the program has set are wishes: see listcolumns.cpp.
     void ApplyColumnWidths();
+    void ShareRoom();
+    // The user has moved a divider: from then on the columns stay as they were left.
+    void TakeColumnWidth(int column, int width);
     // Brings the views in step after the model was reset: selection, focus, scrolling to that top row.
     void ShowRows(int top);
     void SetRedraw(bool on);
@@ -86,6 +90,13 @@ private:
     void MirrorAll();
     void PlaceViews();
 
+    const std::vector<int>& NeededWidths();
+
+    std::vector<int> needed; // of columns, for the contents of that number
+    unsigned neededFor = 0;
+    bool widthsChosen = false; // by the user
+    bool sharing = false;
+
     bool mirroring = false; // the selection model is following the rows, not the other way round
     bool takeQueued = false;
     QPointer<QLineEdit> editor;
@@ -102,7 +113,7 @@ struct CellLayout {
     QRect label; // as wide as the text
 };
 CellLayout LayOutCell(const ListWidget& list, const QRect& cell, int row, int column);
-// The width in which the column shortens no text, over all rows.
+// The width in which the column shortens no text, over all rows and in the header.
 int ContentsWidth(const ListWidget& list, int column);
 // The details view's stripes and whole-row selection; it comes before the row's cells.
 void PaintRowBackground(const ListWidget& list, QPainter& painter, const QRect& rect, int row);

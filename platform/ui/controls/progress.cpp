@@ -26,13 +26,13 @@ public:
 protected:
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
-        painter.fillRect(rect(), look::kTrough);
+        painter.fillRect(rect(), look::Trough());
         // In 64 bits: the range may be that of a 32-bit number.
         qint64 span = static_cast<qint64>(maximum()) - minimum();
         qint64 done = static_cast<qint64>(value()) - minimum();
         int filled = span > 0 ? static_cast<int>(width() * done / span) : 0;
-        painter.fillRect(0, 0, filled, height(), look::kSelection);
-        painter.setPen(look::kLine);
+        painter.fillRect(0, 0, filled, height(), look::Selection());
+        painter.setPen(look::Line());
         painter.drawRect(rect().adjusted(0, 0, -1, -1));
     }
 };

@@ -10,10 +10,12 @@
 #include <QKeyEvent>
 #include <QLocale>
 #include <QStyle>
+#include <QStyleOptionHeader>
 
 #include "platform/base/paths.h"
 #include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/drawing/gdiobjects.h"
+#include "platform/ui/drawing/look.h"
 #include "platform/ui/screen/screen.h"
 
 namespace ui {
@@ -46,6 +48,31 @@ QString DateText(const QDateTime& date) {
     return QLocale().toString(date, QLocale::ShortFormat);
 }
 
+// As the lists of the program have it.
+QString SizeText(qint64 bytes) {
+    return QString::asprintf("%lld.%02lldKB", bytes / 1024, bytes % 1024 * 100 / 1024);
+}
+
+// Its arrow points up where rows ascend, as everywhere on the device, and headings stand as their values do.
+class FilesHeader : public QHeaderView {
+public:
+    explicit FilesHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {
+        setSectionsClickable(true);
+        setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    }
+
+protected:
+    void initStyleOptionForIndex(QStyleOptionHeader* option, int section) const override {
+        QHeaderView::initStyleOptionForIndex(option, section);
+        if (option->sortIndicator != QStyleOptionHeader::None)
+            option->sortIndicator = option->sortIndicator == QStyleOptionHeader::SortUp
+                                        ? QStyleOptionHeader::SortDown
+                                        : QStyleOptionHeader::SortUp;
+        if (section == kSizeColumn || section == kDateColumn)
+            option->textAlignment = Qt::AlignRight | Qt::AlignVCenter;
+    }
+};
+
 // Rows high enough for a stylus; pictures that do not depend on the host's theme.
 class FileModel : public QFileSystemModel {
 public:
@@ -57,6 +84,10 @@ public:
             return isDir(index) ? folderIcon : fileIcon;
         if (role == Qt::DisplayRole && index.column() == kDateColumn)
             return DateText(lastModified(index));
+        if (role == Qt::DisplayRole && index.column() == kSizeColumn)
+            return isDir(index) ? QString() : SizeText(size(index));
+        if (role == Qt::TextAlignmentRole && index.column() == kDateColumn)
+            return int(Qt::AlignRight | Qt::AlignVCenter);
         return QFileSystemModel::data(index, role);
     }
 
@@ -126,6 +157,7 @@ void PickerWidget::MakeFiles() {
     files = new QTreeView(this);
     files->setObjectName(QStringLiteral("pickerFiles"));
     files->setAccessibleName(tr("Files"));
+    files->setHeader(new FilesHeader(files));
     files->setModel(model);
     files->setRootIsDecorated(false);
     files->setItemsExpandable(false);
@@ -158,9 +190,7 @@ QWidget* PickerWidget::MakeNameRows() {
     problemLabel->setObjectName(QStringLiteral("pickerProblem"));
     problemLabel->setTextFormat(Qt::PlainText);
     problemLabel->setWordWrap(true);
-    QPalette warning = problemLabel->palette();
-    warning.setColor(QPalette::WindowText, QColor(0xb0, 0x20, 0x20));
-    problemLabel->setPalette(warning);
+    look::Recolour(problemLabel, QPalette::WindowText, look::Warning);
     problemLabel->hide();
     filterBox = new QComboBox(rows);
     filterBox->setAccessibleName(tr("Type"));
@@ -314,9 +344,9 @@ void PickerWidget::FitColumns() {
     const bool room = width() >= Scaled(kRoomForColumns);
     files->setColumnHidden(kSizeColumn, !room);
     files->setColumnHidden(kDateColumn, !room);
-    const int margin = Scaled(3 * kPickerMargin);
+    const int margin = Scaled(4 * kPickerMargin);
     const QDateTime longDate(QDate(2022, 12, 28), QTime(22, 58, 58));
-    files->setColumnWidth(kSizeColumn, fontMetrics().horizontalAdvance(tr("999.99 MiB")) + margin);
+    files->setColumnWidth(kSizeColumn, fontMetrics().horizontalAdvance(SizeText(1 << 30)) + margin);
     files->setColumnWidth(kDateColumn, fontMetrics().horizontalAdvance(DateText(longDate)) + margin);
 }
 

@@ -15,7 +15,7 @@ struct CursorObject {
 };
 
 struct IconObject {
-    QImage image;
+    std::vector<QImage> pictures; // of all sizes
 };
 
 namespace ui {
@@ -34,8 +34,6 @@ constexpr int kGroupEntry = 14;
 
 struct PictureEntry {
     const uchar* bytes; // as in the group: width, height, colours, 0, planes, bits, size, id
-    int Width() const { return bytes[0] ? bytes[0] : 256; }
-    int BitsPerPixel() const { return qFromLittleEndian<quint16>(bytes + 6); }
     WORD Id() const { return qFromLittleEndian<quint16>(bytes + 12); }
 };
 
@@ -53,15 +51,8 @@ QImage DecodePicture(const PictureEntry& entry, HRSRC picture) {
     return QImage::fromData(file, "ICO");
 }
 
-// Nearest in size, then the one with the most colours.
-bool FitsBetter(const PictureEntry& candidate, const PictureEntry& best, int width) {
-    const int candidateOff = std::abs(candidate.Width() - width);
-    const int bestOff = std::abs(best.Width() - width);
-    return candidateOff < bestOff ||
-           (candidateOff == bestOff && candidate.BitsPerPixel() > best.BitsPerPixel());
-}
-
-HICON LoadIconOfSize(const WCHAR* name, int width) {
+// The host takes the picture that fits a place, so the icon has all of them, whatever size was asked for.
+HICON LoadIconWhole(const WCHAR* name) {
     const HRSRC group = FindResourceW(nullptr, name, kIconGroup);
     const DWORD size = group ? SizeofResource(nullptr, group) : 0;
     if (size < kGroupHeader + kGroupEntry)
@@ -69,17 +60,13 @@ HICON LoadIconOfSize(const WCHAR* name, int width) {
     const auto* bytes = static_cast<const uchar*>(LoadResource(nullptr, group));
     const int count = std::min<int>(qFromLittleEndian<quint16>(bytes + 4),
                                     static_cast<int>(size - kGroupHeader) / kGroupEntry);
-    PictureEntry best{bytes + kGroupHeader};
-    for (int i = 1; i < count; ++i) {
-        const PictureEntry candidate{bytes + kGroupHeader + i * kGroupEntry};
-        if (FitsBetter(candidate, best, width))
-            best = candidate;
+    auto icon = std::make_unique<IconObject>();
+    for (int i = 0; i < count; ++i) {
+        const PictureEntry entry{bytes + kGroupHeader + i * kGroupEntry};
+        if (const HRSRC picture = FindResourceW(nullptr, MAKEINTRESOURCEW(entry.Id()), kIconPicture))
+            icon->pictures.push_back(DecodePicture(entry, picture));
     }
-    const HRSRC picture = FindResourceW(nullptr, MAKEINTRESOURCEW(best.Id()), kIconPicture);
-    if (!picture)
-        return nullptr;
-    auto icon = std::make_unique<IconObject>(IconObject{DecodePicture(best, picture)});
-    if (icon->image.isNull())
+    if (icon->pictures.empty())
         return nullptr;
     // Icons are a handful, and live as long as the program.
     static auto* icons = new std::vector<std::unique_ptr<IconObject>>;
@@ -97,7 +84,11 @@ void ShowCursorOnHost() {
 }
 
 QIcon HostIcon(HICON icon) {
-    return icon ? QIcon(QPixmap::fromImage(icon->image)) : QIcon();
+    QIcon shown;
+    if (icon)
+        for (const QImage& picture : icon->pictures)
+            shown.addPixmap(QPixmap::fromImage(picture));
+    return shown;
 }
 
 } // namespace ui
@@ -116,6 +107,6 @@ HCURSOR SetCursor(HCURSOR cursor) {
     return previous;
 }
 
-HICON LoadImageW(HINSTANCE, const WCHAR* name, UINT type, int width, int height, UINT) {
-    return type == IMAGE_ICON ? LoadIconOfSize(name, std::max(width, height)) : nullptr;
+HICON LoadImageW(HINSTANCE, const WCHAR* name, UINT type, int, int, UINT) {
+    return type == IMAGE_ICON ? LoadIconWhole(name) : nullptr;
 }

@@ -1,7 +1,5 @@
 #include "platform/ui/drawing/devicecontext.h"
 
-#include <QGuiApplication>
-#include <QScreen>
 #include <memory>
 #include <unordered_map>
 
@@ -119,9 +117,7 @@ BOOL DeleteDC(HDC dc) {
 }
 
 int GetDeviceCaps(HDC dc, int index) {
-    if (!LiveContext(dc) || index != LOGPIXELSX)
-        return 0;
-    return qRound(QGuiApplication::primaryScreen()->logicalDotsPerInchX());
+    return LiveContext(dc) && index == LOGPIXELSX ? PictureDensity() : 0;
 }
 
 int SaveDC(HDC dc) {

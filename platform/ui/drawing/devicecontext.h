@@ -44,6 +44,8 @@ class DrawingSurface {
 public:
     explicit DrawingSurface(DeviceContext& context);
     explicit operator bool() const { return painter != nullptr; }
+    // A bitmap keeps the very colours that are drawn on it.
+    QColor Colour(COLORREF colour) const { return own ? ColourOf(colour) : DisplayColour(colour); }
     QPainter* operator->() const { return painter; }
 
 private:

@@ -1,9 +1,11 @@
 // Drawing and measuring on a device context.
+#include <QApplication>
 #include <QFontMetrics>
 #include <QPainter>
 #include <QString>
 
 #include "platform/ui/drawing/devicecontext.h"
+#include "platform/ui/drawing/look.h"
 
 namespace ui {
 
@@ -74,20 +76,20 @@ COLORREF GetBkColor(HDC dc) {
 COLORREF GetPixel(HDC dc, int x, int y) {
     const DeviceContext* const context = LiveContext(dc);
     const QImage* const image = context ? SelectedImage(*context) : nullptr;
-    if (!image || !image->valid(x, y))
+    if (!image || !QRect(QPoint(0, 0), PictureSize(*image)).contains(x, y))
         return CLR_INVALID;
-    const QRgb pixel = image->pixel(x, y);
+    const QRgb pixel = image->pixel(QPoint(x, y) * image->devicePixelRatio());
     return RGB(static_cast<BYTE>(qRed(pixel)), static_cast<BYTE>(qGreen(pixel)),
                static_cast<BYTE>(qBlue(pixel)));
 }
 
 int FillRect(HDC dc, const RECT* rect, HBRUSH brush) {
     DeviceContext* const context = LiveContext(dc);
-    const QColor colour = BrushColour(brush);
-    if (!context || !rect || !colour.isValid())
+    const COLORREF colour = BrushColour(brush);
+    if (!context || !rect || colour == CLR_INVALID)
         return 0;
     if (DrawingSurface surface(*context); surface)
-        surface->fillRect(RectOf(*rect), colour);
+        surface->fillRect(RectOf(*rect), surface.Colour(colour));
     return 1;
 }
 
@@ -107,7 +109,7 @@ BOOL LineTo(HDC dc, int x, int y) {
         return FALSE;
     const QPoint from = std::exchange(context->state.position, QPoint(x, y));
     if (DrawingSurface surface(*context); surface) {
-        surface->setPen(Qt::black);
+        surface->setPen(surface.Colour(RGB(0, 0, 0)));
         surface->drawLine(from, context->state.position);
     }
     return TRUE;
@@ -119,9 +121,11 @@ BOOL BitBlt(HDC to, int x, int y, int width, int height, HDC from, int fromX, in
     const QImage* const image = source ? SelectedImage(*source) : nullptr;
     if (!target || !image || operation != SRCCOPY)
         return FALSE;
-    const QImage copy = *image; // the target may be the same bitmap
+    const qreal ratio = image->devicePixelRatio();
+    const QRectF part(fromX * ratio, fromY * ratio, width * ratio, height * ratio);
+    const QImage copy = image->copy(part.toRect()); // the target may be the same bitmap
     if (DrawingSurface surface(*target); surface)
-        surface->drawImage(QPoint(x, y), copy, QRect(fromX, fromY, width, height));
+        DrawPicture(*surface.operator->(), QPoint(x, y), copy);
     return TRUE;
 }
 
@@ -148,9 +152,14 @@ int DrawTextW(HDC dc, const WCHAR* text, int length, RECT* rect, UINT format) {
         surface->setFont(font);
         if (context->state.backMode == OPAQUE)
             surface->fillRect(surface->boundingRect(bounds, flags, shown) & bounds,
-                              ColourOf(context->state.backColour));
-        surface->setPen(ColourOf(context->state.textColour));
-        surface->drawText(bounds, flags, shown);
+                              surface.Colour(context->state.backColour));
+        const QColor paper = QApplication::palette().color(QPalette::Window);
+        surface->setPen(look::Readable(surface.Colour(context->state.textColour), paper));
+        // Cut visibly, where the handheld stopped in the middle of a letter.
+        const bool cut =
+            format & DT_SINGLELINE && QFontMetrics(font).horizontalAdvance(shown) > bounds.width();
+        surface->drawText(bounds, flags,
+                          cut ? QFontMetrics(font).elidedText(shown, Qt::ElideRight, bounds.width()) : shown);
         surface->restore();
     }
     return QFontMetrics(font).boundingRect(RectOf(*rect), flags, shown).height();

@@ -1,10 +1,13 @@
 #include "platform/ui/drawing/gdiobjects.h"
 
 #include <QApplication>
+#include <QPalette>
 #include <algorithm>
 #include <cstring>
 #include <memory>
 #include <unordered_map>
+
+#include "platform/ui/drawing/look.h"
 
 namespace ui {
 
@@ -50,6 +53,21 @@ QColor ColourOf(COLORREF colour) {
                   static_cast<int>(colour >> 16 & 0xFF));
 }
 
+QColor DisplayColour(COLORREF colour) {
+    const QPalette palette = QApplication::palette();
+    switch (colour) {
+    case RGB(0, 0, 0):
+        return palette.color(QPalette::WindowText);
+    case RGB(255, 255, 255):
+        return palette.color(QPalette::Base);
+    case kHeaderFace:
+        return look::Header();
+    case kHeaderPressedFace:
+        return look::HeaderPressed();
+    }
+    return ColourOf(colour);
+}
+
 QFont FontOf(HFONT font) {
     const auto* const object = LiveGdiObjectAs<FontObject>(font);
     const LOGFONTW description = object ? object->description : SystemFontDescription();
@@ -69,9 +87,9 @@ QFont FontOf(HFONT font) {
     return made;
 }
 
-QColor BrushColour(HBRUSH brush) {
+COLORREF BrushColour(HBRUSH brush) {
     const auto* const object = LiveGdiObjectAs<BrushObject>(brush);
-    return object ? ColourOf(object->colour) : QColor();
+    return object ? object->colour : CLR_INVALID;
 }
 
 } // namespace ui
@@ -101,7 +119,7 @@ int GetObjectW(HGDIOBJ object, int bytes, void* out) {
     if (const auto* const font = LiveGdiObjectAs<FontObject>(object))
         return give(font->description);
     if (const auto* const bitmap = LiveGdiObjectAs<BitmapObject>(object))
-        return give(BITMAP{0, bitmap->image.width(), bitmap->image.height()});
+        return give(BITMAP{0, PictureSize(bitmap->image).width(), PictureSize(bitmap->image).height()});
     return 0;
 }
 

@@ -1,8 +1,12 @@
 // Bitmaps and image lists from the program's resources.
+#include <QGuiApplication>
+#include <QPainter>
+#include <QScreen>
 #include <QtEndian>
 #include <limits>
 
 #include "platform/resources.h"
+#include "platform/ui/core/windowsystem.h"
 #include "platform/ui/drawing/devicecontext.h"
 #include "platform/ui/drawing/gdiobjects.h"
 
@@ -15,6 +19,11 @@ constexpr qsizetype kFileHeaderSize = 14;
 constexpr qsizetype kInfoHeaderSize = 40;
 constexpr quint32 kMostColours = 256;
 
+// Dots to the inch: of the two sets of pictures, and up to where the coarse one is taken.
+constexpr int kCoarse = 96;
+constexpr int kFine = 192;
+constexpr qreal kCoarseUpTo = 110;
+
 // Where the pixels begin: after the info header and its colour table.
 quint32 PixelOffset(const uchar* info) {
     const quint32 headerSize = qFromLittleEndian<quint32>(info);
@@ -25,6 +34,21 @@ quint32 PixelOffset(const uchar* info) {
     return kFileHeaderSize + headerSize + std::min(colours, kMostColours) * 4;
 }
 
+// Of the most dense display, since a window may be moved there.
+qreal DotsPerInch() {
+    qreal most = kCoarse;
+    for (const QScreen* screen : QGuiApplication::screens())
+        most = std::max(most, screen->logicalDotsPerInchX() * screen->devicePixelRatio());
+    return most;
+}
+
+// A picture's pixels to one of the window system's units.
+qreal PicturePixelRatio() {
+    if (PictureDensity() == kCoarse)
+        return std::max(1.0, QGuiApplication::primaryScreen()->devicePixelRatio());
+    return kFine / QGuiApplication::primaryScreen()->logicalDotsPerInchX();
+}
+
 // Both sides at least one pixel, and no more pixels than the bytes can hold at one bit each.
 bool PlausibleSize(const uchar* info, qsizetype size) {
     const qint64 width = qFromLittleEndian<qint32>(info + 4);
@@ -33,6 +57,22 @@ bool PlausibleSize(const uchar* info, qsizetype size) {
 }
 
 } // namespace
+
+int PictureDensity() {
+    static const int density = (EnsureWindowSystem(), DotsPerInch() > kCoarseUpTo) ? kFine : kCoarse;
+    return density;
+}
+
+QSize PictureSize(const QImage& picture) {
+    return picture.deviceIndependentSize().toSize();
+}
+
+void DrawPicture(QPainter& painter, const QPoint& place, const QImage& picture) {
+    const bool smooth = painter.testRenderHint(QPainter::SmoothPixmapTransform);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(place, picture);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, smooth);
+}
 
 QImage LoadBitmapImage(const WCHAR* bitmap) {
     const HRSRC resource = FindResourceW(nullptr, bitmap, RT_BITMAP);
@@ -48,11 +88,13 @@ QImage LoadBitmapImage(const WCHAR* bitmap) {
     qToLittleEndian<quint32>(static_cast<quint32>(kFileHeaderSize + size), file.data() + 2);
     qToLittleEndian<quint32>(PixelOffset(info), file.data() + 10);
     file.append(reinterpret_cast<const char*>(info), size);
-    return QImage::fromData(file, "BMP").convertToFormat(QImage::Format_RGB32);
+    QImage image = QImage::fromData(file, "BMP").convertToFormat(QImage::Format_ARGB32);
+    image.setDevicePixelRatio(PicturePixelRatio());
+    return image;
 }
 
 std::vector<QImage> LoadImageStrip(const WCHAR* bitmap, int width, COLORREF mask) {
-    QImage strip = LoadBitmapImage(bitmap).convertToFormat(QImage::Format_ARGB32);
+    QImage strip = LoadBitmapImage(bitmap);
     if (strip.isNull() || width <= 0)
         return {};
     const QRgb transparent = ColourOf(mask).rgb();
@@ -99,7 +141,7 @@ HIMAGELIST ImageList_LoadImageW(HINSTANCE, const WCHAR* bitmap, int width, int, 
     if (images.empty())
         return nullptr;
     auto* const list = new ImageListObject;
-    list->size = images.front().size();
+    list->size = PictureSize(images.front());
     list->images = std::move(images);
     return AddGdiObject(list);
 }
@@ -119,6 +161,6 @@ BOOL ImageList_Draw(HIMAGELIST list, int index, HDC dc, int x, int y, UINT) {
     if (image.isNull() || !context)
         return FALSE;
     if (DrawingSurface surface(*context); surface)
-        surface->drawImage(x, y, image);
+        DrawPicture(*surface.operator->(), QPoint(x, y), image);
     return TRUE;
 }

@@ -1,17 +1,30 @@
-// The colours of everything that the platform draws itself.
+// The colours of everything that the platform draws itself, out of the desktop's palette as it is now.
 #pragma once
 
 #include <QColor>
+#include <QPalette>
+
+class QWidget;
 
 namespace ui::look {
 
-inline const QColor kSelection(0x2f, 0x6f, 0xb5);
-inline const QColor kSelectionText(Qt::white);
-inline const QColor kIdleSelection(0xd3, 0xe0, 0xee); // selected while the focus is elsewhere
-inline const QColor kAlternateRow(0xf5, 0xf8, 0xfc);
-inline const QColor kLine(0xc3, 0xcb, 0xd5);
-inline const QColor kHeader(0xe9, 0xee, 0xf4);
-inline const QColor kHeaderPressed(0xd5, 0xde, 0xe9);
-inline const QColor kTrough(0xe6, 0xea, 0xef);
+QColor Selection();
+QColor SelectionText();
+QColor IdleSelection(); // selected while the focus is elsewhere
+QColor AlternateRow();
+QColor Line();
+QColor Header();
+QColor HeaderPressed();
+QColor Trough();
+QColor Window();
+QColor Warning(); // on a window
+
+// `share` of the one over the other.
+QColor Blend(const QColor& over, const QColor& under, double share);
+// The colour itself when it can be read on that background, else one of its hue that can.
+QColor Readable(const QColor& wanted, const QColor& background);
+
+// Gives the widget, and what is inside, another colour in that role, also when the desktop's colours change.
+void Recolour(QWidget* widget, QPalette::ColorRole role, QColor (*colour)());
 
 } // namespace ui::look

@@ -11,6 +11,7 @@
 #include "platform/ui/core/testhooks.h"
 #include "platform/ui/core/windowobject.h"
 #include "platform/ui/drawing/gdiobjects.h"
+#include "platform/ui/drawing/look.h"
 #include "platform/ui/input/windowprocedures.h"
 #include "platform/ui/screen/screen.h"
 #include "platform/ui/screen/windows.h"
@@ -28,18 +29,12 @@ constexpr int kGroupGap = 9; // between the popups and the pictures
 constexpr int kCornerRadius = 4;
 constexpr double kDisabledOpacity = 0.3;
 
-QColor Blend(const QColor& over, const QColor& under, double share) {
-    const auto mix = [share](int first, int second) { return qRound(first * share + second * (1 - share)); };
-    return QColor(mix(over.red(), under.red()), mix(over.green(), under.green()),
-                  mix(over.blue(), under.blue()));
-}
-
 } // namespace
 
 QSize BarButton::sizeHint() const {
     const int height = Scaled(kBarButtonHeight);
     if (!IsPopup())
-        return QSize(std::max(Scaled(kPictureWidth), picture.width() + 4), height);
+        return QSize(std::max(Scaled(kPictureWidth), PictureSize(picture).width() + 4), height);
     const QSize shown = fontMetrics().size(Qt::TextShowMnemonic, text());
     return QSize(shown.width() + 2 * Scaled(kTextMargin), std::max(height, shown.height() + Scaled(8)));
 }
@@ -51,7 +46,7 @@ void BarButton::paintEvent(QPaintEvent*) {
     if (isEnabled() && (pressed || underMouse())) {
         const double share = pressed ? 0.30 : 0.14;
         painter.setBrush(
-            Blend(palette().color(QPalette::Highlight), palette().color(QPalette::Window), share));
+            look::Blend(palette().color(QPalette::Highlight), palette().color(QPalette::Window), share));
         painter.setPen(Qt::NoPen);
         const qreal radius = Scaled(kCornerRadius);
         painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), radius, radius);
@@ -62,7 +57,8 @@ void BarButton::paintEvent(QPaintEvent*) {
         painter.setPen(palette().color(QPalette::WindowText));
         painter.drawText(rect(), Qt::AlignCenter | Qt::TextShowMnemonic, text());
     } else {
-        painter.drawImage((width() - picture.width()) / 2, (height() - picture.height()) / 2, picture);
+        const QSize size = PictureSize(picture);
+        DrawPicture(painter, QPoint((width() - size.width()) / 2, (height() - size.height()) / 2), picture);
     }
 }
 
@@ -279,8 +275,7 @@ bool MenuBarWidget::event(QEvent* event) {
 void MenuBarWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.fillRect(rect(), palette().color(QPalette::Window));
-    const QColor line = Blend(palette().color(QPalette::WindowText), palette().color(QPalette::Window), 0.2);
-    painter.setPen(line);
+    painter.setPen(look::Line());
     painter.drawLine(0, height() - 1, width(), height() - 1);
     const BarButton* before = nullptr;
     for (const BarButton* const button : buttons) {

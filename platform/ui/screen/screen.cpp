@@ -136,7 +136,8 @@ QSize ScreenSize() {
 }
 
 int TitleBarHeight() {
-    return Scaled(kTitleBarHeight);
+    EnsureWindowSystem();
+    return std::max(Scaled(kTitleBarHeight), QFontMetrics(QApplication::font()).height() * 3 / 2);
 }
 
 int ScrollBarWidth() {

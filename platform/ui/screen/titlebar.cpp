@@ -5,6 +5,7 @@
 
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/core/windowsystem.h"
+#include "platform/ui/drawing/look.h"
 #include "platform/ui/screen/screen.h"
 #include "platform/ui/screen/windows.h"
 
@@ -17,6 +18,16 @@ constexpr int kTitleMargin = 6;
 constexpr int kTitleIconSize = 16;
 constexpr int kButtonInset = 3;
 constexpr int kOkWidth = 34;
+
+// White as a rule; the desktop's own where its highlight is a light colour.
+QColor BarText() {
+    return look::Readable(look::SelectionText(), look::Selection());
+}
+
+QColor Translucent(QColor colour, int alpha) {
+    colour.setAlpha(alpha);
+    return colour;
+}
 
 } // namespace
 
@@ -38,10 +49,10 @@ void TitleBarButton::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF outline = QRectF(rect()).adjusted(1, 1, -1, -1);
     const int fill = isDown() ? 120 : underMouse() ? 80 : 40;
-    painter.setPen(QPen(QColor(255, 255, 255, 200), 1.4));
-    painter.setBrush(QColor(255, 255, 255, fill));
+    painter.setPen(QPen(Translucent(BarText(), 200), 1.4));
+    painter.setBrush(Translucent(BarText(), fill));
     painter.drawRoundedRect(outline, outline.height() / 2, outline.height() / 2);
-    painter.setPen(QPen(Qt::white, 1.8, Qt::SolidLine, Qt::RoundCap));
+    painter.setPen(QPen(BarText(), 1.8, Qt::SolidLine, Qt::RoundCap));
     if (shown == TitleButton::Ok) {
         QFont bold = font();
         bold.setBold(true);
@@ -83,8 +94,9 @@ void TitleBar::resizeEvent(QResizeEvent*) {
 void TitleBar::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     QLinearGradient shade(0, 0, 0, height());
-    shade.setColorAt(0, QColor(0x2a, 0x52, 0x8f));
-    shade.setColorAt(1, QColor(0x17, 0x33, 0x62));
+    const bool lightText = BarText().lightness() > look::Selection().lightness();
+    shade.setColorAt(0, look::Selection().darker(lightText ? 130 : 100));
+    shade.setColorAt(1, look::Selection().darker(lightText ? 210 : 100));
     painter.fillRect(rect(), shade);
     QRect textRect = rect().adjusted(Scaled(kTitleMargin), 0, -Scaled(kTitleMargin), 0);
     if (!picture.isNull()) {
@@ -97,7 +109,7 @@ void TitleBar::paintEvent(QPaintEvent*) {
     QFont bold = font();
     bold.setBold(true);
     painter.setFont(bold);
-    painter.setPen(Qt::white);
+    painter.setPen(BarText());
     painter.drawText(textRect, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
                      painter.fontMetrics().elidedText(text, Qt::ElideRight, textRect.width()));
 }

@@ -25,8 +25,9 @@ protected:
         if (!object)
             return;
         QPainter painter(this);
-        const QColor background = BrushColour(object->windowClass->background);
-        painter.fillRect(event->rect(), background.isValid() ? background : palette().window().color());
+        const COLORREF background = BrushColour(object->windowClass->background);
+        painter.fillRect(event->rect(),
+                         background != CLR_INVALID ? DisplayColour(background) : palette().window().color());
         SetPaintTarget(window, &painter, event->rect());
         SendMessageW(window, WM_PAINT, 0, 0);
         SetPaintTarget(window, nullptr);

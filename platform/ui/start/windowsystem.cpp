@@ -12,7 +12,6 @@
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/dialogs/dialogcore.h"
 #include "platform/ui/drawing/cursors.h"
-#include "platform/ui/drawing/look.h"
 #include "platform/ui/input/inputtranslation.h"
 #include "platform/ui/menus/menus.h"
 #include "platform/ui/screen/screen.h"
@@ -22,21 +21,22 @@ namespace ui {
 
 namespace {
 
-constexpr double kFontSize = 9; // points
+constexpr double kFontSize = 9; // points, where the desktop names none
 
-QPalette LightPalette() {
+// For displays whose desktop says nothing of colours.
+QPalette OwnPalette() {
     QPalette palette(QColor(0xf3, 0xf5, 0xf8));
     palette.setColor(QPalette::Window, QColor(0xf3, 0xf5, 0xf8));
     palette.setColor(QPalette::WindowText, QColor(0x1c, 0x24, 0x30));
     palette.setColor(QPalette::Base, Qt::white);
-    palette.setColor(QPalette::AlternateBase, look::kAlternateRow);
+    palette.setColor(QPalette::AlternateBase, QColor(0xf5, 0xf8, 0xfc));
     palette.setColor(QPalette::Text, QColor(0x1c, 0x24, 0x30));
     palette.setColor(QPalette::Button, QColor(0xec, 0xf0, 0xf5));
     palette.setColor(QPalette::ButtonText, QColor(0x1c, 0x24, 0x30));
     palette.setColor(QPalette::ToolTipBase, QColor(0xff, 0xfd, 0xe8));
     palette.setColor(QPalette::ToolTipText, QColor(0x1c, 0x24, 0x30));
-    palette.setColor(QPalette::Highlight, look::kSelection);
-    palette.setColor(QPalette::HighlightedText, look::kSelectionText);
+    palette.setColor(QPalette::Highlight, QColor(0x2f, 0x6f, 0xb5));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
     palette.setColor(QPalette::PlaceholderText, QColor(0x79, 0x84, 0x93));
     for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, QColor(0x9a, 0xa3, 0xaf));
@@ -100,11 +100,15 @@ void StartHost() {
 }
 
 void DressHost() {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    QApplication::setPalette(LightPalette());
-    QFont font = QApplication::font();
-    font.setPointSizeF(kFontSize);
-    QApplication::setFont(font);
+    QStyle* const style = QStyleFactory::create(QStringLiteral("Fusion"));
+    QApplication::setStyle(style);
+    if (QApplication::palette() == style->standardPalette())
+        QApplication::setPalette(OwnPalette());
+    if (ShowsNothing(QGuiApplication::platformName().toLatin1())) {
+        QFont font = QApplication::font();
+        font.setPointSizeF(kFontSize);
+        QApplication::setFont(font);
+    }
     QApplication::setQuitOnLastWindowClosed(false);
 }
 

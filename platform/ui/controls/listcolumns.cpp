@@ -1,0 +1,102 @@
+// How a list's columns share its width. What the program has set is a wish: a column that needs less gives
+// way to those that need more, the names before all others, and the last one takes the room that is left.
+// Nobody gets less than was wished for and needed. Columns that the user has sized stay so.
+#include <QHeaderView>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <algorithm>
+#include <numeric>
+
+#include "platform/ui/controls/listviews.h"
+
+namespace ui {
+
+namespace {
+
+int SumOf(const std::vector<int>& widths) {
+    return std::accumulate(widths.begin(), widths.end(), 0);
+}
+
+// In the order in which what is spare is given out: the names if that makes them whole, then whoever lacks
+// least.
+std::vector<std::size_t> ByWant(const std::vector<int>& widths, const std::vector<int>& needed, int spare) {
+    std::vector<std::size_t> order(widths.size());
+    std::iota(order.begin(), order.end(), 0);
+    const auto want = [&](std::size_t column) {
+        const int lacks = needed[column] - widths[column];
+        return column == 0 && lacks <= spare ? -1 : lacks;
+    };
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t one, std::size_t other) { return want(one) < want(other); });
+    return order;
+}
+
+// In a list narrower than what was wished for at first, the wishes shrink along.
+std::vector<int> Shared(std::vector<int> wishes, const std::vector<int>& needed, int room) {
+    if (const int all = SumOf(wishes); all > room)
+        for (int& wish : wishes)
+            wish = wish * room / all;
+    std::vector<int> widths(wishes.size());
+    std::transform(wishes.begin(), wishes.end(), needed.begin(), widths.begin(),
+                   [](int wish, int need) { return std::min(wish, need); });
+    int spare = std::max(0, room - SumOf(widths));
+    const auto give = [&](std::size_t column, int upTo) {
+        const int given = std::clamp(upTo - widths[column], 0, spare);
+        widths[column] += given;
+        spare -= given;
+    };
+    for (const std::size_t column : ByWant(widths, needed, spare))
+        give(column, needed[column]);
+    for (std::size_t column = 0; column < widths.size(); ++column)
+        give(column, wishes[column]);
+    return widths;
+}
+
+} // namespace
+
+const std::vector<int>& ListWidget::NeededWidths() {
+    const std::size_t count = model->Columns().size();
+    if (neededFor != model->contents || needed.size() != count) {
+        neededFor = model->contents;
+        needed.resize(count);
+        for (std::size_t column = 0; column < count; ++column)
+            needed[column] = ContentsWidth(*this, static_cast<int>(column));
+    }
+    return needed;
+}
+
+void ListWidget::ShareRoom() {
+    if (View() != LVS_REPORT || sharing || model->Columns().empty())
+        return;
+    const QScopedValueRollback guard(sharing, true);
+    std::vector<int> widths;
+    for (const ListColumn& column : model->Columns())
+        widths.push_back(std::max(1, column.width));
+    // The scroll bar may be about to come.
+    const bool scrolls = !model->Detached() && model->RowCount() > RowsPerPage();
+    const int room =
+        contentsRect().width() - (scrolls ? details->verticalScrollBar()->sizeHint().width() : 0);
+    if (!widthsChosen)
+        widths = Shared(widths, NeededWidths(), room);
+    widths.back() += std::max(0, room - SumOf(widths));
+    for (std::size_t column = 0; column < widths.size(); ++column)
+        details->header()->resizeSection(static_cast<int>(column), widths[column]);
+}
+
+void ListWidget::ApplyColumnWidths() {
+    widthsChosen = false;
+    ShareRoom();
+}
+
+void ListWidget::TakeColumnWidth(int column, int width) {
+    if (sharing || !model->HasColumn(column))
+        return;
+    if (!widthsChosen)
+        for (int each = 0; model->HasColumn(each); ++each)
+            model->Column(each).width = details->header()->sectionSize(each);
+    widthsChosen = true;
+    model->Column(column).width = width;
+    ShareRoom();
+}
+
+} // namespace ui
