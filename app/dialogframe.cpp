@@ -68,6 +68,8 @@ bool PaintDialogFrame(HWND dialog) {
     const LONG captionHeight = GetSystemMetrics(SM_CYCAPTION);
     rect.left = LOWORD(static_cast<DWORD>(GetDialogBaseUnits())) * 5 / 4; // five dialog units
     rect.bottom = captionHeight;
+    if (GetDlgItem(dialog, IDC_FRAME_HELP))
+        rect.right -= FrameBitmapSize().cx + kButtonRightMargin;
 
     SetTextColor(dc, kHeaderColour);
     SetBkMode(dc, TRANSPARENT);

@@ -125,6 +125,11 @@ LONG_PTR RunDialog(UINT portraitId, UINT landscapeId, HWND owner, DLGPROC proced
     return RunDialog(LandscapeLayout() ? landscapeId : portraitId, owner, procedure, param);
 }
 
+void FollowScreenLayout(HWND dialog, WPARAM what, UINT portraitId, UINT landscapeId) {
+    if (what == kOrientationChanged)
+        RelayoutDialog(dialog, FindDialogTemplate(LandscapeLayout() ? landscapeId : portraitId));
+}
+
 WaitCursor::WaitCursor() {
     SetCursor(LoadCursorW(nullptr, IDC_WAIT));
 }

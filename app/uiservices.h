@@ -51,6 +51,9 @@ bool LandscapeLayout();
 // layout.
 LONG_PTR RunDialog(UINT templateId, HWND owner, DLGPROC procedure, LPARAM param);
 LONG_PTR RunDialog(UINT portraitId, UINT landscapeId, HWND owner, DLGPROC procedure, LPARAM param);
+// For WM_SETTINGCHANGE in a dialog of two layouts: takes the other one when the screen has been turned.
+constexpr WPARAM kOrientationChanged = 0x3002;
+void FollowScreenLayout(HWND dialog, WPARAM what, UINT portraitId, UINT landscapeId);
 // Null when the resource is absent.
 const DLGTEMPLATE* FindDialogTemplate(UINT id);
 

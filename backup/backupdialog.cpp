@@ -84,6 +84,9 @@ LONG_PTR BackupOptionsProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM
         SetDialogState(dialog, lParam);
         InitBackupOptions(dialog, *DialogState<BackupEngine>(dialog));
         return TRUE;
+    case WM_SETTINGCHANGE:
+        FollowScreenLayout(dialog, wParam, IDD_BACKUP_OPTIONS, IDD_BACKUP_OPTIONS_LANDSCAPE);
+        return TRUE;
     case WM_COMMAND:
         OnBackupOptionsCommand(dialog, LOWORD(wParam));
         return TRUE;

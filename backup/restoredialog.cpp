@@ -136,6 +136,9 @@ LONG_PTR RestoreListProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM l
         if (!InitRestoreList(dialog, DialogState<RestoreList>(dialog)->engine))
             EndDialog(dialog, kUnreadable);
         return TRUE;
+    case WM_SETTINGCHANGE:
+        FollowScreenLayout(dialog, wParam, IDD_SELECTION_LIST, IDD_SELECTION_LIST_LANDSCAPE);
+        return TRUE;
     case WM_COMMAND:
         OnRestoreListCommand(dialog, LOWORD(wParam));
         return TRUE;

@@ -17,6 +17,10 @@ LONG_PTR DialogBoxIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialogTe
 // Modeless; null when it cannot be made. Destroyed by DestroyWindow.
 HWND CreateDialogIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialogTemplate, HWND owner,
                                 DLGPROC procedure, LPARAM param);
+// An open dialog takes the places that its controls have in another template with the same controls in the
+// same order, as after the screen has been turned. False, and nothing changes, when the controls are not the
+// same.
+BOOL RelayoutDialog(HWND dialog, const DLGTEMPLATE* dialogTemplate);
 BOOL EndDialog(HWND dialog, LONG_PTR result);
 // Handles Tab, arrows in radio groups, Enter (default button), Escape (IDCANCEL) and mnemonics; dispatches
 // what is for the dialog or its children. False: not for this dialog.

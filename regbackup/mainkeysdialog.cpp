@@ -103,6 +103,9 @@ LONG_PTR MainKeysProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
         SetDialogState(dialog, lParam);
         InitMainKeys(dialog, *DialogState<RegistryBackup>(dialog));
         return TRUE;
+    case WM_SETTINGCHANGE:
+        FollowScreenLayout(dialog, wParam, IDD_MAIN_KEYS, IDD_MAIN_KEYS_LANDSCAPE);
+        return TRUE;
     case WM_COMMAND:
         HandleOkCancel(dialog, LOWORD(wParam), AcceptMainKeys);
         return TRUE;

@@ -56,6 +56,9 @@ bool OnMessage(RecordViewer* viewer, HWND dialog, UINT message, WPARAM wParam, L
     case DB_CEOID_RECORD_DELETED:
         viewer->OnStoreChange(static_cast<CEOID>(lParam));
         return true;
+    case WM_SETTINGCHANGE:
+        FollowScreenLayout(dialog, wParam, IDD_VIEWER, IDD_VIEWER_LANDSCAPE);
+        return true;
     case WM_DESTROY:
         KillTimer(dialog, kReloadTimer);
         return true;

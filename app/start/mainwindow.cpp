@@ -16,8 +16,7 @@ constexpr int kExtraBytes = 8; // of the class, and of a window; the window's ho
 constexpr int kClassIconSize = 8;
 constexpr int kSmallIconSize = 16;
 constexpr int kHighResolution = 150; // pixels an inch, above which the larger pictures are used
-constexpr WPARAM kOrientationChanged = 0x3002;
-constexpr UINT kShellQuery = 1023; // answered with 0
+constexpr UINT kShellQuery = 1023;   // answered with 0
 
 HICON MainIcon(int size) {
     return LoadImageW(AppInstance(), MAKEINTRESOURCEW(IDI_MAIN), IMAGE_ICON, size, size, 0);

@@ -117,7 +117,12 @@ QWidget* MakeButton(WindowObject& window, QWidget* parent) {
 }
 
 void ShowText(HWND window) {
-    if (QAbstractButton* button = WidgetOf<QAbstractButton>(window))
+    QAbstractButton* button = WidgetOf<QAbstractButton>(window);
+    if (button && button->isCheckable()) {
+        // The host's own know one line only.
+        button->setText(BrokenToFit(button, window->text, button->width()));
+        button->setAccessibleName(WithoutMnemonic(window->text));
+    } else if (button)
         button->setText(window->text);
     else if (QGroupBox* box = WidgetOf<QGroupBox>(window))
         box->setTitle(window->text);
@@ -150,7 +155,7 @@ LRESULT ButtonProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
         return 0;
     }
     LRESULT result = DefaultControlProcedure(window, message, wParam, lParam);
-    if (message == WM_SETTEXT && LiveWindow(window))
+    if ((message == WM_SETTEXT || message == WM_SIZE || message == WM_SETFONT) && LiveWindow(window))
         ShowText(window);
     return result;
 }

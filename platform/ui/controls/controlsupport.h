@@ -1,6 +1,7 @@
 // What the built-in controls share: what they answer the dialog manager, their labels, their own input.
 #pragma once
 
+#include <QFontMetrics>
 #include <QString>
 #include <QWidget>
 
@@ -34,6 +35,14 @@ QString WithoutMnemonic(const QString& text);
 void NameAfterLabel(const WindowObject& window, QWidget* widget);
 // Events of this widget and of everything below it go straight to it and never become messages.
 void TakeOwnInput(QWidget* widget);
+
+// What a control can do with: the least width, and the height that its text takes in a width (0 for any).
+int LeastWidth(const WindowObject& control);
+int HeightAt(const WindowObject& control, int width);
+// The text with places to break in the words that are wider than that; they show nothing.
+QString BreakableIn(const QFontMetrics& metrics, const QString& text, int width);
+// The text of a check box or radio button, broken into the lines that such a width asks for.
+QString BrokenToFit(const QWidget* button, const QString& text, int width);
 
 // The edit of a row's label that is going on, if any, ends with its new text, as a tap beside it makes it.
 // For what a user chooses without moving the focus: menus, the buttons of the bars.

@@ -1,16 +1,12 @@
 // The static text: wraps, marks its mnemonic, and lets input through to what is behind it.
 #include <QLabel>
 #include <QPainter>
-#include <QTextOption>
-#include <algorithm>
 
 #include "platform/ui/controls/controlsupport.h"
 
 namespace ui {
 
 namespace {
-
-constexpr QChar kEllipsis(0x2026);
 
 class StaticText : public QLabel {
 public:
@@ -34,33 +30,27 @@ public:
 protected:
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
-        const Qt::Alignment alignment =
-            Qt::AlignTop | (style & SS_CENTER ? Qt::AlignHCenter : Qt::AlignLeft);
+        int flags = Qt::AlignTop | Qt::TextWordWrap | Qt::TextExpandTabs;
+        flags |= style & SS_CENTER ? Qt::AlignHCenter : Qt::AlignLeft;
+        if (!(style & SS_NOPREFIX))
+            flags |= Qt::TextShowMnemonic;
         painter.setPen(
             palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::WindowText));
-        if (style & SS_NOPREFIX)
-            PaintAsItIs(painter, alignment);
-        else
-            painter.drawText(rect(), alignment | Qt::TextWordWrap | Qt::TextExpandTabs | Qt::TextShowMnemonic,
-                             shown);
+        painter.drawText(rect(), flags, FirstThatFit(flags));
     }
 
 private:
-    // Names and paths may have no place to wrap at, and more lines than there is room for.
-    void PaintAsItIs(QPainter& painter, Qt::Alignment alignment) {
-        QTextOption option(alignment);
-        option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-        const QRectF room(0, 0, width(), std::max(height(), fontMetrics().height()));
-        const auto fits = [&](const QString& text) {
-            return painter.boundingRect(room, text, option).height() <= room.height();
+    // All of it, or what fits in the height with an ellipsis.
+    QString FirstThatFit(int flags) const {
+        const QFontMetrics metrics(font());
+        const QString whole = BreakableIn(metrics, shown, width());
+        QString text = whole;
+        const auto fits = [&](const QString& part) {
+            return metrics.boundingRect(rect(), flags, part).height() <= std::max(height(), metrics.height());
         };
-        qsizetype least = 0;
-        for (qsizetype most = fits(shown) ? 0 : shown.size(); least < most;) {
-            const qsizetype middle = (least + most + 1) / 2;
-            const bool enough = fits(shown.left(middle) + kEllipsis);
-            (enough ? least : most) = enough ? middle : middle - 1;
-        }
-        painter.drawText(room, least ? shown.left(least) + kEllipsis : shown, option);
+        while (!text.isEmpty() && !fits(text == whole ? text : text + QChar(0x2026)))
+            text.chop(1);
+        return text == whole ? text : text + QChar(0x2026);
     }
 
     QString shown;

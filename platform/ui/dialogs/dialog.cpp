@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QFontMetrics>
+#include <algorithm>
 #include <map>
 
 #include "platform/base/outofmemory.h"
@@ -52,15 +53,23 @@ int FromUnits(int units, int base, int unitsPerBase) {
     return (units * base + unitsPerBase / 2) / unitsPerBase;
 }
 
+QRect PlaceOf(const TemplateItem& item, const QSize& base) {
+    const int left = FromUnits(item.x, base.width(), 4);
+    const int top = FromUnits(item.y, base.height(), 8);
+    return QRect(left, top, FromUnits(item.x + item.width, base.width(), 4) - left,
+                 FromUnits(item.y + item.height, base.height(), 8) - top);
+}
+
+QSize SizeOf(const ParsedTemplate& parsed, const QSize& base) {
+    return QSize(FromUnits(parsed.width, base.width(), 4), FromUnits(parsed.height, base.height(), 8));
+}
+
 void MakeControls(HWND dialog, const ParsedTemplate& parsed, HINSTANCE instance, const QSize& base) {
     for (const TemplateItem& item : parsed.items) {
-        const int left = FromUnits(item.x, base.width(), 4);
-        const int top = FromUnits(item.y, base.height(), 8);
-        const HWND control =
-            CreateWindowExW(item.exStyle, item.className.c_str(), item.text.c_str(), item.style | WS_CHILD,
-                            left, top, FromUnits(item.x + item.width, base.width(), 4) - left,
-                            FromUnits(item.y + item.height, base.height(), 8) - top, dialog, ChildId(item.id),
-                            instance, nullptr);
+        const QRect place = PlaceOf(item, base);
+        const HWND control = CreateWindowExW(item.exStyle, item.className.c_str(), item.text.c_str(),
+                                             item.style | WS_CHILD, place.x(), place.y(), place.width(),
+                                             place.height(), dialog, ChildId(item.id), instance, nullptr);
         if (!control)
             continue;
         if (dialog->font)
@@ -86,8 +95,7 @@ HWND MakeDialog(HINSTANCE instance, const DLGTEMPLATE* dialogTemplate, HWND owne
     dialog->font = DialogFont(parsed.pointSize);
     const QSize base = BaseUnits(dialog->font);
     dialog->topLevel->fullScreen = false;
-    dialog->topLevel->cardSize =
-        QSize(FromUnits(parsed.width, base.width(), 4), FromUnits(parsed.height, base.height(), 8));
+    dialog->topLevel->cardSize = SizeOf(parsed, base);
     LayOutTopLevel(dialog);
     MakeControls(dialog, parsed, instance, base);
     RememberLayout(dialog);
@@ -204,6 +212,26 @@ HWND CreateDialogIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialogTem
         nullptr, [&] { return MakeDialog(instance, dialogTemplate, owner, procedure, param, false); });
     TellOfDialog(dialogTemplate, dialog, false);
     return LiveWindow(dialog);
+}
+
+BOOL RelayoutDialog(HWND dialog, const DLGTEMPLATE* dialogTemplate) {
+    const WindowObject* object = LiveWindow(dialog);
+    if (!object || !object->dialog || !dialogTemplate)
+        return FALSE;
+    const ParsedTemplate parsed = ParseDialogTemplate(dialogTemplate);
+    std::vector<ControlHome>& homes = object->dialog->homes;
+    const bool same = std::equal(homes.begin(), homes.end(), parsed.items.begin(), parsed.items.end(),
+                                 [](const ControlHome& home, const TemplateItem& item) {
+                                     return LiveWindow(home.control) && home.control->id == item.id;
+                                 });
+    if (!same)
+        return FALSE;
+    const QSize base = BaseUnits(object->font);
+    for (std::size_t i = 0; i < homes.size(); ++i)
+        homes[i].rect = PlaceOf(parsed.items[i], base);
+    object->dialog->natural = SizeOf(parsed, base);
+    LayOutTopLevel(dialog);
+    return TRUE;
 }
 
 BOOL EndDialog(HWND dialog, LONG_PTR result) {

@@ -20,6 +20,8 @@ void RememberLayout(HWND dialog);
 void LayOutDialog(HWND dialog, const QRect& client);
 void ScrollIntoView(HWND control);
 void ScrollByWheel(HWND dialog, int delta);
+// False when all of it shows.
+bool ScrollByPage(HWND dialog, bool up);
 // The child that Tab goes to from `from` (null: before the first one); null when there is none.
 HWND NextTabStop(HWND dialog, HWND from, bool backwards);
 // Focus as Tab gives it: an edit box's text is selected.

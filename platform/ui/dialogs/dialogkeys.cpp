@@ -162,6 +162,10 @@ bool HandleKey(HWND dialog, const MSG& message) {
     case VK_DOWN:
         return !(code & (DLGC_WANTARROWS | DLGC_WANTALLKEYS)) &&
                MoveInGroup(dialog, control, message.wParam == VK_LEFT || message.wParam == VK_UP);
+    case VK_PRIOR:
+    case VK_NEXT:
+        return !(code & (DLGC_WANTARROWS | DLGC_WANTALLKEYS)) &&
+               ScrollByPage(dialog, message.wParam == VK_PRIOR);
     case VK_RETURN:
         if (code & DLGC_WANTALLKEYS)
             return false;

@@ -6,6 +6,7 @@
 
 #include "platform/controls.h"
 #include "platform/ui/dialogs/dialogcore.h"
+#include "platform/ui/dialogs/dialogsqueeze.h"
 #include "platform/ui/screen/screen.h"
 #include "platform/ui/screen/windows.h"
 
@@ -19,8 +20,7 @@ constexpr double kRightZone = 0.82;
 constexpr double kMiddleZone = 0.09;
 constexpr double kLeftZone = 0.05;
 constexpr double kCentredWithin = 0.01;
-// What may be taken from a template before it is scrolled: texts have some slack, lists and editors a lot.
-constexpr double kLeastWidth = 0.9;
+// What may be taken of the height of lists and editors before the dialog is scrolled.
 constexpr double kLeastTall = 0.5;
 
 constexpr int kScrollStep = 24; // pixels at 96 to the inch
@@ -132,11 +132,11 @@ void ArrangeAdded(HWND dialog, int visibleWidth) {
     }
 }
 
-QSize LeastSize(const DialogData& dialog) {
-    int least = dialog.natural.height();
-    for (const GrowLine& line : GrowLinesOf(dialog.homes))
+QSize LeastSize(const SqueezedLayout& layout) {
+    int least = layout.size.height();
+    for (const GrowLine& line : GrowLinesOf(layout.homes))
         least -= static_cast<int>(line.tallest * (1 - kLeastTall));
-    return QSize(static_cast<int>(std::ceil(dialog.natural.width() * kLeastWidth)), least);
+    return QSize(layout.size.width(), least);
 }
 
 QScrollBar* BarOf(HWND dialog, Qt::Orientation orientation) {
@@ -174,7 +174,8 @@ void RememberLayout(HWND dialog) {
 
 void LayOutDialog(HWND dialog, const QRect& client) {
     const std::shared_ptr<DialogData> data = dialog->dialog;
-    const QSize least = LeastSize(*data);
+    SqueezedLayout layout = Squeeze(data->homes, data->natural, client.width());
+    QSize least = LeastSize(layout);
     const int thickness = ScrollBarWidth();
     QSize shown = client.size();
     bool across = false;
@@ -183,6 +184,8 @@ void LayOutDialog(HWND dialog, const QRect& client) {
         across = shown.width() < least.width();
         down = shown.height() < least.height();
         shown = client.size() - QSize(down ? thickness : 0, across ? thickness : 0);
+        layout = Squeeze(data->homes, data->natural, shown.width());
+        least = LeastSize(layout);
     }
     const QSize wanted = shown.expandedTo(least);
     const QRect acrossRect(client.x(), client.y() + shown.height(), shown.width(), thickness);
@@ -191,11 +194,11 @@ void LayOutDialog(HWND dialog, const QRect& client) {
                           ShowBar(dialog, Qt::Vertical, downRect, shown.height(), wanted.height()));
     data->shown = QRect(client.topLeft(), shown);
     PlaceWindow(dialog, QRect(client.topLeft() - scrolled, wanted));
-    const QSize extra = wanted - data->natural;
-    const std::vector<GrowLine> lines = GrowLinesOf(data->homes);
-    for (const ControlHome& home : data->homes)
+    const QSize extra = wanted - layout.size;
+    const std::vector<GrowLine> lines = GrowLinesOf(layout.homes);
+    for (const ControlHome& home : layout.homes)
         if (LiveWindow(home.control))
-            PlaceWindow(home.control, RectOf(data->homes, home, data->natural, extra, lines));
+            PlaceWindow(home.control, RectOf(layout.homes, home, layout.size, extra, lines));
     if (LiveWindow(dialog))
         ArrangeAdded(dialog, shown.width());
 }
@@ -205,6 +208,8 @@ void ScrollIntoView(HWND control) {
     if (!LiveWindow(dialog) || dialog == control || !dialog->dialog || !control->widget)
         return;
     const QRect& shown = dialog->dialog->shown;
+    if (shown.isEmpty()) // a box scrolls its text only
+        return;
     const QRect rect(control->widget->mapTo(dialog->topLevel->frame.data(), QPoint(0, 0)),
                      control->widget->size());
     const auto scroll = [](QScrollBar* bar, int before, int after) {
@@ -218,6 +223,14 @@ void ScrollIntoView(HWND control) {
 void ScrollByWheel(HWND dialog, int delta) {
     if (QScrollBar* bar = dialog->dialog->scrollBars[1])
         bar->setValue(bar->value() - delta * Scaled(kScrollStep) / kWheelNotch);
+}
+
+bool ScrollByPage(HWND dialog, bool up) {
+    QScrollBar* bar = dialog->dialog->scrollBars[1];
+    if (!bar || bar->maximum() == 0)
+        return false;
+    bar->triggerAction(up ? QScrollBar::SliderPageStepSub : QScrollBar::SliderPageStepAdd);
+    return true;
 }
 
 } // namespace ui

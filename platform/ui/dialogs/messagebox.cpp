@@ -1,11 +1,6 @@
 // The message box: a card in the middle of the screen, made of a dialog and its buttons.
-#include <QAbstractTextDocumentLayout>
 #include <QApplication>
-#include <QLabel>
-#include <QPainter>
 #include <QStyle>
-#include <QTextDocument>
-#include <QTextOption>
 #include <cstdio>
 
 #include "platform/base/outofmemory.h"
@@ -14,6 +9,7 @@
 #include "platform/ui/core/display.h"
 #include "platform/ui/core/testhooks.h"
 #include "platform/ui/dialogs/dialogcore.h"
+#include "platform/ui/dialogs/messagecard.h"
 #include "platform/ui/screen/screen.h"
 #include "platform/ui/screen/windows.h"
 
@@ -22,9 +18,8 @@ namespace ui {
 namespace {
 
 // Pixels at 96 to the inch.
-constexpr int kMargin = 14;
-constexpr int kGap = 10;
-constexpr int kIconSize = 32;
+constexpr int kMargin = MessageCard::kMargin;
+constexpr int kGap = MessageCard::kGap;
 constexpr int kButtonWidth = 76;
 constexpr int kButtonHeight = 28;
 constexpr int kWidest = 420;
@@ -83,71 +78,6 @@ QIcon IconOf(UINT style) {
     return QIcon();
 }
 
-// Caption, icon and text of the box, drawn as one card under the buttons.
-class Card : public QWidget {
-public:
-    Card(QWidget* parent, const QString& caption, const QString& text, const QIcon& icon)
-        : QWidget(parent), caption(caption), icon(icon) {
-        QTextOption wrapping;
-        // A path without blanks has to break somewhere, too.
-        wrapping.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-        document.setDefaultTextOption(wrapping);
-        document.setDefaultFont(font());
-        document.setDocumentMargin(0);
-        document.setPlainText(text);
-        setAccessibleName(caption);
-        setAccessibleDescription(text);
-    }
-
-    // The size that shows all the text, at most that wide; room for the buttons included.
-    QSize Fit(int widest, int buttonsWidth) {
-        const int beside = 2 * Scaled(kMargin) + TextLeft() - Scaled(kMargin);
-        document.setTextWidth(std::max(1, widest - beside));
-        const int wanted =
-            std::max(qCeil(document.idealWidth()) + beside, buttonsWidth + 2 * Scaled(kMargin));
-        const int width = std::min(widest, std::max(wanted, CaptionWidth()));
-        document.setTextWidth(std::max(1, width - beside));
-        const int body = std::max(qCeil(document.size().height()), icon.isNull() ? 0 : Scaled(kIconSize));
-        return QSize(width, TextTop() + body + Scaled(kGap) + Scaled(kButtonHeight) + Scaled(kMargin));
-    }
-
-protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter painter(this);
-        painter.fillRect(rect(), Qt::white);
-        painter.setPen(QColor(0x17, 0x33, 0x62));
-        painter.drawRect(rect().adjusted(0, 0, -1, -1));
-        painter.setFont(CaptionFont());
-        const QRect captionRect(Scaled(kMargin), 0, width() - 2 * Scaled(kMargin), CaptionHeight());
-        painter.drawText(captionRect, Qt::AlignVCenter | Qt::TextSingleLine,
-                         painter.fontMetrics().elidedText(caption, Qt::ElideRight, captionRect.width()));
-        painter.drawLine(0, CaptionHeight(), width(), CaptionHeight());
-        if (!icon.isNull())
-            icon.paint(&painter, Scaled(kMargin), TextTop(), Scaled(kIconSize), Scaled(kIconSize));
-        painter.translate(TextLeft(), TextTop());
-        QAbstractTextDocumentLayout::PaintContext context;
-        context.palette = palette();
-        document.documentLayout()->draw(&painter, context);
-    }
-
-private:
-    QFont CaptionFont() const {
-        QFont bold = font();
-        bold.setBold(true);
-        return bold;
-    }
-    int CaptionWidth() const {
-        return QFontMetrics(CaptionFont()).horizontalAdvance(caption) + 2 * Scaled(kMargin);
-    }
-    int CaptionHeight() const { return QFontMetrics(CaptionFont()).height() + Scaled(kGap); }
-    int TextTop() const { return CaptionHeight() + Scaled(kMargin); }
-    int TextLeft() const { return Scaled(kMargin) + (icon.isNull() ? 0 : Scaled(kIconSize) + Scaled(kGap)); }
-
-    QString caption;
-    QIcon icon;
-    QTextDocument document;
-};
-
 // Innermost last.
 std::vector<HWND>& OpenBoxes() {
     static auto* boxes = new std::vector<HWND>;
@@ -173,23 +103,40 @@ void MakeButtons(HWND box, UINT style) {
     SetFocus(GetDlgItem(box, static_cast<int>(box->dialog->defaultId)));
 }
 
-// Lays out the card and its buttons for a screen of that size.
-void FitBox(HWND box, Card* card, const QSize& area) {
-    const int count = static_cast<int>(box->children.size());
-    const int widest = std::min(Scaled(kWidest), area.width() - 2 * Scaled(kGap));
-    const int gaps = (count - 1) * Scaled(kGap);
-    const int buttonWidth =
-        std::min(Scaled(kButtonWidth), (widest - 2 * Scaled(kMargin) - gaps) / std::max(1, count));
-    // When the text is too high for the screen it is cut, so that the buttons stay visible.
-    const QSize size = card->Fit(widest, count * buttonWidth + gaps).boundedTo(area);
-    card->setGeometry(QRect(QPoint(0, 0), size));
-    box->topLevel->cardSize = size;
-    int left = size.width() - Scaled(kMargin) - count * buttonWidth - gaps;
-    for (HWND button : box->children) {
-        PlaceWindow(button, QRect(left, size.height() - Scaled(kMargin) - Scaled(kButtonHeight), buttonWidth,
-                                  Scaled(kButtonHeight)));
-        left += buttonWidth + Scaled(kGap);
+// Buttons of one size, in as many rows as the width asks for, at the right.
+struct ButtonRows {
+    ButtonRows(HWND box, int room) : count(static_cast<int>(box->children.size())) {
+        button = QSize(Scaled(kButtonWidth), Scaled(kButtonHeight));
+        for (HWND child : box->children)
+            button = button.expandedTo(child->widget->sizeHint());
+        button.setWidth(std::min(button.width(), room));
+        inRow = std::clamp((room + Scaled(kGap)) / (button.width() + Scaled(kGap)), 1, std::max(1, count));
+        const int rows = (count + inRow - 1) / inRow;
+        size = QSize(inRow * (button.width() + Scaled(kGap)), rows * (button.height() + Scaled(kGap))) -
+               QSize(Scaled(kGap), Scaled(kGap));
     }
+    QRect Place(int index) const {
+        return QRect(QPoint(index % inRow * (button.width() + Scaled(kGap)),
+                            index / inRow * (button.height() + Scaled(kGap))),
+                     button);
+    }
+    int count;
+    int inRow;
+    QSize button;
+    QSize size;
+};
+
+// Lays out the card and its buttons for a screen of that size.
+void FitBox(HWND box, MessageCard* card, const QSize& area) {
+    const int widest = std::min(std::max(Scaled(kWidest), QFontMetrics(card->font()).averageCharWidth() * 60),
+                                area.width() - 2 * Scaled(kGap));
+    const ButtonRows rows(box, widest - 2 * Scaled(kMargin));
+    card->Fit(QSize(widest, area.height()), rows.size);
+    box->topLevel->cardSize = card->size();
+    const QPoint first(card->width() - Scaled(kMargin) - rows.size.width(),
+                       card->height() - Scaled(kMargin) - rows.size.height());
+    for (int index = 0; index < rows.count; ++index)
+        PlaceWindow(box->children[static_cast<std::size_t>(index)], rows.Place(index).translated(first));
 }
 
 HWND MakeBox(HWND owner, const QString& text, const WCHAR* caption, UINT style) {
@@ -200,8 +147,9 @@ HWND MakeBox(HWND owner, const QString& text, const WCHAR* caption, UINT style) 
     NewWindow unfinished(box, DestroyWindow);
     box->dialog = NewDialogData(BoxProcedure, true);
     box->userData = style;
-    auto* card = new Card(box->widget, box->text, text, IconOf(style));
+    auto* card = new MessageCard(box->widget, box->text, text, IconOf(style));
     card->show();
+    box->dialog->scrollBars[1] = card->Bar();
     MakeButtons(box, style);
     box->topLevel->fullScreen = false;
     box->topLevel->fitCard = [box, card](const QSize& area) { FitBox(box, card, area); };
