@@ -1,8 +1,6 @@
 // The drop-down list.
-#include <QApplication>
 #include <QComboBox>
 #include <QEvent>
-#include <QProxyStyle>
 #include <QStyledItemDelegate>
 #include <algorithm>
 #include <utility>
@@ -18,22 +16,6 @@ namespace {
 constexpr int kLineUnits = 13; // dialog units, as tall as an edit box
 constexpr int kRowPadding = 6; // pixels
 
-// Lists drop down below their line, as on the handheld, and not over it.
-class DropBelowStyle : public QProxyStyle {
-public:
-    using QProxyStyle::QProxyStyle;
-
-    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
-                  QStyleHintReturn* result) const override {
-        return hint == SH_ComboBox_Popup ? 0 : QProxyStyle::styleHint(hint, option, widget, result);
-    }
-};
-
-QStyle* ListStyle() {
-    static auto* const style = new DropBelowStyle(QApplication::style()->name());
-    return style;
-}
-
 // Rows that a finger hits.
 class RowDelegate : public QStyledItemDelegate {
 public:
@@ -48,7 +30,6 @@ class DropList : public QComboBox {
 public:
     DropList(WindowObject& window, QWidget* parent) : QComboBox(parent) {
         const HWND handle = &window;
-        setStyle(ListStyle());
         setItemDelegate(new RowDelegate(this));
         KeepOneLine();
         connect(

@@ -15,8 +15,8 @@ namespace {
 // Average characters.
 constexpr int kLeastEdit = 10;
 constexpr int kLeastList = 16;
-constexpr int kAroundText = 3;  // in a button
-constexpr int kAroundValue = 6; // in a picker, with what it is opened by
+constexpr int kAroundText = 2;  // in a button
+constexpr int kAroundValue = 3; // in a picker, with what it is opened by
 
 bool HasClass(const WindowObject& control, const char* name) {
     return control.windowClass->name.compare(QLatin1String(name), Qt::CaseInsensitive) == 0;

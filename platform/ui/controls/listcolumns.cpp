@@ -13,6 +13,8 @@ namespace ui {
 
 namespace {
 
+constexpr int kLeastCharacters = 7;
+
 int SumOf(const std::vector<int>& widths) {
     return std::accumulate(widths.begin(), widths.end(), 0);
 }
@@ -31,14 +33,17 @@ std::vector<std::size_t> ByWant(const std::vector<int>& widths, const std::vecto
     return order;
 }
 
-// In a list narrower than what was wished for at first, the wishes shrink along.
-std::vector<int> Shared(std::vector<int> wishes, const std::vector<int>& needed, int room) {
+// In a list narrower than what was wished for at first, the wishes shrink along, though not below `least`.
+// What is in the last column gives way somewhat before anything else.
+std::vector<int> Shared(std::vector<int> wishes, const std::vector<int>& needed, int room, int least) {
     if (const int all = SumOf(wishes); all > room)
         for (int& wish : wishes)
-            wish = wish * room / all;
+            wish = std::max(wish * room / all, std::min(wish, least));
     std::vector<int> widths(wishes.size());
     std::transform(wishes.begin(), wishes.end(), needed.begin(), widths.begin(),
                    [](int wish, int need) { return std::min(wish, need); });
+    if (widths.size() > 1)
+        widths.back() = std::min(widths.back(), wishes.back() * 2 / 3);
     int spare = std::max(0, room - SumOf(widths));
     const auto give = [&](std::size_t column, int upTo) {
         const int given = std::clamp(upTo - widths[column], 0, spare);
@@ -77,7 +82,7 @@ void ListWidget::ShareRoom() {
     const int room =
         contentsRect().width() - (scrolls ? details->verticalScrollBar()->sizeHint().width() : 0);
     if (!widthsChosen)
-        widths = Shared(widths, NeededWidths(), room);
+        widths = Shared(widths, NeededWidths(), room, kLeastCharacters * fontMetrics().averageCharWidth());
     widths.back() += std::max(0, room - SumOf(widths));
     for (std::size_t column = 0; column < widths.size(); ++column)
         details->header()->resizeSection(static_cast<int>(column), widths[column]);

@@ -47,7 +47,8 @@ QString Shortened(const QFontMetrics& metrics, const QString& text, int room) {
 }
 
 // Two lines at the most, broken between words where that is possible.
-void PaintIconLabel(QPainter& painter, const QFont& font, const QRect& rect, const QString& text) {
+void PaintIconLabel(QPainter& painter, const QFont& font, const QRect& rect, const QString& text,
+                    Qt::Alignment alignment) {
     QFontMetrics metrics(font);
     QRect line(rect.x(), rect.y(), rect.width(), metrics.lineSpacing());
     int broken = static_cast<int>(text.size());
@@ -62,7 +63,7 @@ void PaintIconLabel(QPainter& painter, const QFont& font, const QRect& rect, con
         layout.endLayout();
         broken = first.textLength();
     }
-    int flags = Qt::AlignHCenter | Qt::AlignTop | Qt::TextSingleLine;
+    const int flags = static_cast<int>(alignment) | Qt::AlignTop | Qt::TextSingleLine;
     painter.drawText(line, flags, text.left(broken).trimmed());
     line.translate(0, line.height());
     painter.drawText(line, flags, Shortened(metrics, text.mid(broken), rect.width()));
@@ -72,7 +73,9 @@ void PaintLabel(QPainter& painter, const ListWidget& list, const QRect& rect, co
                 int alignment) {
     QFont font = list.CurrentView()->font();
     if (list.View() == LVS_ICON)
-        PaintIconLabel(painter, font, rect, text);
+        PaintIconLabel(painter, font, rect, text, Qt::AlignHCenter);
+    else if (list.View() == LVS_SMALLICON && QFontMetrics(font).horizontalAdvance(text) > rect.width())
+        PaintIconLabel(painter, font, rect, text, Qt::AlignLeft);
     else
         painter.drawText(rect, alignment | Qt::AlignVCenter | Qt::TextSingleLine,
                          Shortened(QFontMetrics(font), text, rect.width()));
@@ -104,9 +107,9 @@ CellLayout LayOutCell(const ListWidget& list, const QRect& cell, int row, int co
         layout.image = QRect(QPoint(x, cell.y() + (cell.height() - image.height()) / 2), image);
         x += image.width() + kMargin / 2;
     }
-    if (column > 0)
-        x += HeadingIndent(list);
     int wanted = QFontMetrics(list.CurrentView()->font()).horizontalAdvance(text) + 2 * kMargin;
+    if (column > 0 && x + HeadingIndent(list) + wanted + kMargin / 2 <= cell.right())
+        x += HeadingIndent(list);
     int room = std::max(0, cell.right() - x - kMargin / 2);
     layout.label = QRect(x, cell.y(), std::min(wanted, room), cell.height());
     if (column > 0) // free to be aligned
@@ -120,7 +123,9 @@ int ContentsWidth(const ListWidget& list, int column) {
     int widest = 0;
     for (int row = 0; row < rows; ++row)
         widest = std::max(widest, metrics.horizontalAdvance(list.model->Text(row, column)));
-    const int left = rows ? LayOutCell(list, QRect(), 0, column).label.x() : 0;
+    int left = kMargin + HeadingIndent(list);
+    if (column == 0)
+        left = rows ? LayOutCell(list, QRect(), 0, column).label.x() : 0;
     const int wanted = left + widest + 2 * kMargin + kMargin / 2 + 1; // what LayOutCell leaves free
     return std::max(wanted, list.details->header()->sectionSizeHint(column));
 }

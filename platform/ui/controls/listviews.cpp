@@ -116,7 +116,11 @@ QSize IconsView::ItemSize() const {
     // room for a scroll bar that is not there yet.
     const QScrollBar& bar = *verticalScrollBar();
     const int room = viewport()->width() - (bar.isVisible() ? 0 : bar.sizeHint().width()) - 1;
-    return QSize(std::min(width, std::max(room, 80)), list.RowHeight());
+    // Small icons stand beside each other, a long name in two lines, where a list has one line for each.
+    const int widest = std::max(list.View() == LVS_SMALLICON ? room / 2 : room, 80);
+    const bool twoLines = list.View() == LVS_SMALLICON && width > widest;
+    return QSize(std::min(width, widest),
+                 twoLines ? std::max(list.RowHeight(), 2 * metrics.lineSpacing() + 4) : list.RowHeight());
 }
 
 // The grid follows the longest name.

@@ -21,7 +21,7 @@ constexpr double kMiddleZone = 0.09;
 constexpr double kLeftZone = 0.05;
 constexpr double kCentredWithin = 0.01;
 // What may be taken of the height of lists and editors before the dialog is scrolled.
-constexpr double kLeastTall = 0.5;
+constexpr double kLeastTall = 0.35;
 
 constexpr int kScrollStep = 24; // pixels at 96 to the inch
 constexpr int kWheelNotch = 120;
@@ -216,7 +216,9 @@ void ScrollIntoView(HWND control) {
         if (bar && (before < 0 || after > 0))
             bar->setValue(bar->value() + (before < 0 ? before : std::min(before, after)));
     };
-    scroll(dialog->dialog->scrollBars[0], rect.left() - shown.left(), rect.right() - shown.right());
+    // What begins in sight stays where it is, with the label before it.
+    if (rect.left() < shown.left() || rect.left() > shown.center().x())
+        scroll(dialog->dialog->scrollBars[0], rect.left() - shown.left(), rect.right() - shown.right());
     scroll(dialog->dialog->scrollBars[1], rect.top() - shown.top(), rect.bottom() - shown.bottom());
 }
 

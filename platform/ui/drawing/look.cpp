@@ -11,8 +11,10 @@ namespace ui::look {
 namespace {
 
 // Ratios of luminance. Pure black on pure white has 21, which is a desktop of high contrast.
-constexpr double kReadableContrast = 3;
+constexpr double kReadableContrast = 4.5;
 constexpr double kHighContrast = 20;
+
+constexpr double kDarkBelow = 0.18; // luminance of the middle between black and white
 
 QColor Role(QPalette::ColorRole role) {
     return QApplication::palette().color(QPalette::Active, role);
@@ -55,6 +57,10 @@ QColor Line() {
     return Blend(text, window, Contrast(text, window) > kHighContrast ? 0.6 : 0.22);
 }
 
+QColor Edge() {
+    return Blend(Role(QPalette::WindowText), Window(), 0.45);
+}
+
 QColor Header() {
     return Role(QPalette::Button);
 }
@@ -71,6 +77,10 @@ QColor Window() {
     return Role(QPalette::Window);
 }
 
+bool Dark() {
+    return Luminance(Window()) < kDarkBelow;
+}
+
 QColor Warning() {
     return Readable(QColor(0xb0, 0x20, 0x20), Window());
 }
@@ -82,7 +92,7 @@ QColor Blend(const QColor& over, const QColor& under, double share) {
 }
 
 QColor Readable(const QColor& wanted, const QColor& background) {
-    const QColor end = Luminance(background) < 0.18 ? Qt::white : Qt::black;
+    const QColor end = Luminance(background) < kDarkBelow ? Qt::white : Qt::black;
     QColor colour = wanted;
     for (double share = 0.1; share < 1 && Contrast(colour, background) < kReadableContrast; share += 0.1)
         colour = Blend(end, wanted, share);

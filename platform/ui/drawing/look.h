@@ -13,10 +13,12 @@ QColor SelectionText();
 QColor IdleSelection(); // selected while the focus is elsewhere
 QColor AlternateRow();
 QColor Line();
+QColor Edge(); // of a control on a dark window
 QColor Header();
 QColor HeaderPressed();
 QColor Trough();
 QColor Window();
+bool Dark();
 QColor Warning(); // on a window
 
 // `share` of the one over the other.

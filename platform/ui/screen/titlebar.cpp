@@ -19,11 +19,6 @@ constexpr int kTitleIconSize = 16;
 constexpr int kButtonInset = 3;
 constexpr int kOkWidth = 34;
 
-// White as a rule; the desktop's own where its highlight is a light colour.
-QColor BarText() {
-    return look::Readable(look::SelectionText(), look::Selection());
-}
-
 QColor Translucent(QColor colour, int alpha) {
     colour.setAlpha(alpha);
     return colour;
@@ -49,10 +44,10 @@ void TitleBarButton::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF outline = QRectF(rect()).adjusted(1, 1, -1, -1);
     const int fill = isDown() ? 120 : underMouse() ? 80 : 40;
-    painter.setPen(QPen(Translucent(BarText(), 200), 1.4));
-    painter.setBrush(Translucent(BarText(), fill));
+    painter.setPen(QPen(Translucent(look::SelectionText(), 200), 1.4));
+    painter.setBrush(Translucent(look::SelectionText(), fill));
     painter.drawRoundedRect(outline, outline.height() / 2, outline.height() / 2);
-    painter.setPen(QPen(BarText(), 1.8, Qt::SolidLine, Qt::RoundCap));
+    painter.setPen(QPen(look::SelectionText(), 1.8, Qt::SolidLine, Qt::RoundCap));
     if (shown == TitleButton::Ok) {
         QFont bold = font();
         bold.setBold(true);
@@ -94,7 +89,7 @@ void TitleBar::resizeEvent(QResizeEvent*) {
 void TitleBar::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     QLinearGradient shade(0, 0, 0, height());
-    const bool lightText = BarText().lightness() > look::Selection().lightness();
+    const bool lightText = look::SelectionText().lightness() > look::Selection().lightness();
     shade.setColorAt(0, look::Selection().darker(lightText ? 130 : 100));
     shade.setColorAt(1, look::Selection().darker(lightText ? 210 : 100));
     painter.fillRect(rect(), shade);
@@ -109,7 +104,7 @@ void TitleBar::paintEvent(QPaintEvent*) {
     QFont bold = font();
     bold.setBold(true);
     painter.setFont(bold);
-    painter.setPen(BarText());
+    painter.setPen(look::SelectionText());
     painter.drawText(textRect, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
                      painter.fontMetrics().elidedText(text, Qt::ElideRight, textRect.width()));
 }

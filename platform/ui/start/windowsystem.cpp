@@ -4,7 +4,6 @@
 #include <QApplication>
 #include <QLoggingCategory>
 #include <QPalette>
-#include <QStyleFactory>
 
 #include "platform/storage/watch.h"
 #include "platform/ui/controls/controlsupport.h"
@@ -16,6 +15,7 @@
 #include "platform/ui/menus/menus.h"
 #include "platform/ui/screen/screen.h"
 #include "platform/ui/screen/windows.h"
+#include "platform/ui/start/hoststyle.h"
 
 namespace ui {
 
@@ -100,7 +100,7 @@ void StartHost() {
 }
 
 void DressHost() {
-    QStyle* const style = QStyleFactory::create(QStringLiteral("Fusion"));
+    auto* const style = new HostStyle;
     QApplication::setStyle(style);
     if (QApplication::palette() == style->standardPalette())
         QApplication::setPalette(OwnPalette());
