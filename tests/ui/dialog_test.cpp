@@ -1,4 +1,5 @@
 // Dialogs from templates, what runs them, and message boxes.
+#include <QScrollBar>
 #include <set>
 
 #include "platform/menu.h"
@@ -93,6 +94,20 @@ TEST_F(Dialogs, TheTemplateMakesTheControls) {
         stylus.Tap(dialog, IDOK);
     });
     EXPECT_EQ(result, IDOK + 100);
+}
+
+TEST_F(Dialogs, ABoxScrollsATextThatIsTooLongForTheScreen) {
+    stylus.Resize(240, 320);
+    RunBox(std::u16string(900, u'x'), MB_ABORTRETRYIGNORE, [&](HWND box) {
+        const auto* bar = box->widget->findChild<QScrollBar*>();
+        EXPECT_TRUE(bar->isVisible());
+        for (const HWND button : box->children)
+            EXPECT_TRUE(box->widget->rect().contains(button->widget->geometry()));
+        for (int page = 0; page < 9; ++page)
+            stylus.Key(Qt::Key_PageDown);
+        EXPECT_EQ(bar->value(), bar->maximum());
+        stylus.Key(Qt::Key_Escape);
+    });
 }
 
 TEST_F(Dialogs, TheOwnerWaitsAndGetsTheFocusBack) {

@@ -7,15 +7,17 @@
 #include <algorithm>
 
 #include "platform/ui/controls/controlsupport.h"
+#include "platform/ui/screen/screen.h"
 
 namespace ui {
 
 namespace {
 
+constexpr int kAroundText = 12; // in a button, pixels at 96 to the inch
+
 // Average characters.
 constexpr int kLeastEdit = 10;
 constexpr int kLeastList = 16;
-constexpr int kAroundText = 2;  // in a button
 constexpr int kAroundValue = 3; // in a picker, with what it is opened by
 
 bool HasClass(const WindowObject& control, const char* name) {
@@ -80,8 +82,7 @@ int LeastWidth(const WindowObject& control) {
     if (HasIndicator(widget))
         return LongestWord(metrics, WithoutMnemonic(control.text)) + IndicatorWidth(widget);
     if (qobject_cast<const QPushButton*>(widget))
-        return metrics.horizontalAdvance(WithoutMnemonic(control.text)) +
-               kAroundText * metrics.averageCharWidth();
+        return metrics.horizontalAdvance(WithoutMnemonic(control.text)) + Scaled(kAroundText);
     if (const auto* picker = qobject_cast<const QAbstractSpinBox*>(widget))
         return metrics.horizontalAdvance(picker->text()) + kAroundValue * metrics.averageCharWidth();
     return metrics.averageCharWidth() * (HasClass(control, "SysListView32") ? kLeastList : kLeastEdit);

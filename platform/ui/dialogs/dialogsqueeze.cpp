@@ -10,7 +10,7 @@ namespace ui {
 
 namespace {
 
-constexpr int kSmallGap = 8; // pixels at 96 to the inch
+constexpr int kSmallGap = 6; // pixels at 96 to the inch
 
 // From the template's edges of controls to where these are now, in one direction.
 using Edges = std::map<int, int>;
