@@ -1,7 +1,9 @@
 #include "platform/help/helppages.h"
 
+#include <QEvent>
 #include <QFile>
 #include <QFileInfo>
+#include <QPalette>
 
 namespace {
 
@@ -14,9 +16,19 @@ QString MissingPage(const QString& name) {
         .arg(name.toHtmlEscaped(), QLatin1String(kContentsPage));
 }
 
+// The pages say nothing of colours, which are those of the desktop.
+QString ColoursFor(const QPalette& palette) {
+    const bool dark = palette.color(QPalette::Base).lightness() < 128;
+    return QStringLiteral(
+               "h1, h2, h3, a { color: %1; } th { background-color: %2; } .note { background-color: %3; }")
+        .arg(QLatin1String(dark ? "#8fbcf0" : "#000080"), QLatin1String(dark ? "#2c3e54" : "#e4eef8"),
+             QLatin1String(dark ? "#463c1e" : "#fff6e0"));
+}
+
 } // namespace
 
 HelpPages::HelpPages(const QString& folder, QWidget* parent) : QTextBrowser(parent), folder(folder) {
+    document()->setDefaultStyleSheet(ColoursFor(palette()));
     setAccessibleName(QStringLiteral("Help page"));
     setOpenExternalLinks(false);
 }
@@ -29,6 +41,15 @@ void HelpPages::OpenTopic(const QString& topic) {
     if (hash >= 0)
         url.setFragment(topic.mid(hash + 1));
     setSource(url, QTextDocument::HtmlResource);
+}
+
+void HelpPages::changeEvent(QEvent* event) {
+    QTextBrowser::changeEvent(event);
+    if (event->type() != QEvent::PaletteChange)
+        return;
+    document()->setDefaultStyleSheet(ColoursFor(palette()));
+    if (!source().isEmpty())
+        reload();
 }
 
 QVariant HelpPages::loadResource(int type, const QUrl& name) {

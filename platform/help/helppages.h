@@ -12,6 +12,9 @@ public:
 
     QVariant loadResource(int type, const QUrl& name) override;
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     QString folder;
 };

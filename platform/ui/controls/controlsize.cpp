@@ -1,6 +1,6 @@
 // What room controls can do with.
-#include <QAbstractSpinBox>
 #include <QCheckBox>
+#include <QDateTimeEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStyle>
@@ -13,12 +13,13 @@ namespace ui {
 
 namespace {
 
-constexpr int kAroundText = 12; // in a button, pixels at 96 to the inch
+// Pixels at 96 to the inch.
+constexpr int kAroundText = 12;  // in a button
+constexpr int kAroundValue = 30; // in a picker, with what it is opened by
 
 // Average characters.
 constexpr int kLeastEdit = 10;
 constexpr int kLeastList = 16;
-constexpr int kAroundValue = 3; // in a picker, with what it is opened by
 
 bool HasClass(const WindowObject& control, const char* name) {
     return control.windowClass->name.compare(QLatin1String(name), Qt::CaseInsensitive) == 0;
@@ -30,7 +31,7 @@ bool IsStatic(const WindowObject& control) {
 
 int LongestWord(const QFontMetrics& metrics, const QString& text) {
     int widest = 0;
-    for (const QString& word : text.split(QLatin1Char(' ')))
+    for (const QString& word : text.simplified().split(QLatin1Char(' ')))
         widest = std::max(widest, metrics.horizontalAdvance(word));
     return widest;
 }
@@ -83,8 +84,11 @@ int LeastWidth(const WindowObject& control) {
         return LongestWord(metrics, WithoutMnemonic(control.text)) + IndicatorWidth(widget);
     if (qobject_cast<const QPushButton*>(widget))
         return metrics.horizontalAdvance(WithoutMnemonic(control.text)) + Scaled(kAroundText);
-    if (const auto* picker = qobject_cast<const QAbstractSpinBox*>(widget))
-        return metrics.horizontalAdvance(picker->text()) + kAroundValue * metrics.averageCharWidth();
+    if (const auto* picker = qobject_cast<const QDateTimeEdit*>(widget)) {
+        const QDateTime wide(QDate(2022, 12, 28), QTime(22, 58, 58));
+        return metrics.horizontalAdvance(picker->locale().toString(wide, picker->displayFormat())) +
+               Scaled(kAroundValue);
+    }
     return metrics.averageCharWidth() * (HasClass(control, "SysListView32") ? kLeastList : kLeastEdit);
 }
 

@@ -33,18 +33,24 @@ std::vector<std::size_t> ByWant(const std::vector<int>& widths, const std::vecto
     return order;
 }
 
-// In a list narrower than what was wished for at first, the wishes shrink along, though not below `least`.
-// What is in the last column gives way somewhat before anything else.
-std::vector<int> Shared(std::vector<int> wishes, const std::vector<int>& needed, int room, int least) {
-    if (const int all = SumOf(wishes); all > room)
+// What the list allows: in one narrower than what was wished for at first, the wishes shrink along, though
+// not below `least`; texts in the last column give way somewhat before anything else, numbers do not.
+struct Limits {
+    int room;
+    int least;
+    bool lastYields;
+};
+
+std::vector<int> Shared(std::vector<int> wishes, const std::vector<int>& needed, const Limits& limits) {
+    if (const int all = SumOf(wishes); all > limits.room)
         for (int& wish : wishes)
-            wish = std::max(wish * room / all, std::min(wish, least));
+            wish = std::max(wish * limits.room / all, std::min(wish, limits.least));
     std::vector<int> widths(wishes.size());
     std::transform(wishes.begin(), wishes.end(), needed.begin(), widths.begin(),
                    [](int wish, int need) { return std::min(wish, need); });
-    if (widths.size() > 1)
+    if (limits.lastYields && widths.size() > 1)
         widths.back() = std::min(widths.back(), wishes.back() * 2 / 3);
-    int spare = std::max(0, room - SumOf(widths));
+    int spare = std::max(0, limits.room - SumOf(widths));
     const auto give = [&](std::size_t column, int upTo) {
         const int given = std::clamp(upTo - widths[column], 0, spare);
         widths[column] += given;
@@ -82,8 +88,13 @@ void ListWidget::ShareRoom() {
     const int room =
         contentsRect().width() - (scrolls ? details->verticalScrollBar()->sizeHint().width() : 0);
     if (!widthsChosen)
-        widths = Shared(widths, NeededWidths(), room, kLeastCharacters * fontMetrics().averageCharWidth());
+        widths = Shared(widths, NeededWidths(),
+                        {room, kLeastCharacters * fontMetrics().averageCharWidth(),
+                         model->Columns().back().alignment != LVCFMT_RIGHT});
     widths.back() += std::max(0, room - SumOf(widths));
+    // Neither bar may come only because the other one is there.
+    details->setHorizontalScrollBarPolicy(SumOf(widths) > room ? Qt::ScrollBarAsNeeded
+                                                               : Qt::ScrollBarAlwaysOff);
     for (std::size_t column = 0; column < widths.size(); ++column)
         details->header()->resizeSection(static_cast<int>(column), widths[column]);
 }

@@ -21,23 +21,17 @@ struct Span {
     int least; // from the one edge to the other
 };
 
-// As far to the left or top as the spans and the gaps between neighbouring edges allow.
-template <typename LeastGap>
-Edges Pack(const std::vector<Span>& spans, int natural, LeastGap leastGap) {
-    Edges edges{{0, 0}, {natural, 0}};
+// As far to the left or top as the spans allow.
+Edges Pack(const std::vector<Span>& spans) {
+    Edges edges;
     for (const Span& span : spans) {
         edges[span.from] = 0;
         edges[span.to] = 0;
     }
-    const std::pair<const int, int>* before = nullptr;
-    for (auto& edge : edges) {
-        if (before)
-            edge.second = before->second + leastGap(edge.first - before->first);
+    for (auto& [home, place] : edges)
         for (const Span& span : spans)
-            if (span.to == edge.first && span.from < span.to)
-                edge.second = std::max(edge.second, edges[span.from] + span.least);
-        before = &edge;
-    }
+            if (span.to == home && span.from < span.to)
+                place = std::max(place, edges[span.from] + span.least);
     return edges;
 }
 
@@ -45,20 +39,60 @@ bool TakesRoom(const ControlHome& home) {
     return LiveWindow(home.control) && home.control->widget && !home.rect.isEmpty();
 }
 
+int RightOf(const QRect& rect) {
+    return rect.x() + rect.width();
+}
+
+Span GapBetween(int from, int to) {
+    return {from, to, std::min(to - from, Scaled(kSmallGap))};
+}
+
+// What two controls in one row ask for: one is behind the other, or within it.
+void AddGaps(const QRect& one, const QRect& other, std::vector<Span>& spans) {
+    const bool sameRow = one.y() < other.y() + other.height() && other.y() < one.y() + one.height();
+    if (sameRow && RightOf(one) <= other.x()) {
+        spans.push_back(GapBetween(RightOf(one), other.x()));
+    } else if (sameRow && one.x() <= other.x() && RightOf(other) <= RightOf(one)) {
+        spans.push_back(GapBetween(one.x(), other.x()));
+        spans.push_back(GapBetween(RightOf(other), RightOf(one)));
+    }
+}
+
+std::vector<Span> SpansAcross(const std::vector<ControlHome>& homes, int natural) {
+    std::vector<Span> spans{{0, natural, 0}};
+    for (const ControlHome& home : homes) {
+        if (!TakesRoom(home))
+            continue;
+        const int left = home.rect.x();
+        const int right = RightOf(home.rect);
+        spans.push_back(GapBetween(0, left));
+        spans.push_back({left, right, std::min(right - left, LeastWidth(*home.control))});
+        spans.push_back(GapBetween(right, natural));
+        for (const ControlHome& other : homes)
+            if (&other != &home && TakesRoom(other))
+                AddGaps(home.rect, other.rect, spans);
+    }
+    return spans;
+}
+
 // Between the packed places and the template's, both of which keep every distance that matters.
 Edges AcrossIn(const std::vector<ControlHome>& homes, int natural, int width) {
-    std::vector<Span> spans;
-    for (const ControlHome& home : homes)
-        if (TakesRoom(home))
-            spans.push_back({home.rect.x(), home.rect.x() + home.rect.width(),
-                             std::min(home.rect.width(), LeastWidth(*home.control))});
-    Edges edges = Pack(spans, natural, [](int gap) { return std::min(gap, Scaled(kSmallGap)); });
+    Edges edges = Pack(SpansAcross(homes, natural));
     const int least = edges[natural];
     const double share =
         least < natural ? std::clamp((width - least) / double(natural - least), 0.0, 1.0) : 1.0;
     for (auto& [home, place] : edges)
         place += qRound((home - place) * share);
     return edges;
+}
+
+// Every distance of the template, and what texts need beyond it.
+Edges Down(std::vector<Span> spans, int natural) {
+    spans.push_back({0, natural, 0});
+    const Edges places = Pack(spans);
+    for (auto edge = places.begin(); std::next(edge) != places.end(); ++edge)
+        spans.push_back({edge->first, std::next(edge)->first, std::next(edge)->first - edge->first});
+    return Pack(spans);
 }
 
 } // namespace
@@ -76,7 +110,7 @@ SqueezedLayout Squeeze(const std::vector<ControlHome>& homes, const QSize& natur
         spans.push_back({home.rect.y(), home.rect.y() + home.rect.height(), needed});
         home.rect = QRect(left, home.rect.y(), right - left, home.rect.height());
     }
-    Edges down = Pack(spans, natural.height(), [](int gap) { return gap; });
+    Edges down = Down(std::move(spans), natural.height());
     for (ControlHome& home : squeezed.homes) {
         if (!TakesRoom(home))
             continue;

@@ -31,7 +31,7 @@ constexpr int kDateColumn = 3;
 constexpr int kPickerMargin = 6;
 constexpr int kRowHeight = 28;
 constexpr int kPickerButtonHeight = 30;
-constexpr int kRoomForColumns = 400; // narrower, only the names are shown
+constexpr int kRoomForColumns = 60; // average characters; narrower, only the names are shown
 
 // Empty for a path that leads nowhere.
 QString HostPathOf(const QString& devicePath) {
@@ -204,10 +204,12 @@ QWidget* PickerWidget::MakeNameRows() {
     auto* const nameRow = new QHBoxLayout;
     nameRow->addWidget(label);
     nameRow->addWidget(nameEdit, 1);
-    auto* const buttonRow = new QHBoxLayout;
+    auto* const buttons = new QHBoxLayout;
+    buttons->addWidget(acceptButton);
+    buttons->addWidget(cancel);
+    buttonRow = new QBoxLayout(QBoxLayout::LeftToRight);
     buttonRow->addWidget(filterBox, 1);
-    buttonRow->addWidget(acceptButton);
-    buttonRow->addWidget(cancel);
+    buttonRow->addLayout(buttons);
     layout->addLayout(nameRow);
     layout->addWidget(problemLabel);
     layout->addLayout(buttonRow);
@@ -340,8 +342,9 @@ void PickerWidget::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-void PickerWidget::FitColumns() {
-    const bool room = width() >= Scaled(kRoomForColumns);
+void PickerWidget::FitWidth() {
+    const bool room = width() >= kRoomForColumns * fontMetrics().averageCharWidth();
+    buttonRow->setDirection(room ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
     files->setColumnHidden(kSizeColumn, !room);
     files->setColumnHidden(kDateColumn, !room);
     const int margin = Scaled(4 * kPickerMargin);
@@ -351,7 +354,7 @@ void PickerWidget::FitColumns() {
 }
 
 void PickerWidget::resizeEvent(QResizeEvent*) {
-    FitColumns();
+    FitWidth();
 }
 
 } // namespace ui

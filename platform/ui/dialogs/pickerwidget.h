@@ -9,6 +9,7 @@
 #include <QWidget>
 #include <functional>
 
+class QBoxLayout;
 class QComboBox;
 
 namespace ui {
@@ -54,7 +55,7 @@ private:
     void Opened(const QModelIndex& index);
     void Complain(const QString& problem);
     QString NameAsMeant() const;
-    void FitColumns();
+    void FitWidth();
     QString HostPathOfName(const QString& name) const; // empty when it leads nowhere
 
     PickerRequest request;
@@ -68,6 +69,7 @@ private:
     QLineEdit* nameEdit = nullptr;
     QComboBox* filterBox = nullptr;
     QPushButton* acceptButton = nullptr;
+    QBoxLayout* buttonRow = nullptr; // the filter may stand above the buttons
 };
 
 } // namespace ui
