@@ -29,6 +29,7 @@ public:
     HACCEL viewerAccelerators = nullptr;
     BYTE highResolution = 0;       // more than 150 pixels an inch
     HBITMAP frameBitmap = nullptr; // the picture of the dialogs' help button
+    HDROP waitingFiles = nullptr;  // owned; to be opened when the command that runs has ended
 };
 
 Application& App();

@@ -51,11 +51,11 @@ public:
     Settings(const Settings&) = delete;
     Settings& operator=(const Settings&) = delete;
 
+    bool Save();
     // After a change of `bold`.
     void RecreateListFont();
 
 private:
     void FindDocumentsFolder();
     void Load();
-    bool Save();
 };

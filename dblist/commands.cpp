@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "app/aboutdialog.h"
 #include "app/application.h"
@@ -230,18 +231,25 @@ UINT ArrangeCommand(DWORD sortKey) {
 
 } // namespace
 
-void RunMainCommand(HWND mainWindow, UINT command) {
-    // One command may be chosen while another shows its progress, and must not leave the window free to
-    // close.
-    const BYTE idleBefore = App().idle;
+CommandFrame::CommandFrame() : idleBefore(App().idle) {
     App().idle = 0;
+}
+
+CommandFrame::~CommandFrame() {
+    App().idle = idleBefore;
+    UpdateMainMenu(nullptr);
+    if (App().idle && App().waitingFiles)
+        PostMessageW(App().mainWindow, WM_DROPFILES,
+                     reinterpret_cast<WPARAM>(std::exchange(App().waitingFiles, nullptr)), 0);
+}
+
+void RunMainCommand(HWND mainWindow, UINT command) {
+    const CommandFrame frame;
     if (command >= IDM_FIRST_COMMAND && command <= IDM_LAST_COMMAND) {
         RunDatabaseCommand(mainWindow, command);
         RunViewCommand(command);
         RunProgramCommand(mainWindow, command);
     }
-    App().idle = idleBefore;
-    UpdateMainMenu(nullptr);
 }
 
 void UpdateMainMenu(HMENU menu) {

@@ -1,6 +1,9 @@
 #include "dblist/listprocedure.h"
 
 #include "app/application.h"
+#include "dblist/databaselist.h"
+#include "dblist/dragout.h"
+#include "lists/clipboardtext.h"
 #include "lists/header.h"
 #include "platform/controls.h"
 #include "platform/menu.h"
@@ -42,8 +45,13 @@ LRESULT OnStylusDown(HWND list, WPARAM wParam, LPARAM lParam) {
         ShowContextMenu(list, point);
         return result;
     }
+    const bool dragged = ListView_HitTest(list, point) >= 0 && DragDetect(list, point);
+    if (dragged)
+        PostMessageW(list, WM_LBUTTONUP, wParam, lParam);
     const LRESULT result = PassOn(list, WM_LBUTTONDOWN, wParam, lParam);
-    if (!App().settings->doubleTap)
+    if (dragged)
+        DragSelectedDatabases(App().mainWindow);
+    else if (!App().settings->doubleTap)
         PostMessageW(App().mainWindow, WM_COMMAND, IDM_VIEW_MODIFY, 0);
     return result;
 }
@@ -68,6 +76,11 @@ LRESULT DatabaseListProcedure(HWND list, UINT message, WPARAM wParam, LPARAM lPa
     case WM_KEYDOWN:
         if (wParam == VK_RETURN) {
             PostMessageW(App().mainWindow, WM_COMMAND, IDM_VIEW_MODIFY, 0);
+            return 0;
+        }
+        // Ctrl+C copies the database itself.
+        if (wParam == VK_INSERT && GetKeyState(VK_CONTROL) < 0) {
+            CopyRowsAsText(list, kDatabaseColumnCount);
             return 0;
         }
         break;

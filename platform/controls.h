@@ -152,6 +152,12 @@ struct LVFINDINFOW {
     LPARAM lParam;
 };
 
+struct LVHITTESTINFO {
+    POINT pt; // client coordinates
+    UINT flags;
+    int iItem;
+};
+
 // Returns negative, 0 or positive; gets the two rows' parameters and LVM_SORTITEMS' wParam.
 using PFNLVCOMPARE = int (*)(LPARAM, LPARAM, LPARAM);
 
@@ -159,6 +165,7 @@ constexpr UINT LVM_SETIMAGELIST = 0x1003; // wParam LVSIL_..., lParam HIMAGELIST
 constexpr UINT LVM_GETITEMCOUNT = 0x1004;
 constexpr UINT LVM_DELETEALLITEMS = 0x1009;
 constexpr UINT LVM_GETNEXTITEM = 0x100C; // wParam start (-1: the first row), lParam LVNI_...; -1 for none
+constexpr UINT LVM_HITTEST = 0x1012;     // lParam LVHITTESTINFO, in and out; the row there, -1 for none
 constexpr UINT LVM_ENSUREVISIBLE = 0x1013;
 constexpr UINT LVM_SETCOLUMNWIDTH = 0x101E;
 constexpr UINT LVM_GETHEADER = 0x101F;
@@ -207,6 +214,10 @@ inline int ListView_GetSelectedCount(HWND list) {
 }
 inline int ListView_GetNextItem(HWND list, int after, UINT flags) {
     return static_cast<int>(SendMessageW(list, LVM_GETNEXTITEM, static_cast<WPARAM>(after), flags));
+}
+inline int ListView_HitTest(HWND list, POINT point) {
+    LVHITTESTINFO hit = {point, 0, -1};
+    return static_cast<int>(SendMessageW(list, LVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)));
 }
 inline int ListView_FindItem(HWND list, const LVFINDINFOW& wanted) {
     return static_cast<int>(

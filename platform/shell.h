@@ -16,8 +16,13 @@ struct SHINITDLGINFO {
 };
 BOOL SHInitDialog(SHINITDLGINFO* info);
 
-// Prepares a main window for the shell: its title bar shows a close button. Called once after creation.
+// Prepares a main window for the shell: its title bar shows a close button, it gets WM_ENDSESSION, and its
+// place on the host's display is remembered. Called once after creation.
 BOOL SHInitMainWindow(HWND window);
+
+// What the window shows, for instance a document's name: the host's title of the display says it beside the
+// window's own text.
+void SHSetDocumentTitle(HWND window, const WCHAR* title);
 
 // ---- menu bar ----
 // A menu bar definition is an RCDATA resource of 16-bit words: the menu's resource id, the number of buttons,
@@ -64,6 +69,28 @@ struct SHRGINFO {
 // Called from WM_LBUTTONDOWN (or WM_RBUTTONDOWN: a right click counts as a hold at once). Waits, dispatching
 // paint and timers, until the stylus is lifted or moved (0) or held for half a second (GN_CONTEXTMENU).
 DWORD SHRecognizeGesture(SHRGINFO* info);
+
+// ---- files that are dropped on a window, or that the program is started with ----
+// Sent to a window that accepts them: wParam is an HDROP, which the window then owns.
+constexpr UINT WM_DROPFILES = 0x0233;
+// From now on the window takes them. The file that this process was started to open comes first; those of
+// later starts follow, whatever else is open at that time. A drop by the user needs the window to be the
+// active one.
+void DragAcceptFiles(HWND window, BOOL accept);
+constexpr UINT kDropCount = 0xFFFFFFFF;
+// The device path of a dropped file: room for `capacity` characters with its terminator; returns the length,
+// 0 when there is no such file or no such room. For kDropCount: how many there are.
+UINT DragQueryFileW(HDROP dropped, UINT file, WCHAR* path, UINT capacity);
+void DragFinish(HDROP dropped);
+
+// ---- files that are dragged out ----
+// Called with the left button down at that point of the window: waits until it is released, which is FALSE,
+// or moved far enough for a drag.
+BOOL DragDetect(HWND window, POINT point);
+// Lets the user drag a file of that name to another program, until the button is released. `make` is called
+// when the other program asks for it, at most once, and writes it at the device path that it gets, which
+// stays there until this process ends.
+void DragFile(HWND window, const WCHAR* fileName, BOOL (*make)(const WCHAR* path));
 
 // ---- folders, memory ----
 struct ITEMIDLIST;

@@ -29,6 +29,7 @@ using HKEY = DWORD;
 // Objects of the window system: opaque, null when absent.
 using HWND = struct WindowObject*;
 using HMENU = struct MenuObject*;
+using HDROP = struct DroppedFiles*;
 using HACCEL = struct AcceleratorTable*;
 using HDC = struct DeviceContext*;
 using HINSTANCE = struct ModuleObject*;

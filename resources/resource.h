@@ -344,6 +344,11 @@
 #define IDS_VIEWER_COLUMN_SIZE 271
 #define IDS_VIEWER_COLUMN_ID 272
 
+// Strings: files opened from outside
+#define IDS_CONFIRM_RUN_SCRIPT 300
+#define IDS_CANNOT_OPEN_DOCUMENT 301
+#define IDS_PATH_TOO_LONG 302
+
 // Strings: popups and tool tips of the menu bars
 #define IDS_BAR_EDIT 400
 #define IDS_BAR_VIEW 401

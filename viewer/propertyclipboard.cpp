@@ -1,11 +1,19 @@
 #include "viewer/propertyclipboard.h"
 
-#include "platform/clipboard.h"
+#include "lists/clipboardtext.h"
 #include "platform/shell.h"
+#include "store/propertyvalues.h"
 
 UINT PropertyClipFormat() {
     static const UINT format = RegisterClipboardFormatW(u"NV_DatabasePropFmt");
     return format;
+}
+
+// For other programs; binary data has no text that anybody could use.
+static void OfferValueText(const CEPROPVAL& property) {
+    WCHAR buffer[kValueTextCapacity];
+    if (TypeFromPropID(property.propid) != CEVT_BLOB)
+        OfferText(FormatPropertyText(property, buffer));
 }
 
 bool PutPropertyOnClipboard(HWND owner, const CEPROPVAL& property) {
@@ -19,8 +27,10 @@ bool PutPropertyOnClipboard(HWND owner, const CEPROPVAL& property) {
         return false;
     }
     EmptyClipboard();
-    if (SetClipboardData(PropertyClipFormat(), block))
+    if (SetClipboardData(PropertyClipFormat(), block)) {
+        OfferValueText(property);
         return true;
+    }
     LocalFree(block);
     return false;
 }

@@ -1,4 +1,5 @@
-// One property on the clipboard, in a format of its own: a FlatProperty block.
+// One property on the clipboard, in a format of its own: a FlatProperty block. Beside it lies the value as
+// text, for other programs.
 #pragma once
 
 #include "viewer/flatproperty.h"

@@ -41,6 +41,10 @@ bool OnMessage(RecordViewer* viewer, HWND dialog, UINT message, WPARAM wParam, L
     case WM_COMMAND:
         viewer->RunCommand(LOWORD(wParam), HIWORD(wParam), GetFocus());
         return true;
+    // The host's own button and Alt+F4 finish, as the title bar's OK does: Cancel would lose what is typed.
+    case WM_CLOSE:
+        viewer->RunCommand(IDOK, 0, GetFocus());
+        return true;
     case WM_NOTIFY:
         return OnNotify(viewer, reinterpret_cast<const NMHDR*>(lParam));
     case WM_INITMENUPOPUP:
@@ -187,6 +191,7 @@ void RecordViewer::InitWindow() {
     LoadText(IDS_VIEWER_TITLE, prefix);
     wsprintfW(title, u"%s%s\"", prefix, databaseName);
     SetDlgItemTextW(dialog, IDC_FRAME_TITLE, title);
+    SHSetDocumentTitle(dialog, title);
 }
 
 namespace {

@@ -4,6 +4,7 @@
 #include "app/uiservices.h"
 #include "dblist/commands.h"
 #include "dblist/databaselist.h"
+#include "dblist/documents.h"
 #include "dblist/management.h"
 #include "platform/controls.h"
 #include "platform/gdi.h"
@@ -33,6 +34,11 @@ LRESULT OnCreate(HWND window, const CREATESTRUCTW* create) {
     return 0;
 }
 
+void OnEndSession() {
+    SaveListSelection();
+    App().settings->Save();
+}
+
 void OnDestroy() {
     if (App().listView) // a window whose list could not be made goes through here, too
         SaveListSelection();
@@ -42,7 +48,9 @@ void OnDestroy() {
     DeleteObject(App().smallIcons);
     DeleteObject(App().spareObject);
     DeleteObject(App().headerImages);
-    // A command that is still running finds that they are gone.
+    DragFinish(App().waitingFiles);
+    App().waitingFiles = nullptr;
+    // A command that is still running finds that these are gone.
     App().mainWindow = nullptr;
     App().listView = nullptr;
     App().menuBar = nullptr;
@@ -125,6 +133,9 @@ LRESULT MainWindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lPa
         if (App().idle)
             DestroyWindow(window);
         return 0;
+    case WM_ENDSESSION:
+        OnEndSession();
+        return 0;
     case WM_SETTINGCHANGE:
         OnSettingChange(window, wParam, lParam);
         return 0;
@@ -136,6 +147,9 @@ LRESULT MainWindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lPa
         return 0;
     case WM_COMMAND:
         RunMainCommand(window, LOWORD(wParam));
+        return 0;
+    case WM_DROPFILES:
+        OpenDocuments(window, reinterpret_cast<HDROP>(wParam));
         return 0;
     case WM_INITMENUPOPUP:
         UpdateMainMenu(reinterpret_cast<HMENU>(wParam));

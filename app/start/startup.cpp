@@ -43,5 +43,6 @@ int WinMain(HINSTANCE instance, HINSTANCE previous, WCHAR* commandLine, int) {
     if (!CreateMainWindow())
         return 0;
     SHInitMainWindow(App().mainWindow);
+    DragAcceptFiles(App().mainWindow, TRUE);
     return RunMessageLoop();
 }

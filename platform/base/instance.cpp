@@ -1,5 +1,6 @@
 #include "platform/base/instance.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <sched.h>
@@ -7,6 +8,7 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
+#include <utility>
 
 #include "platform/base/descriptor.h"
 #include "platform/base/utf8.h"
@@ -14,7 +16,9 @@
 
 namespace {
 
+// A request is this letter, and behind it the path of a document in UTF-8, if there is one.
 constexpr char kRequest = 'F';
+constexpr std::size_t kLongestRequest = 1 + 3 * MAX_PATH; // bytes
 constexpr int kBacklog = 16;
 constexpr int kAttempts = 100;
 
@@ -51,26 +55,42 @@ bool SameUser(int descriptor) {
 
 enum class Answer { None, FromStranger, Reached };
 
-// Does not wait: a window too busy to take calls has its queue full of them, and is there.
-Answer Call(const SocketName& name, bool request) {
+std::u16string& StartDocument() {
+    static auto* document = new std::u16string;
+    return *document;
+}
+
+// Does not wait: a window too busy to take calls has its queue full of them, and is there. An empty request
+// only looks who is there.
+Answer Call(const SocketName& name, const std::string& request) {
     const Descriptor caller(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     if (connect(caller.Number(), name.Generic(), name.length) != 0)
         return errno == EAGAIN ? Answer::Reached : Answer::None;
     if (!SameUser(caller.Number()))
         return Answer::FromStranger;
+    const auto length = static_cast<ssize_t>(request.size());
     const bool sent =
-        !request || send(caller.Number(), &kRequest, sizeof(kRequest), MSG_NOSIGNAL) == sizeof(kRequest);
+        request.empty() || send(caller.Number(), request.data(), request.size(), MSG_NOSIGNAL) == length;
     return sent ? Answer::Reached : Answer::None;
 }
 
-// One that only looked whether there is a window has hung up without a word.
-bool HearRequest(int caller) {
+// What the caller says until it hangs up; nothing from one that only looked whether there is a window.
+std::string HearRequest(int caller) {
     // A caller sends at once; one that does not is not waited for.
     const timeval patience{0, 200000};
     setsockopt(caller, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience));
-    char request = 0;
-    return SameUser(caller) && recv(caller, &request, sizeof(request), 0) == sizeof(request) &&
-           request == kRequest;
+    char heard[kLongestRequest];
+    const ssize_t length = SameUser(caller) ? recv(caller, heard, sizeof(heard), MSG_WAITALL) : 0;
+    return std::string(heard, static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+}
+
+void Take(const std::string& request, ForegroundRequests& requests) {
+    if (request.empty() || request[0] != kRequest)
+        return;
+    requests.any = true;
+    const std::u16string document = FromUtf8(std::string_view(request).substr(1));
+    if (!document.empty() && document.size() < MAX_PATH)
+        requests.documents.push_back(document);
 }
 
 } // namespace
@@ -86,7 +106,7 @@ WindowClaim ClaimWindow(const WCHAR* className) {
                 return {listener, false};
             break;
         }
-        answer = Call(name, false);
+        answer = Call(name, {});
         sched_yield();
     }
     if (listener >= 0)
@@ -94,19 +114,27 @@ WindowClaim ClaimWindow(const WCHAR* className) {
     return {-1, answer == Answer::Reached};
 }
 
-bool AcceptForegroundRequests(int listener) {
-    bool requested = false;
+void SetStartDocument(const std::u16string& path) {
+    StartDocument() = path;
+}
+
+std::u16string TakeStartDocument() {
+    return std::exchange(StartDocument(), {});
+}
+
+ForegroundRequests AcceptForegroundRequests(int listener) {
+    ForegroundRequests requests;
     for (int i = 0; i < kBacklog; ++i) {
         const int caller = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
         if (caller < 0)
             break;
-        requested = HearRequest(caller) || requested;
+        Take(HearRequest(caller), requests);
         close(caller);
     }
-    return requested;
+    return requests;
 }
 
 bool RequestForeground(const WCHAR* className) {
     const SocketName name = NameOf(className);
-    return name.length && Call(name, true) == Answer::Reached;
+    return name.length && Call(name, kRequest + ToUtf8(StartDocument())) == Answer::Reached;
 }

@@ -13,6 +13,8 @@ namespace {
 
 using Words = std::vector<std::u16string>;
 
+constexpr const WCHAR* kDocuments[] = {u".bkp", u".abk", u".rbk"};
+
 std::string Complain(std::string_view argument, const char* what) {
     return "the argument " + std::string(argument) + ' ' + what;
 }
@@ -74,6 +76,24 @@ std::string AddWord(Words& words, std::string_view argument) {
         return Complain(argument, "holds a double quote, which cannot be handed on");
     words.push_back(text);
     return {};
+}
+
+// A file manager names the file that the user chose, and nothing else.
+bool NamesDocument(const Words& words) {
+    if (words.size() != 1 || SwitchLetter(words[0]))
+        return false;
+    const std::size_t dot = std::min(words[0].rfind(u'.'), words[0].size());
+    return std::any_of(std::begin(kDocuments), std::end(kDocuments), [&](const WCHAR* extension) {
+        return lstrcmpiW(words[0].c_str() + dot, extension) == 0;
+    });
+}
+
+// The same file for a process in another folder.
+std::u16string FromRoot(const std::u16string& path) {
+    std::error_code unreadable;
+    return path.starts_with(u'\\')
+               ? path
+               : DevicePathOf(std::filesystem::absolute(ToUtf8(path), unreadable).string());
 }
 
 std::u16string Join(const Words& words) {
@@ -145,6 +165,12 @@ std::string ParseArguments(int count, const char* const* arguments, Options& opt
             complaint = TakeFolder(count, arguments, i, *folder);
         else
             complaint = "unknown option " + std::string(argument) + "; see --help";
+    }
+    if (NamesDocument(words)) {
+        options.document = FromRoot(words[0]);
+        words.clear();
+        if (options.document.size() >= MAX_PATH)
+            complaint = Complain(ToUtf8(options.document), "is too long");
     }
     options.commandLine = Join(words);
     options.makesDevice = MakesDevice(words);

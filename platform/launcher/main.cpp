@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/base/libraryremarks.h"
+#include "platform/base/instance.h"
 #include "platform/device.h"
 #include "platform/errors.h"
 #include "platform/irda/air.h"
@@ -24,10 +25,11 @@ constexpr int kBadOption = 2;
 constexpr int kBadDevice = 3;
 
 void PrintHelp() {
-    std::puts("Usage: pocket-strandview [options] [switches]\n"
+    std::puts("Usage: pocket-strandview [options] [FILE | switches]\n"
               "\n"
-              "Without switches, opens the window on the device's databases. With switches, does one\n"
-              "job and ends:\n"
+              "Without switches, opens the window on the device's databases, and there FILE: an archive\n"
+              "(.bkp) to restore from, an Autobackup script (.abk) to run, or a saved registry (.rbk) to\n"
+              "restore. With switches, does one job and ends:\n"
               "  -B ARCHIVE  back up all databases into ARCHIVE\n"
               "  -R ARCHIVE  restore the databases of ARCHIVE\n"
               "  -A SCRIPT   run the Autobackup script SCRIPT\n"
@@ -125,6 +127,7 @@ int main(int argc, char** argv) {
     if (!UseDevice(options.device, options.makesDevice) || !OpenDeviceStore())
         return ReportDevice(options.device);
     UseAir(options.air);
+    SetStartDocument(options.document);
     // The module needs a value of its own only; its resources are linked into this very file.
     static char module;
     const int code =

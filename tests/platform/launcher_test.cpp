@@ -80,6 +80,30 @@ TEST(Launcher, TakesHostPathsWherePathsBelong) {
     EXPECT_NE(Parse({"-B", tooLong.c_str()}, refused), "");
 }
 
+TEST(Launcher, TakesAFileThatStandsAloneForTheDocument) {
+    const std::u16string here = u"\\Storage Card" + QDir::currentPath().replace('/', '\\').toStdU16String();
+    const struct {
+        std::vector<const char*> typed;
+        std::u16string document, commandLine;
+    } known[] = {
+        {{"/no such/all.BKP"}, u"\\Storage Card\\no such\\all.BKP", u""},
+        {{"--device", "x", "a b.abk"}, here + u"\\a b.abk", u""},
+        {{"\\My Documents\\x.rbk"}, u"\\My Documents\\x.rbk", u""},
+        {{"all.bkp", "-D"}, u"", u"all.bkp -D"},
+        {{"all.txt"}, u"", u"all.txt"},
+        {{"-b.bkp"}, u"", u"-b.bkp"},
+    };
+    for (const auto& [typed, document, commandLine] : known) {
+        std::vector<const char*> arguments{"program"};
+        arguments.insert(arguments.end(), typed.begin(), typed.end());
+        Options options;
+        EXPECT_EQ(ParseArguments(static_cast<int>(arguments.size()), arguments.data(), options), "");
+        EXPECT_EQ(options.document, document);
+        EXPECT_EQ(options.commandLine, commandLine);
+        EXPECT_EQ(options.makesDevice, commandLine.empty());
+    }
+}
+
 TEST(Launcher, OnlyTheWindowAndARestoreMakeADevice) {
     const struct {
         std::vector<const char*> typed;
@@ -251,12 +275,19 @@ TEST(Instance, OnlyARequestBringsTheWindowToTheFront) {
     const TestDevice device;
     const int listener = ClaimWindow(kClass).listener;
     ASSERT_GE(listener, 0);
-    EXPECT_FALSE(AcceptForegroundRequests(listener));
+    EXPECT_FALSE(AcceptForegroundRequests(listener).any);
     EXPECT_TRUE(ClaimWindow(kClass).taken);
-    EXPECT_FALSE(AcceptForegroundRequests(listener));
+    EXPECT_FALSE(AcceptForegroundRequests(listener).any);
     EXPECT_TRUE(ClaimWindow(kClass).taken && RequestForeground(kClass));
-    EXPECT_TRUE(AcceptForegroundRequests(listener));
-    EXPECT_FALSE(AcceptForegroundRequests(listener));
+    SetStartDocument(u"\\\u00e9.bkp");
+    EXPECT_TRUE(RequestForeground(kClass));
+    SetStartDocument(std::u16string(MAX_PATH, u'\u20ac'));
+    EXPECT_TRUE(RequestForeground(kClass));
+    SetStartDocument({});
+    const ForegroundRequests requests = AcceptForegroundRequests(listener);
+    EXPECT_TRUE(requests.any);
+    EXPECT_EQ(requests.documents, std::vector<std::u16string>{u"\\\u00e9.bkp"});
+    EXPECT_FALSE(AcceptForegroundRequests(listener).any);
     close(listener);
     EXPECT_FALSE(RequestForeground(kClass));
 }

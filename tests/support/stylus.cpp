@@ -189,6 +189,16 @@ void Stylus::TapRowTwice(HWND list, const std::u16string& text) {
     TapTwice(list, RowPoint(list, text));
 }
 
+void Stylus::DragRow(HWND list, const std::u16string& text, QPoint distance) {
+    const QPoint from = OnDisplay(list, RowPoint(list, text));
+    QWindow* display = HandheldDisplay()->windowHandle();
+    QTest::mousePress(display, Qt::LeftButton, {}, from);
+    QTest::mouseMove(display, from + distance);
+    Settle();
+    QTest::mouseRelease(display, Qt::LeftButton, {}, from + distance);
+    Settle();
+}
+
 void Stylus::TapHeader(HWND list, const std::u16string& title) {
     const QRect section = HeaderSection(list, title);
     if (section.isValid())

@@ -37,6 +37,8 @@ public:
     // The row with that text in its first column; its label is tapped.
     void TapRow(HWND list, const std::u16string& text);
     void TapRowTwice(HWND list, const std::u16string& text);
+    // Presses on that row and moves so far before the button is released.
+    void DragRow(HWND list, const std::u16string& text, QPoint distance);
     // The column with that title.
     void TapHeader(HWND list, const std::u16string& title);
     // From the bar: "Tools/Options...", "View/Sort By/Unsorted", or the name of a button that is a command.

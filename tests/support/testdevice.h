@@ -16,6 +16,7 @@ public:
         std::string name = (std::filesystem::temp_directory_path() / "device.XXXXXX").string();
         folder = mkdtemp(name.data()) ? name : std::string();
         EXPECT_FALSE(folder.empty());
+        setenv("XDG_CONFIG_HOME", (folder + "/config").c_str(), 1);
         storage::CloseStore();
         EXPECT_TRUE(UseDevice(folder));
     }

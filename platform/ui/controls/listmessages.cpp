@@ -170,6 +170,10 @@ ListAnswer ViewMessage(ListWidget& list, UINT message, WPARAM wParam, LPARAM lPa
     case LVM_GETNEXTITEM:
         return model.NextRow(static_cast<int>(wParam),
                              static_cast<UINT>(lParam) & (LVIS_FOCUSED | LVIS_SELECTED));
+    case LVM_HITTEST: {
+        auto* hit = reinterpret_cast<LVHITTESTINFO*>(lParam);
+        return hit->iItem = list.RowAt(QPoint(hit->pt.x, hit->pt.y));
+    }
     case LVM_FINDITEMW: {
         const auto* wanted = reinterpret_cast<const LVFINDINFOW*>(lParam);
         return wanted && (wanted->flags & LVFI_PARAM) ? model.RowOfParam(wanted->lParam) : -1;

@@ -8,6 +8,7 @@
 #include "platform/dialog.h"
 
 class QMenu;
+class QMimeData;
 class QWidget;
 
 namespace ui {
@@ -36,6 +37,8 @@ struct ModalHooks {
     std::function<void(const DialogSeen&)> dialog;
     std::function<void(const PickerSeen&)> picker;
     std::function<void(QMenu*)> menu; // a tracked or dropped-down menu
+    // What is dragged; stands for the host's own drag, where no other program can take part.
+    std::function<void(const QMimeData&)> drag;
 };
 ModalHooks& TestHooks();
 

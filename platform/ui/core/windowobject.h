@@ -68,6 +68,8 @@ struct TopLevelState {
     QPointer<QWidget> frame; // fills the screen's area, around the window's own widget
     HWND lastFocus = nullptr;
     TitleButton button = TitleButton::None;
+    bool acceptsFiles = false;
+    QString documentTitle; // empty for most
     bool fullScreen = true; // else a card of `cardSize` in the middle of the screen
     QSize cardSize;
     std::function<void(const QSize& area)>

@@ -59,8 +59,10 @@ void AnnounceWindow(HWND window) {
     announcement.listener = listener;
     announcement.notifier = std::make_unique<QSocketNotifier>(listener, QSocketNotifier::Read);
     QObject::connect(announcement.notifier.get(), &QSocketNotifier::activated, [window, listener] {
-        if (AcceptForegroundRequests(listener))
+        const ForegroundRequests requests = AcceptForegroundRequests(listener);
+        if (requests.any)
             SetForegroundWindow(window);
+        DropFiles(window, requests.documents);
     });
 }
 

@@ -3,13 +3,20 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDeadlineTimer>
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QMimeData>
 #include <QPainter>
 #include <QScreen>
+#include <QSettings>
+#include <QStandardPaths>
 #include <QStyle>
 #include <QTimer>
 #include <QWindow>
 #include <utility>
 
+#include "platform/base/paths.h"
+#include "platform/device.h"
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/core/windowsystem.h"
 #include "platform/ui/drawing/cursors.h"
@@ -30,10 +37,26 @@ constexpr int kShadow = 12;
 constexpr int kExposePatience = 1000;
 constexpr int kExposeStep = 20;
 
+const QString kPlaceKey = QStringLiteral("place");
 constexpr int kOrientationChanged = 0x3002; // WM_SETTINGCHANGE, wParam
 
 bool IsLandscape(const QSize& size) {
     return size.height() < size.width();
+}
+
+// Belongs to the host and its user, not to the device.
+QSettings PlaceMemory() {
+    return QSettings(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+                         QStringLiteral("/pocket-strandview/display.ini"),
+                     QSettings::IniFormat);
+}
+
+std::vector<std::u16string> DroppedPaths(const QDropEvent& event) {
+    std::vector<std::u16string> paths;
+    for (const QUrl& url : event.mimeData()->urls())
+        if (url.isLocalFile())
+            paths.push_back(DevicePath(url.toLocalFile().toStdString()));
+    return paths;
 }
 
 class DisplayWindow : public QWidget {
@@ -44,6 +67,8 @@ public:
         if (const QScreen* screen = QGuiApplication::primaryScreen())
             first = first.boundedTo(screen->availableSize());
         resize(first);
+        restoreGeometry(PlaceMemory().value(kPlaceKey).toByteArray());
+        setAcceptDrops(true);
         Arrange();
     }
     TitleBar* const bar;
@@ -61,6 +86,14 @@ protected:
         event->ignore();
         kHigherFloors.endLabelEdit();
         PostMessageW(ActiveTopLevel(), WM_CLOSE, 0, 0);
+    }
+    void dragEnterEvent(QDragEnterEvent* event) override {
+        if (!event->source() && AcceptsFiles(ActiveTopLevel()) && !DroppedPaths(*event).empty())
+            event->acceptProposedAction();
+    }
+    void dropEvent(QDropEvent* event) override {
+        DropFiles(ActiveTopLevel(), DroppedPaths(*event));
+        event->acceptProposedAction();
     }
     bool event(QEvent* event) override {
         if (event->type() == QEvent::WindowActivate || event->type() == QEvent::WindowDeactivate)
@@ -191,6 +224,19 @@ void SetScreenIcon(HICON icon) {
     display->bar->SetIcon(picture);
 }
 
+void RememberDisplayPlace() {
+    if (display && display->isVisible())
+        PlaceMemory().setValue(kPlaceKey, display->saveGeometry());
+}
+
+// The host's list of windows tells databases and devices apart by it.
+static QString HostTitle(const WindowObject& titled, const QString& program) {
+    QStringList parts{titled.topLevel->documentTitle, program,
+                      QFileInfo(QString::fromStdString(DeviceFolder())).fileName()};
+    parts.removeAll(QString());
+    return parts.join(QStringLiteral(" \u2013 "));
+}
+
 void UpdateTitleBar() {
     if (!display)
         return;
@@ -204,7 +250,7 @@ void UpdateTitleBar() {
     while (root && LiveWindow(root->owner))
         root = root->owner;
     if (root && !root->text.isEmpty())
-        display->setWindowTitle(root->text);
+        display->setWindowTitle(HostTitle(*titled, root->text));
 }
 
 } // namespace ui

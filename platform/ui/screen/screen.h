@@ -27,6 +27,8 @@ void PaintScreenNow();
 // In front of the host's other windows.
 void RaiseScreen();
 void SetScreenIcon(HICON icon);
+// Writes down where the display is and how large, for the next one of this user.
+void RememberDisplayPlace();
 // Made by the start of the window system, shown with its first window.
 void CreateScreen();
 

@@ -59,8 +59,17 @@ BOOL SHInitMainWindow(HWND window) {
     if (!object || !object->topLevel)
         return FALSE;
     object->topLevel->button = TitleButton::Close;
+    SaveAtSessionEnd(window);
     UpdateTitleBar();
     return TRUE;
+}
+
+void SHSetDocumentTitle(HWND window, const WCHAR* title) {
+    WindowObject* object = LiveWindow(window);
+    if (!object || !object->topLevel)
+        return;
+    object->topLevel->documentTitle = HostText(title);
+    UpdateTitleBar();
 }
 
 BOOL SHHandleWMSettingChange(HWND window, WPARAM, LPARAM, SHACTIVATEINFO* info) {

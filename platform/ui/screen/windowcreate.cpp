@@ -115,6 +115,8 @@ void DestroyTree(HWND window) {
         return;
     if (window->dialog)
         EndDialogLoop(*window->dialog);
+    if (window->topLevel && window->topLevel->button == TitleButton::Close)
+        RememberDisplayPlace();
     WithdrawWindow(window);
     KillTimersOf(window);
     DropMessagesOf(window);

@@ -41,6 +41,15 @@ void UpdateTitleBar();
 // area changed. Also called when the bar's height changed.
 void LayOutTopLevel(HWND window);
 
+// ---- dropped files ----
+bool AcceptsFiles(HWND window);
+// Device paths for a window that accepts them; for any other nothing happens.
+void DropFiles(HWND window, const std::vector<std::u16string>& paths);
+
+// ---- the end of the session ----
+// From now on the window gets WM_ENDSESSION before the process is ended by the host.
+void SaveAtSessionEnd(HWND window);
+
 // ---- other processes ----
 // Asks the process that owns the window to bring it to the front; false when the window is no other
 // process's.
