@@ -58,3 +58,7 @@ DWORD GetFileSize(HANDLE file, DWORD* high);
 BOOL SetEndOfFile(HANDLE file);
 // Fails with ERROR_SHARING_VIOLATION while the file is open, else as CreateFileW.
 BOOL DeleteFileW(const WCHAR* path);
+
+// Bytes of the disk that the file or folder lies on: what is left for this user, and all there are. FALSE,
+// with a last error, when the path leads nowhere.
+BOOL GetDiskFreeSpaceExW(const WCHAR* path, std::uint64_t* available, std::uint64_t* total);

@@ -204,6 +204,7 @@ BOOL CeDeleteRecord(HANDLE database, CEOID record);
 
 // ---- the store ----
 
+// Bytes that the store has and may still take, and of these what is free: at most what 32 bits can tell.
 // FALSE when the device cannot be asked.
 BOOL GetStoreInformation(STORE_INFORMATION* information);
 

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/statvfs.h>
 
 #include "platform/base/devicefiles.h"
 #include "platform/base/handles.h"
@@ -240,6 +241,18 @@ BOOL SetEndOfFile(HANDLE file) {
         target->complete = false;
     return target && (ftruncate(target->Number(), lseek(target->Number(), 0, SEEK_CUR)) == 0 ||
                       Fail(ErrorOfHost(errno)));
+}
+
+BOOL GetDiskFreeSpaceExW(const WCHAR* path, std::uint64_t* available, std::uint64_t* total) {
+    std::string host;
+    struct statvfs disk {};
+    if (!HostPath(path, host) || statvfs(host.c_str(), &disk) != 0) {
+        SetLastError(ERROR_PATH_NOT_FOUND);
+        return FALSE;
+    }
+    *available = std::uint64_t{disk.f_bavail} * disk.f_frsize;
+    *total = std::uint64_t{disk.f_blocks} * disk.f_frsize;
+    return TRUE;
 }
 
 BOOL DeleteFileW(const WCHAR* path) {

@@ -16,6 +16,7 @@ struct Options {
 
 // Arguments that begin with "--" are the launcher's, and so are -h and -v; all others are the program's. An
 // absolute path of the host becomes the device's path for the same file: an argument that begins with a slash
-// where the program wants a path, that holds another slash, or that names what exists. A file of the program's
-// own that stands alone is the document. Returns what is wrong with the arguments, empty when nothing is.
+// where the program wants a path, that holds another slash, or that names what exists. A file of the
+// program's own that stands alone is the document. Returns what is wrong with the arguments, empty when
+// nothing is.
 std::string ParseArguments(int count, const char* const* arguments, Options& options);

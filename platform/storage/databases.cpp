@@ -317,8 +317,10 @@ BOOL GetStoreInformation(STORE_INFORMATION* information) {
     }
     constexpr std::uint64_t kMost = 0xFFFFFFFF;
     const std::uint64_t freeBytes = std::uint64_t{system.f_bavail} * system.f_frsize;
-    const std::uint64_t usedBytes = static_cast<std::uint64_t>(file.st_size);
-    information->dwFreeSize = static_cast<DWORD>(std::min(freeBytes, kMost));
-    information->dwStoreSize = static_cast<DWORD>(std::min(freeBytes + usedBytes, kMost));
+    const std::uint64_t usedBytes = std::min(static_cast<std::uint64_t>(file.st_size), kMost);
+    // What the store takes is the difference, also where the disk has more than 32 bits can tell.
+    const std::uint64_t storeBytes = std::min(freeBytes + usedBytes, kMost);
+    information->dwStoreSize = static_cast<DWORD>(storeBytes);
+    information->dwFreeSize = static_cast<DWORD>(storeBytes - usedBytes);
     return TRUE;
 }

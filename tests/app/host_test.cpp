@@ -147,6 +147,11 @@ TEST_F(HostTest, TheWindowIsNamedAndFoundAgain) {
     RunProgram([&] {
         Window();
         EXPECT_EQ(Display()->windowTitle(), QStringLiteral("Pocket Strandview \u2013 ") + device);
+        Choose(u"Tools/About...");
+        InWindow(IDD_ABOUT);
+        EXPECT_TRUE(Text(IDC_ABOUT_DISK).starts_with(u"The store takes ")) << Text(IDC_ABOUT_DISK).size();
+        Tap(IDOK);
+        InMainWindow();
         stylus.Resize(400, 500);
         TapRow(IDC_LIST, u"B");
         InWindow(IDD_VIEWER);

@@ -118,7 +118,7 @@ TEST(Databases, TellSizeAndTimeOfTheLatestChange) {
     STORE_INFORMATION information{};
     ASSERT_TRUE(GetStoreInformation(&information));
     EXPECT_GT(information.dwFreeSize, 0U);
-    EXPECT_GE(information.dwStoreSize, information.dwFreeSize);
+    EXPECT_GT(information.dwStoreSize, information.dwFreeSize);
 }
 
 TEST(Databases, AreBroughtToTheDiskWhenACommandEnds) {

@@ -69,7 +69,7 @@ struct TopLevelState {
     HWND lastFocus = nullptr;
     TitleButton button = TitleButton::None;
     bool acceptsFiles = false;
-    QString documentTitle; // empty for most
+    QString documentTitle;  // empty for most
     bool fullScreen = true; // else a card of `cardSize` in the middle of the screen
     QSize cardSize;
     std::function<void(const QSize& area)>
