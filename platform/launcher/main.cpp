@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "platform/base/libraryremarks.h"
 #include "platform/base/instance.h"
+#include "platform/base/libraryremarks.h"
 #include "platform/device.h"
 #include "platform/errors.h"
 #include "platform/irda/air.h"
