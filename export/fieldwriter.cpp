@@ -22,8 +22,7 @@ BYTE* PutUnit(BYTE* out, WCHAR unit) {
 template <bool kWide>
 const WCHAR* PutDoubledPart(BYTE*& at, const WCHAR* text, DWORD most) {
     BYTE* out = at;
-    const WCHAR* const end = text + most;
-    for (; text < end && *text; ++text) {
+    for (; most && *text; --most, ++text) {
         out = PutUnit<kWide>(out, *text);
         if (*text == kQuote)
             out = PutUnit<kWide>(out, kQuote);

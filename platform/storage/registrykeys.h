@@ -1,6 +1,7 @@
 // Open keys of the registry, and what they know of the store.
 #pragma once
 
+#include <deque>
 #include <memory>
 #include <vector>
 
@@ -68,8 +69,8 @@ struct Gathered {
     std::int64_t parent = kNoKey; // of a key that is to be made
     std::u16string path;          // below it; empty when the key is there
     std::u16string keyClass;
-    std::vector<ValueChange> changes;
-    DWORD refusal = 0; // why the last one was not taken: then none is written
+    std::deque<ValueChange> changes; // a vector would hold up to twice as many while it grows
+    DWORD refusal = 0;               // why the last one was not taken: then none is written
 };
 
 struct OpenKey final : KernelObject {
