@@ -19,6 +19,7 @@ protected:
 };
 
 using EditTest = WindowTest;
+using StaticTest = WindowTest;
 using ProgressTest = WindowTest;
 
 TEST_F(ButtonTest, CheckBoxesToggleThemselves) {
@@ -55,6 +56,22 @@ TEST_F(ButtonTest, GroupBoxesAndStaticsLetTapsThrough) {
     const QPoint inParent = check->widget->mapTo(main->widget, QPoint(10, 15));
     stylus.Tap(main, inParent);
     EXPECT_EQ(Send(check, BM_GETCHECK), BST_CHECKED);
+}
+
+// Neither a word that is too long nor half a line is cut off.
+TEST_F(StaticTest, LongPathsTakeTheWholeLinesThatThereAre) {
+    const HWND path = Add(u"STATIC", std::u16string(100, u'W').c_str(), SS_NOPREFIX, kFirst, {0, 0, 100, 10});
+    const int line = path->widget->fontMetrics().height();
+    for (const int lines : {1, 3}) {
+        MoveWindow(path, 0, 0, 100, lines * line + line / 2, TRUE);
+        const QImage picture = path->widget->grab().toImage().convertToFormat(QImage::Format_RGB32);
+        int last = 0; // row with something on it
+        for (int y = 0; y < picture.height(); ++y)
+            for (int x = 0; x < picture.width(); ++x)
+                last = picture.pixel(x, y) != picture.pixel(0, picture.height() - 1) ? y : last;
+        EXPECT_GT(last, (lines - 1) * line);
+        EXPECT_LE(last, lines * line);
+    }
 }
 
 TEST_F(ButtonTest, TheOwnerDrawsWithThePressedState) {
