@@ -76,18 +76,18 @@ Ticks HostOffset(std::time_t seconds) {
 // How far the local zone is ahead of UTC at a moment. Days on which it stays the same are kept for a while,
 // as the host's library takes long to find that out.
 Ticks ZoneOffset(Ticks utc) {
-    struct KeptDay {
+    struct KeptOffset {
         unsigned look = 0;
         std::time_t day = 0;
         bool changes = false;
         Ticks offset = 0;
     };
     constexpr std::time_t kDaySeconds = 24 * 60 * 60;
-    static std::array<KeptDay, 1024> days; // about three years in a row
+    static std::array<KeptOffset, 1024> days; // about three years in a row
     const std::time_t seconds = HostSeconds(utc);
     const std::time_t day = seconds / kDaySeconds - (seconds % kDaySeconds < 0);
     const unsigned look = NoticeZone();
-    KeptDay& kept = days[static_cast<std::size_t>(day) % days.size()];
+    KeptOffset& kept = days[static_cast<std::size_t>(day) % days.size()];
     if (kept.look != look || kept.day != day) {
         const Ticks offset = HostOffset(day * kDaySeconds);
         kept = {look, day, HostOffset((day + 1) * kDaySeconds) != offset, offset};
