@@ -43,6 +43,10 @@ std::uint64_t RegistryChange(const Store& store) {
     return ownChanges + store.epoch;
 }
 
+std::uint64_t OwnRegistryChange() {
+    return ownChanges;
+}
+
 void ForgetRead() {
     ++ownChanges;
     ForgetWay();

@@ -46,7 +46,8 @@ private:
 template <typename Item>
 struct Stretch {
     std::uint64_t change = 0; // 0: nothing was read
-    DWORD first = 0;          // the index of the first item
+    std::uint64_t ownChange = 0;
+    DWORD first = 0; // the index of the first item
     bool reachesEnd = false;
     std::vector<Item> items;
 
@@ -85,6 +86,9 @@ struct OpenKey final : KernelObject {
 
 // Moves on with every change of the registry, in this process or another.
 std::uint64_t RegistryChange(const Store& store);
+
+// The same for changes in this process alone.
+std::uint64_t OwnRegistryChange();
 
 // Drops what was read ahead, which then is read anew.
 void ForgetRead();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <deque>
 #include <limits>
+#include <type_traits>
 
 #include "platform/errors.h"
 #include "platform/storage/registrykeys.h"
@@ -45,6 +46,7 @@ bool ReadStretch(Store& store, const char* sql, std::int64_t key, DWORD index, S
     stretch.first = index;
     stretch.reachesEnd = bytes < kStretchBytes && stretch.items.size() < kStretchItems;
     stretch.change = change;
+    stretch.ownChange = OwnRegistryChange();
     return true;
 }
 
@@ -104,6 +106,7 @@ bool TakeAhead(Store& store, std::int64_t key, Stretch<ListedValue>& values) {
     values.first = 0;
     values.reachesEnd = true;
     values.change = ahead.change;
+    values.ownChange = OwnRegistryChange();
     return true;
 }
 
@@ -115,7 +118,10 @@ bool ReadValues(Store& store, OpenKey& key, DWORD index) {
 // An item of a stretch, which `read` first reads from there on when it lies elsewhere.
 template <typename Item, typename Read>
 const Item* ItemAt(Store& store, DWORD index, Stretch<Item>& stretch, Read read) {
-    const bool current = stretch.change == RegistryChange(store);
+    // A key is not torn by another process: its values are those that were there at the first of them.
+    const bool goesOn = std::is_same_v<Item, ListedValue> && index > 0 && stretch.change != 0 &&
+                        stretch.first == 0 && stretch.reachesEnd && stretch.ownChange == OwnRegistryChange();
+    const bool current = goesOn || stretch.change == RegistryChange(store);
     const Item* item = current ? stretch.Find(index) : nullptr;
     const bool beyond = current && stretch.reachesEnd && index >= stretch.first;
     if (!item && !beyond) {

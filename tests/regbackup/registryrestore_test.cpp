@@ -36,7 +36,7 @@ class RegistryRestoreTest : public QuietTest {
 protected:
     static constexpr int kKeys = 4;
 
-    static constexpr int kBackups = 20;
+    static constexpr int kBackups = 100;
 
     static void Save(const WCHAR* path = kPath) { ASSERT_TRUE(RegistryBackup(nullptr, path).Save()); }
     // The same for both values of each of some keys.
