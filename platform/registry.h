@@ -64,11 +64,11 @@ LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, con
 
 LONG RegDeleteValueW(HKEY key, const WCHAR* name);
 
-// The subkey, or the value, at an index counted from 0, in the order of their names. That of a key's few
-// values goes on, until this process changes something, with those that were there at its index 0. Name and
-// class lengths are in characters: room with the terminator on entry, length without it on return. `reserved`
-// and `lastWrite` are null; the class, `type`, `data` and `size` may be null. With ERROR_MORE_DATA for a
-// value *size is the length that its data takes.
+// The subkey, or the value, at an index counted from 0, in the order of their names. An enumeration of
+// a key's few values goes on, until this process changes something, with those that were there at its index
+// 0. Name and class lengths are in characters: room with the terminator on entry, length without it on
+// return. `reserved` and `lastWrite` are null; the class, `type`, `data` and `size` may be null. With
+// ERROR_MORE_DATA for a value *size is the length that its data takes.
 LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* nameLength, DWORD* reserved, WCHAR* keyClass,
                    DWORD* classLength, FILETIME* lastWrite);
 LONG RegEnumValueW(HKEY key, DWORD index, WCHAR* name, DWORD* nameLength, DWORD* reserved, DWORD* type,
