@@ -1,6 +1,6 @@
 // How a list's columns share its width. What the program has set is a wish: a column that needs less gives
 // way to those that need more, the names before all others, and the last one takes the room that is left.
-// Nobody gets less than was wished for and needed. Columns that the user has sized stay so.
+// Columns that the user has sized stay so.
 #include <QHeaderView>
 #include <QScopedValueRollback>
 #include <QScrollBar>
@@ -107,9 +107,12 @@ void ListWidget::ApplyColumnWidths() {
 void ListWidget::TakeColumnWidth(int column, int width) {
     if (sharing || !model->HasColumn(column))
         return;
-    if (!widthsChosen)
-        for (int each = 0; model->HasColumn(each); ++each)
+    if (!widthsChosen) {
+        int last = 0;
+        for (int each = 0; model->HasColumn(each); last = each++)
             model->Column(each).width = details->header()->sectionSize(each);
+        model->Column(last).width = std::min(model->Column(last).width, NeededWidths().back());
+    }
     widthsChosen = true;
     model->Column(column).width = width;
     ShareRoom();

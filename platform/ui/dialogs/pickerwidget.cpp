@@ -8,12 +8,11 @@
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QLocale>
 #include <QStyle>
-#include <QStyleOptionHeader>
 
 #include "platform/base/paths.h"
 #include "platform/ui/controls/controlsupport.h"
+#include "platform/ui/dialogs/pickerfiles.h"
 #include "platform/ui/drawing/gdiobjects.h"
 #include "platform/ui/drawing/look.h"
 #include "platform/ui/screen/screen.h"
@@ -24,12 +23,8 @@ namespace {
 
 const QString kDocuments = QStringLiteral("\\My Documents");
 const QString kDevice = QStringLiteral("\\");
-constexpr int kSizeColumn = 1;
-constexpr int kTypeColumn = 2;
-constexpr int kDateColumn = 3;
 // At 96 dots an inch.
 constexpr int kPickerMargin = 6;
-constexpr int kRowHeight = 28;
 constexpr int kPickerButtonHeight = 30;
 constexpr int kRoomForColumns = 60; // average characters; narrower, only the names are shown
 
@@ -43,58 +38,6 @@ QString HostPathOf(const QString& devicePath) {
 QString DevicePathOf(const QString& host) {
     return QString::fromStdU16String(DevicePath(host.toStdString()));
 }
-
-QString DateText(const QDateTime& date) {
-    return QLocale().toString(date, QLocale::ShortFormat);
-}
-
-// As the lists of the program have it.
-QString SizeText(qint64 bytes) {
-    return QString::asprintf("%lld.%02lldKB", bytes / 1024, bytes % 1024 * 100 / 1024);
-}
-
-// Its arrow points up where rows ascend, as everywhere on the device, and headings stand as their values do.
-class FilesHeader : public QHeaderView {
-public:
-    explicit FilesHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {
-        setSectionsClickable(true);
-        setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    }
-
-protected:
-    void initStyleOptionForIndex(QStyleOptionHeader* option, int section) const override {
-        QHeaderView::initStyleOptionForIndex(option, section);
-        if (option->sortIndicator != QStyleOptionHeader::None)
-            option->sortIndicator = option->sortIndicator == QStyleOptionHeader::SortUp
-                                        ? QStyleOptionHeader::SortDown
-                                        : QStyleOptionHeader::SortUp;
-        if (section == kSizeColumn || section == kDateColumn)
-            option->textAlignment = Qt::AlignRight | Qt::AlignVCenter;
-    }
-};
-
-// Rows high enough for a stylus; pictures that do not depend on the host's theme.
-class FileModel : public QFileSystemModel {
-public:
-    using QFileSystemModel::QFileSystemModel;
-    QVariant data(const QModelIndex& index, int role) const override {
-        if (role == Qt::SizeHintRole)
-            return QSize(0, Scaled(kRowHeight));
-        if (role == Qt::DecorationRole && index.column() == 0)
-            return isDir(index) ? folderIcon : fileIcon;
-        if (role == Qt::DisplayRole && index.column() == kDateColumn)
-            return DateText(lastModified(index));
-        if (role == Qt::DisplayRole && index.column() == kSizeColumn)
-            return isDir(index) ? QString() : SizeText(size(index));
-        if (role == Qt::TextAlignmentRole && index.column() == kDateColumn)
-            return int(Qt::AlignRight | Qt::AlignVCenter);
-        return QFileSystemModel::data(index, role);
-    }
-
-private:
-    const QIcon folderIcon = QApplication::style()->standardIcon(QStyle::SP_DirIcon);
-    const QIcon fileIcon = QApplication::style()->standardIcon(QStyle::SP_FileIcon);
-};
 
 } // namespace
 
@@ -151,13 +94,13 @@ QWidget* PickerWidget::MakeFolderRow() {
 }
 
 void PickerWidget::MakeFiles() {
-    model = new FileModel(this);
+    model = new PickerFiles(this);
     model->setFilter(QDir::AllDirs | QDir::Files | QDir::NoDotAndDotDot);
     model->setNameFilterDisables(false);
     files = new QTreeView(this);
     files->setObjectName(QStringLiteral("pickerFiles"));
     files->setAccessibleName(tr("Files"));
-    files->setHeader(new FilesHeader(files));
+    files->setHeader(new PickerHeader(files));
     files->setModel(model);
     files->setRootIsDecorated(false);
     files->setItemsExpandable(false);
@@ -349,8 +292,8 @@ void PickerWidget::FitWidth() {
     files->setColumnHidden(kDateColumn, !room);
     const int margin = Scaled(4 * kPickerMargin);
     const QDateTime longDate(QDate(2022, 12, 28), QTime(22, 58, 58));
-    files->setColumnWidth(kSizeColumn, fontMetrics().horizontalAdvance(SizeText(1 << 30)) + margin);
-    files->setColumnWidth(kDateColumn, fontMetrics().horizontalAdvance(DateText(longDate)) + margin);
+    files->setColumnWidth(kSizeColumn, fontMetrics().horizontalAdvance(FileSizeText(1 << 30)) + margin);
+    files->setColumnWidth(kDateColumn, fontMetrics().horizontalAdvance(FileDateText(longDate)) + margin);
 }
 
 void PickerWidget::resizeEvent(QResizeEvent*) {

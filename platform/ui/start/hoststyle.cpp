@@ -39,6 +39,7 @@ void HostStyle::DrawEdge(PrimitiveElement element, const QStyleOption& option, Q
     case PE_PanelButtonCommand:
     case PE_PanelLineEdit:
     case PE_Frame:
+    case PE_FrameMenu:
         painter.drawRoundedRect(edge, kCorner, kCorner);
         break;
     default:
