@@ -117,9 +117,10 @@ TEST_F(Pickers, OpenTakesOnlyWhatIsThere) {
 }
 
 TEST_F(Pickers, FoldersAndFilesOfTheListAreOpened) {
-    std::ofstream(documents + "/Old/last year.bkp") << "archive";
+    std::ofstream(documents + "/Old/last year.bkp") << std::string(1536, 'a');
     std::ofstream(documents + "/Old/notes.txt") << "not of the type asked for";
     QStringList listed;
+    QStringList sizes;
     WhenShown([&](QWidget* picker) {
         auto* const files = picker->findChild<QTreeView*>(QStringLiteral("pickerFiles"));
         const auto rowsOf = [files] {
@@ -134,6 +135,7 @@ TEST_F(Pickers, FoldersAndFilesOfTheListAreOpened) {
             const auto row = static_cast<int>(rowsOf().indexOf(name));
             files->setFocus();
             files->setCurrentIndex(files->model()->index(row, 0, files->rootIndex()));
+            sizes += files->currentIndex().siblingAtColumn(1).data().toString();
             QTest::keyClick(files, Qt::Key_Return);
         };
         openRow(QStringLiteral("Old"), 2);
@@ -143,6 +145,7 @@ TEST_F(Pickers, FoldersAndFilesOfTheListAreOpened) {
     EXPECT_EQ(std::u16string(path), u"\\My Documents\\Old\\last year.bkp");
     listed.sort(); // the list is put in order some time after it is read
     EXPECT_EQ(listed.join(u','), QStringLiteral("Old,all.bkp,last year.bkp"));
+    EXPECT_EQ(sizes.join(u','), QStringLiteral(",1.50KB")); // none of a folder
 }
 
 TEST_F(Pickers, CancelAndPathsTooLongGiveNothing) {
