@@ -16,6 +16,7 @@ namespace {
 
 constexpr int kMargin = 4;
 constexpr int kCheckSize = 16;
+constexpr int kMostLines = 3; // of a name below or beside its icon
 
 CellLayout LayOutLargeIcon(const ListWidget& list, const QRect& cell, const QString& text) {
     CellLayout layout;
@@ -27,7 +28,7 @@ CellLayout LayOutLargeIcon(const ListWidget& list, const QRect& cell, const QStr
     int room = cell.width() - 2 * kMargin;
     int wanted = metrics.horizontalAdvance(text);
     int width = std::min(wanted, room) + 2 * kMargin;
-    int lines = wanted > room ? 2 : 1;
+    const auto lines = static_cast<int>(LabelLines(list.CurrentView()->font(), text, room).size());
     layout.label = QRect(cell.x() + (cell.width() - width) / 2, layout.image.bottom() + kMargin, width,
                          lines * metrics.lineSpacing() + 2);
     return layout;
@@ -46,27 +47,40 @@ QString Shortened(const QFontMetrics& metrics, const QString& text, int room) {
     return metrics.horizontalAdvance(text) <= room ? text : metrics.elidedText(text, Qt::ElideRight, room);
 }
 
-// Two lines at the most, broken between words where that is possible.
+} // namespace
+
+QStringList LabelLines(const QFont& font, const QString& text, int room) {
+    const QFontMetrics metrics(font);
+    if (metrics.horizontalAdvance(text) <= room)
+        return {text};
+    QTextLayout layout(text, font);
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    layout.beginLayout();
+    QStringList lines;
+    qsizetype shown = 0;
+    while (shown < text.size() && lines.size() < kMostLines - 1) {
+        QTextLine line = layout.createLine();
+        line.setLineWidth(room);
+        lines += text.mid(shown, line.textLength()).trimmed();
+        shown += line.textLength();
+    }
+    layout.endLayout();
+    if (shown < text.size())
+        lines += Shortened(metrics, text.mid(shown), room);
+    return lines;
+}
+
+namespace {
+
 void PaintIconLabel(QPainter& painter, const QFont& font, const QRect& rect, const QString& text,
                     Qt::Alignment alignment) {
-    QFontMetrics metrics(font);
-    QRect line(rect.x(), rect.y(), rect.width(), metrics.lineSpacing());
-    int broken = static_cast<int>(text.size());
-    if (metrics.horizontalAdvance(text) > rect.width()) {
-        QTextLayout layout(text, font);
-        QTextOption option;
-        option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-        layout.setTextOption(option);
-        layout.beginLayout();
-        QTextLine first = layout.createLine();
-        first.setLineWidth(rect.width());
-        layout.endLayout();
-        broken = first.textLength();
+    QRect line(rect.x(), rect.y(), rect.width(), QFontMetrics(font).lineSpacing());
+    for (const QString& part : LabelLines(font, text, rect.width())) {
+        painter.drawText(line, static_cast<int>(alignment) | Qt::AlignTop | Qt::TextSingleLine, part);
+        line.translate(0, line.height());
     }
-    const int flags = static_cast<int>(alignment) | Qt::AlignTop | Qt::TextSingleLine;
-    painter.drawText(line, flags, text.left(broken).trimmed());
-    line.translate(0, line.height());
-    painter.drawText(line, flags, Shortened(metrics, text.mid(broken), rect.width()));
 }
 
 void PaintLabel(QPainter& painter, const ListWidget& list, const QRect& rect, const QString& text,
@@ -79,6 +93,14 @@ void PaintLabel(QPainter& painter, const ListWidget& list, const QRect& rect, co
     else
         painter.drawText(rect, alignment | Qt::AlignVCenter | Qt::TextSingleLine,
                          Shortened(QFontMetrics(font), text, rect.width()));
+}
+
+// The highlight of a name beside its small icon is as high as its lines.
+void ShrinkToLines(const ListWidget& list, const QString& text, QRect& label) {
+    const QFont font = list.CurrentView()->font();
+    const auto lines = static_cast<int>(LabelLines(font, text, label.width() - 2 * kMargin).size());
+    const int height = std::min(label.height(), lines * QFontMetrics(font).lineSpacing() + 2);
+    label = QRect(label.x(), label.y() + (label.height() - height) / 2, label.width(), height);
 }
 
 // Headings begin behind the room of their arrow; their values stand below them.
@@ -112,6 +134,8 @@ CellLayout LayOutCell(const ListWidget& list, const QRect& cell, int row, int co
         x += HeadingIndent(list);
     int room = std::max(0, cell.right() - x - kMargin / 2);
     layout.label = QRect(x, cell.y(), std::min(wanted, room), cell.height());
+    if (list.View() == LVS_SMALLICON)
+        ShrinkToLines(list, text, layout.label);
     if (column > 0) // free to be aligned
         layout.label.setWidth(room);
     return layout;

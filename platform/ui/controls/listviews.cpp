@@ -13,6 +13,8 @@ namespace ui {
 
 namespace {
 
+constexpr int kAroundLabel = 8; // pixels beside a name below its icon
+
 class CellDelegate : public QStyledItemDelegate {
 public:
     CellDelegate(ListWidget& list, QObject* parent) : QStyledItemDelegate(parent), list(list) {}
@@ -102,25 +104,35 @@ void IconsView::Arrange(DWORD view) {
     scheduleDelayedItemsLayout();
 }
 
+int IconsView::MostLines(int room) const {
+    qsizetype most = 1;
+    for (int row = 0; row < list.model->RowCount(); ++row)
+        most = std::max(most, LabelLines(font(), list.model->Text(row, 0), room).size());
+    return static_cast<int>(most);
+}
+
 QSize IconsView::ItemSize() const {
     QFontMetrics metrics(font());
     QSize image = ImageListSize(list.Images());
-    if (list.View() == LVS_ICON)
-        return QSize(std::max(image.width() + 24, metrics.averageCharWidth() * 17),
-                     image.height() + 2 * metrics.lineSpacing() + 14);
+    if (list.View() == LVS_ICON) {
+        const int cell = std::max(image.width() + 24, metrics.averageCharWidth() * 17);
+        const int lines = std::max(2, MostLines(cell - kAroundLabel));
+        return QSize(cell, image.height() + lines * metrics.lineSpacing() + 14);
+    }
     int width = metrics.averageCharWidth() * 8;
     for (int row = 0; row < list.model->RowCount(); ++row)
         width = std::max(width, metrics.horizontalAdvance(list.model->Text(row, 0)));
-    width += image.width() + 24 + (list.CheckBoxes() ? 20 : 0);
+    const int before = image.width() + 24 + (list.CheckBoxes() ? 20 : 0);
+    width += before;
     // A row wider than what the host lays out in would leave an empty line above the first item. It keeps
     // room for a scroll bar that is not there yet.
     const QScrollBar& bar = *verticalScrollBar();
     const int room = viewport()->width() - (bar.isVisible() ? 0 : bar.sizeHint().width()) - 1;
-    // Small icons stand beside each other, a long name in two lines, where a list has one line for each.
-    const int widest = std::max(list.View() == LVS_SMALLICON ? room / 2 : room, 80);
-    const bool twoLines = list.View() == LVS_SMALLICON && width > widest;
-    return QSize(std::min(width, widest),
-                 twoLines ? std::max(list.RowHeight(), 2 * metrics.lineSpacing() + 4) : list.RowHeight());
+    if (list.View() == LVS_LIST)
+        return QSize(std::min(width, std::max(room, 80)), list.RowHeight());
+    // Small icons stand beside each other, a long name in several lines, where a list has one line for each.
+    width = std::min(width, std::max(room / 2, 80));
+    return QSize(width, std::max(list.RowHeight(), MostLines(width - before) * metrics.lineSpacing() + 4));
 }
 
 // The grid follows the longest name.

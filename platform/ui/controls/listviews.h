@@ -32,6 +32,7 @@ public:
     void doItemsLayout() override;
 
 private:
+    int MostLines(int room) const; // of all names
     ListWidget& list;
 };
 

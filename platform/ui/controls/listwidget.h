@@ -5,6 +5,7 @@
 #include <QItemSelectionModel>
 #include <QLineEdit>
 #include <QPointer>
+#include <QStringList>
 #include <QWidget>
 
 #include "platform/ui/controls/controlsupport.h"
@@ -113,6 +114,9 @@ struct CellLayout {
     QRect label; // as wide as the text
 };
 CellLayout LayOutCell(const ListWidget& list, const QRect& cell, int row, int column);
+// A name beside or below its icon, broken between words where that is possible; the last line ends in an
+// ellipsis when there would be too many.
+QStringList LabelLines(const QFont& font, const QString& text, int room);
 // The width in which the column shortens no text, over all rows and in the header.
 int ContentsWidth(const ListWidget& list, int column);
 // The details view's stripes and whole-row selection; it comes before the row's cells.
