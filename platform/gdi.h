@@ -35,7 +35,7 @@ struct LOGFONTW {
 
 struct BITMAP {
     LONG bmType;
-    LONG bmWidth; // pixels
+    LONG bmWidth; // what it takes on the display, as everywhere in drawing with it
     LONG bmHeight;
 };
 
@@ -53,6 +53,8 @@ HBRUSH CreateSolidBrush(COLORREF colour);
 HBITMAP LoadBitmapW(HINSTANCE instance, const WCHAR* name); // null when absent
 BOOL DeleteObject(HGDIOBJ object);                          // null: false
 
+// 96 or 192: the density of the pictures to be loaded, which are made to fit the display. A colour of black
+// or white is drawn there as the desktop's text and paper.
 constexpr int LOGPIXELSX = 88;
 HDC CreateDCW(const WCHAR* driver, const WCHAR* device, const WCHAR* output, const void* init); // u"DISPLAY"
 HDC CreateCompatibleDC(HDC dc);
@@ -84,8 +86,8 @@ constexpr UINT DT_SINGLELINE = 0x20;
 constexpr UINT DT_NOPREFIX = 0x800;
 int DrawTextW(HDC dc, const WCHAR* text, int length, RECT* rect, UINT format); // length -1: to the terminator
 
-// A strip bitmap cut into images `width` pixels wide; `mask` is the colour that is transparent. Null when
-// absent.
+// A strip bitmap cut into images `width` of its pixels wide; `mask` is the colour that is transparent. Null
+// when absent.
 HIMAGELIST ImageList_LoadImageW(HINSTANCE instance, const WCHAR* bitmap, int width, int grow, COLORREF mask,
                                 UINT type, UINT flags);
 constexpr UINT IMAGE_BITMAP = 0;
