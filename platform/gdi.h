@@ -35,7 +35,7 @@ struct LOGFONTW {
 
 struct BITMAP {
     LONG bmType;
-    LONG bmWidth; // what it takes on the display, as everywhere in drawing with it
+    LONG bmWidth; // as it is drawn on the display
     LONG bmHeight;
 };
 
