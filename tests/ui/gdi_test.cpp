@@ -1,5 +1,7 @@
 // Drawing objects, and drawing with them on a lent painter or a selected bitmap.
+#include <QApplication>
 #include <QImage>
+#include <QPalette>
 #include <gtest/gtest.h>
 
 #include "platform/ui/core/windowobject.h"
@@ -134,6 +136,26 @@ TEST(Gdi, FillsAndLinesEndBeforeTheirFarEdge) {
     MoveToEx(lines.Handle(), 0, 20, nullptr);
     LineTo(lines.Handle(), 100, 20);
     EXPECT_EQ(lines.Ink(), QRect(0, 20, 100, 1));
+}
+
+TEST(Gdi, BlackAndWhiteAreTheDesktopsOnTheDisplayOnly) {
+    const QPalette before = QApplication::palette();
+    QApplication::setPalette(QPalette(QColor(60, 60, 64), QColor(35, 35, 38))); // dark
+    const RECT rect = {0, 0, 5, 5};
+    const HBRUSH white = GetStockObject(WHITE_BRUSH);
+    Canvas canvas;
+    FillRect(canvas.Handle(), &rect, white);
+    EXPECT_LT(canvas.image.pixelColor(2, 2).lightness(), 100);
+    LineTo(canvas.Handle(), 5, 0);
+    EXPECT_GT(canvas.image.pixelColor(2, 0).lightness(), 155);
+    const HBITMAP bitmap = LoadBitmapW(nullptr, MAKEINTRESOURCEW(IDB_FRAME_HELP));
+    const HDC memory = CreateCompatibleDC(nullptr);
+    SelectObject(memory, bitmap);
+    FillRect(memory, &rect, white);
+    EXPECT_EQ(GetPixel(memory, 2, 2), RGB(255, 255, 255));
+    DeleteDC(memory);
+    DeleteObject(bitmap);
+    QApplication::setPalette(before);
 }
 
 TEST(Gdi, ASavedContextComesBack) {
