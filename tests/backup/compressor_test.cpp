@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <random>
 #include <span>
@@ -233,30 +232,6 @@ TEST_F(CodecTest, StartsEveryStreamAfresh) {
         const Bytes data = Slice(text, random() % text.size() / 2, record % 50 == 0 ? 50000 : 1000);
         for (int time = 0; time < 2; ++time)
             EXPECT_TRUE(Compressed(data) == PlainWriter(data).stream) << record;
-    }
-}
-
-TEST_F(CodecTest, ExchangesStreamsWithThePublicProgram) {
-    const TestDevice device;
-    const auto filter = [&](const std::string& command, const Bytes& bytes) {
-        WriteBytes(u"\\in.Z", bytes);
-        const std::string line = "cd " + device.folder + "/root && " + command + " < in.Z > out";
-        EXPECT_EQ(std::system(line.c_str()), 0);
-        return FileBytes(u"\\out");
-    };
-    const Bytes header = FromHex("1F 9D 90"); // blocks, 16 bits
-    Bytes mixed;
-    for (int piece = 0; piece < 4; ++piece) {
-        Append(&mixed, Prose(400000));
-        Append(&mixed, Noise(400000, 0, 255));
-    }
-    for (const Bytes& data : {Bytes(1, 'A'), Noise(300, 0, 255), Prose(20000), mixed}) {
-        Bytes ours = header;
-        Append(&ours, Compressed(data));
-        EXPECT_TRUE(filter("uncompress -c", ours) == data);
-        const Bytes theirs = filter("compress -b16 -c -f", data);
-        ASSERT_EQ(Slice(theirs, 0, 3), header);
-        EXPECT_TRUE(Expanded(Slice(theirs, 3, theirs.size() - 3)) == data);
     }
 }
 

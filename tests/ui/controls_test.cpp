@@ -22,21 +22,6 @@ using EditTest = WindowTest;
 using StaticTest = WindowTest;
 using ProgressTest = WindowTest;
 
-TEST_F(ButtonTest, CheckBoxesToggleThemselves) {
-    const HWND box = Add(u"BUTTON", u"&Auto", BS_AUTOCHECKBOX, kFirst, {10, 10, 210, 40});
-    stylus.Tap(box, {10, 15});
-    EXPECT_EQ(Send(box, BM_GETCHECK), BST_CHECKED);
-    EXPECT_EQ(commands, (std::vector<Command>{{kFirst, BN_CLICKED}}));
-    EXPECT_EQ(GetFocus(), box);
-    // Keys do the same; checking by message tells nobody.
-    stylus.Key(Qt::Key_Space);
-    EXPECT_EQ(Send(box, BM_GETCHECK), BST_UNCHECKED);
-    Send(box, BM_SETCHECK, BST_CHECKED);
-    EXPECT_EQ(Send(box, BM_GETCHECK), BST_CHECKED);
-    EXPECT_EQ(commands.size(), 2u);
-    EXPECT_EQ(TextOf(box), u"&Auto");
-}
-
 TEST_F(ButtonTest, RadioButtonsExcludeOthersOfTheirGroupOnly) {
     const HWND first = Add(u"BUTTON", u"1", BS_AUTORADIOBUTTON | WS_GROUP, kFirst, {10, 10, 210, 40});
     const HWND second = Add(u"BUTTON", u"2", BS_AUTORADIOBUTTON, kSecond, {10, 50, 210, 80});
@@ -47,15 +32,6 @@ TEST_F(ButtonTest, RadioButtonsExcludeOthersOfTheirGroupOnly) {
     EXPECT_EQ(Send(first, BM_GETCHECK), BST_UNCHECKED);
     EXPECT_EQ(Send(second, BM_GETCHECK), BST_CHECKED);
     EXPECT_EQ(Send(other, BM_GETCHECK), BST_CHECKED);
-}
-
-TEST_F(ButtonTest, GroupBoxesAndStaticsLetTapsThrough) {
-    const HWND check = Add(u"BUTTON", u"Inside", BS_AUTOCHECKBOX, kFirst, {20, 30, 180, 60});
-    Add(u"BUTTON", u"Box", BS_GROUPBOX, kSecond, {10, 10, 210, 100});
-    Add(u"STATIC", u"over it", SS_CENTER, kThird, {10, 10, 210, 100});
-    const QPoint inParent = check->widget->mapTo(main->widget, QPoint(10, 15));
-    stylus.Tap(main, inParent);
-    EXPECT_EQ(Send(check, BM_GETCHECK), BST_CHECKED);
 }
 
 // Neither a word that is too long nor half a line is cut off.
