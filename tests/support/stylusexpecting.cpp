@@ -42,7 +42,7 @@ std::optional<Stylus::Expected> Stylus::Take(Kind kind, const std::string& what,
         ADD_FAILURE() << "unexpected " << what << "; expected was " << Waiting();
         return std::nullopt;
     }
-    const Expected taken = std::move(expected.front());
+    Expected taken = std::move(expected.front());
     expected.pop_front();
     return taken;
 }
