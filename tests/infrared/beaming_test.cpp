@@ -98,7 +98,8 @@ TEST_F(Beaming, SendsByteByByteUntilItIsRefused) {
     ASSERT_TRUE(CeOidGetInfo(CeFindNextDatabase(enumeration), &info));
     CloseHandle(enumeration);
     const std::string header(reinterpret_cast<const char*>(&info.infDatabase), sizeof(CEDBASEINFO));
-    const Steps toDescriptor = {Hears(header), Says(kAck), Hears(kRecord), Says(kAck)};
+    const std::string noAnswer = "\x05\x11\0\0"s; // which is passed over
+    const Steps toDescriptor = {Hears(header), Says(kAck), Hears(kRecord), Says(noAnswer), Says(kAck)};
     // Its last bytes are an address that only the sender knows.
     const Steps descriptor = {Hears(kHiDescriptor.substr(0, 12)), {PeerStep::Skip, "addr"}};
     RunProgram([&] {

@@ -279,4 +279,13 @@ TEST(Faults, AFailingReadIsNeverTheEnd) {
     BreakReads(false);
 }
 
+TEST(Faults, ADeviceThatCannotBeMadeIsTold) {
+    TestDevice device;
+    WriteHostFile(device.folder + "/file", "in the way");
+    EXPECT_EQ(FailureOf(UseDevice(device.folder + "/file/device")), ERROR_PATH_NOT_FOUND);
+    ExpectUnusable(ERROR_ACCESS_DENIED);
+    EXPECT_TRUE(UseDevice(device.folder + "/made/on/the/way//"));
+    EXPECT_EQ(DeviceFolder(), device.folder + "/made/on/the/way");
+}
+
 } // namespace
