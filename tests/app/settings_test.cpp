@@ -33,6 +33,21 @@ Value Read(const WCHAR* name) {
 
 } // namespace
 
+TEST(Settings, StartWithDefaultsOnAFreshDevice) {
+    const TestDevice device;
+    const Settings settings;
+    EXPECT_EQ(settings.sortKey, kSortByName);
+    EXPECT_EQ(settings.sortAscending, 1);
+    EXPECT_EQ(settings.showSystemDatabases, 0);
+    EXPECT_EQ(settings.listStyle, 1u);
+    EXPECT_EQ(settings.fullRow, 1u);
+    EXPECT_EQ(settings.showWarning, 1u);
+    EXPECT_EQ(settings.doubleTap, 0u);
+    EXPECT_EQ(settings.selection[0], kNoSelection);
+    EXPECT_EQ(settings.selection[kSelectionBytes - 1], kNoSelection);
+    EXPECT_EQ(std::u16string(settings.scriptName), u"\\My Documents\\autobackup.abk");
+}
+
 // The bytes as other versions of the program wrote and read them.
 TEST(Settings, StoreTheirBytesAsEver) {
     const TestDevice device;

@@ -86,6 +86,22 @@ TEST_F(ArchiveTest, CompressedArchiveWithPasswordHasTheDocumentedBytes) {
     EXPECT_EQ(block, plain);
 }
 
+TEST_F(ArchiveTest, EmptyArchiveAndEmptyDatabase) {
+    BackupEngine none;
+    ASSERT_TRUE(BackUp(none, kPath, {}));
+    EXPECT_EQ(FileBytes(kPath).size(), 24u);
+
+    CEDBASEINFO info = {};
+    DbHandle(nullptr).Create(u"Nothing", info);
+    MakeSample();
+    PlainEngine engine;
+    ASSERT_TRUE(BackUp(engine, kPath, {u"Nothing", u"Ab"}));
+    const Bytes written = FileBytes(kPath);
+    EXPECT_EQ(NumberAt(written, 8), 2u);
+    EXPECT_EQ(NumberAt(written, 24 + 140), 24u + 144); // the second entry follows the first one's block
+    EXPECT_EQ(written.size(), 224u + 144);
+}
+
 TEST_F(ArchiveTest, PasswordsAreScrambledInPlaceAndEndInTheirBlock) {
     PasswordBlock password = {};
     std::fill(std::begin(password.text), std::end(password.text), u'x'); // no end at all
@@ -199,6 +215,9 @@ TEST_F(ArchiveTest, DiskThatFillsUpPartWay) {
     ExpectMessage(u"Unable to write the file. Possibly not enough storage space.");
     EXPECT_FALSE(none.BeginBackup(nullptr, false, u"\\Storage Card\\dev\\full"));
     EXPECT_EQ(none.file, INVALID_HANDLE_VALUE);
+    settings.unattended = 1;
+    EXPECT_FALSE(none.BeginBackup(nullptr, false, u"\\Storage Card\\dev\\full"));
+    settings.unattended = 0;
 
     DeleteAllBut(u"");
     ExpectMessage(u"Unable to restore \"Many\" database from the archive. Archive file may be corrupted.");

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <random>
 #include <span>
@@ -235,6 +236,30 @@ TEST_F(CodecTest, StartsEveryStreamAfresh) {
     }
 }
 
+TEST_F(CodecTest, ExchangesStreamsWithThePublicProgram) {
+    const TestDevice device;
+    const auto filter = [&](const std::string& command, const Bytes& bytes) {
+        WriteBytes(u"\\in.Z", bytes);
+        const std::string line = "cd " + device.folder + "/root && " + command + " < in.Z > out";
+        EXPECT_EQ(std::system(line.c_str()), 0);
+        return FileBytes(u"\\out");
+    };
+    const Bytes header = FromHex("1F 9D 90"); // blocks, 16 bits
+    Bytes mixed;
+    for (int piece = 0; piece < 4; ++piece) {
+        Append(&mixed, Prose(400000));
+        Append(&mixed, Noise(400000, 0, 255));
+    }
+    for (const Bytes& data : {Bytes(1, 'A'), Noise(300, 0, 255), Prose(20000), mixed}) {
+        Bytes ours = header;
+        Append(&ours, Compressed(data));
+        EXPECT_TRUE(filter("uncompress -c", ours) == data);
+        const Bytes theirs = filter("compress -b16 -c -f", data);
+        ASSERT_EQ(Slice(theirs, 0, 3), header);
+        EXPECT_TRUE(Expanded(Slice(theirs, 3, theirs.size() - 3)) == data);
+    }
+}
+
 TEST_F(CodecTest, SurvivesAnyBytes) {
     // Codes that are not defined yet, at first, later, and after a reset.
     for (const std::vector<int>& codes : {std::vector<int>{300, 511, 65},
@@ -254,6 +279,9 @@ TEST_F(CodecTest, SurvivesAnyBytes) {
     const Bytes bomb = Compressed(Bytes(Compressor::kExpandLimit + 1, 0));
     EXPECT_LT(bomb.size(), 30000u);
     EXPECT_FALSE(Expand(bomb));
+    const Bytes zeros = Compressed(Bytes(5000, 0));
+    EXPECT_TRUE(Expand(zeros, 5000));
+    EXPECT_FALSE(Expand(zeros, 4999));
     constexpr DWORD limit = 1000000;
     for (int round = 0; round < 3000; ++round) {
         Bytes damaged = round % 3 == 0 ? Noise(2 + random() % 3000, 0, 255) : stream;

@@ -139,6 +139,26 @@ TEST_F(BackupSession, CancelledClashAsksAgainForEachDatabase) {
     });
 }
 
+TEST_F(BackupSession, DatabaseInUseIsEmptiedOnlyWhenTheUserSaysSo) {
+    WriteBytes(kArchive, FromHex(kPlainArchive));
+    MakeDatabase(u"Ab", {{TextValue(9, u"mine")}});
+    DbHandle other(nullptr);
+    ASSERT_NE(other.Open(u"Ab", 0, 0), INVALID_HANDLE_VALUE);
+    RunProgram([&] {
+        for (const int answer : {IDNO, IDCANCEL, IDYES}) {
+            ChooseRestore();
+            ExpectMessage(u"Database \"Ab\" is in use by another application. You may need to soft-reset "
+                          u"your mobile device after restoring this database. Do you want to restore now?",
+                          answer);
+            Tap(IDOK);
+            AnswerClash(u"Ab", IDC_EXISTS_OVERWRITE);
+            InMainWindow();
+            Window();
+            EXPECT_EQ(Contents(u"Ab"), answer == IDYES ? kSampleContents : u"9=mine\n");
+        }
+    });
+}
+
 TEST_F(BackupSession, DamagedArchives) {
     Bytes archive = FromHex(kPlainArchive);
     PutNumber(&archive, 8, 2);

@@ -91,23 +91,35 @@ TEST_F(Beaming, ReceivesWholeDatabasesOrNone) {
     });
 }
 
-TEST_F(Beaming, SendsByteByByteUntilItIsRefused) {
+TEST_F(Beaming, SendsByteByByteAndCancelsOnEitherSide) {
     MakeDatabase(u"Notes", {{TextValue(1, u"Hi")}});
     CEOIDINFO info = {};
     const HANDLE enumeration = CeFindFirstDatabase(0);
     ASSERT_TRUE(CeOidGetInfo(CeFindNextDatabase(enumeration), &info));
     CloseHandle(enumeration);
     const std::string header(reinterpret_cast<const char*>(&info.infDatabase), sizeof(CEDBASEINFO));
-    const std::string noAnswer = "\x05\x11\0\0"s; // which is passed over
-    const Steps toDescriptor = {Hears(header), Says(kAck), Hears(kRecord), Says(noAnswer), Says(kAck)};
-    // Its last bytes are an address that only the sender knows.
-    const Steps descriptor = {Hears(kHiDescriptor.substr(0, 12)), {PeerStep::Skip, "addr"}};
+    const Steps toHeader = {Hears(header), Says(kAck), Hears(kRecord)};
+    // An address follows that only the sender knows.
+    const Steps whole =
+        toHeader + Steps{Says("\x05\x11\0\0"s), Says(kAck), Hears(kHiDescriptor.substr(0, 12))};
     RunProgram([&] {
         SelectRow(10001, u"Notes");
         ExpectMessage(kByHost);
-        Peer peer(Peer::IsCalled, air, toDescriptor + descriptor + Steps{Says(kStop), kHearsEnd});
+        {
+            Peer peer(Peer::IsCalled, air, toHeader + Steps{Says(kStop), kHearsEnd});
+            Press(Qt::Key_S, Qt::ControlModifier);
+            AwaitEnd(peer);
+        }
+        Peer peer(Peer::IsCalled, air, whole + Steps{kIsSilent});
         Press(Qt::Key_S, Qt::ControlModifier);
-        AwaitEnd(peer);
+        InWindow(IDD_TRANSFER);
+        WaitFor([&] { return Text(IDC_TRANSFER_STATUS) == u"Sending record 1 of 1..."; }, "a record");
+        ExpectMessage(kSure, IDNO);
+        Tap(IDCANCEL);
+        ExpectMessage(kSure, IDYES);
+        ExpectMessage(kByHost); // the user's own cancelling, too
+        Tap(IDCANCEL);
+        AwaitEnd();
     });
 }
 

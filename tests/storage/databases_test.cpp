@@ -141,4 +141,17 @@ TEST(Databases, AreBroughtToTheDiskWhenACommandEnds) {
     CloseHandle(watching);
 }
 
+TEST(Databases, AStatementMayRunWithinItself) {
+    TestDevice device;
+    CeCreateDatabase(u"One", 1, 0, nullptr);
+    CeCreateDatabase(u"Two", 1, 0, nullptr);
+    storage::Connection& connection = storage::TheStore()->connection;
+    const char* const sql = "SELECT oid FROM databases ORDER BY oid";
+    int pairs = 0;
+    for (storage::Statement outer(connection, sql); outer.Row();)
+        for (storage::Statement inner(connection, std::string(sql).c_str()); inner.Row(); ++pairs)
+            EXPECT_GE(outer.Number(0), 1);
+    EXPECT_EQ(pairs, 4);
+}
+
 } // namespace

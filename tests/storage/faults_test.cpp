@@ -197,13 +197,14 @@ TEST(Faults, AStoreThatIsReadWithoutLocksIsRefusedOnceAnybodyWrites) {
     EXPECT_TRUE(other.Run(3)) << "neither a cut walk nor an old list";
 }
 
-// Reading from the store's file through SQLite, which the host refuses from some read on.
+// Reading from the store's file through SQLite, which the host refuses or cuts short from some read on.
 int readsLeft = -1;
+ssize_t brokenRead = -1;
 
 ssize_t BrokenPread(int file, void* to, std::size_t bytes, off_t offset) {
     if (readsLeft == 0) {
         errno = EIO;
-        return -1;
+        return brokenRead;
     }
     readsLeft -= readsLeft > 0 ? 1 : 0;
     return pread(file, to, bytes, offset);
@@ -276,6 +277,9 @@ TEST(Faults, AFailingReadIsNeverTheEnd) {
         CloseHandle(handle);
     }
     EXPECT_GT(EnumerateOverFailures(device, database), 1);
+    brokenRead = 0; // a file that ends too early
+    EXPECT_GT(EnumerateOverFailures(device, database), 1);
+    brokenRead = -1;
     BreakReads(false);
 }
 

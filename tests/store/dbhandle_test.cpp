@@ -42,6 +42,31 @@ constexpr std::size_t kBlobOffset = 2 * 16 + 12;
 
 } // namespace
 
+TEST_F(DbHandleTest, StorageFormSurvivesTheStoreByteForByte) {
+    DbHandle database(nullptr);
+    Make(database, u"Bytes");
+    ASSERT_NE(WriteStored(database, 4, kRecord), 0u);
+
+    RecordBuffer read;
+    DWORD index = 9;
+    ASSERT_TRUE(database.SeekFirst(&index));
+    ASSERT_NE(database.ReadRecordForStorage(&read), 0u);
+    EXPECT_EQ(read.propCount, 4);
+    ASSERT_GE(read.size, 73u);
+    // Offsets may lie elsewhere in another block; the values must be where they say.
+    const CEPROPVAL* properties = read.Properties();
+    const DWORD text = properties[0].val.lpwstr.Address();
+    ASSERT_LE(text + 6, read.size);
+    EXPECT_EQ(std::memcmp(read.data + text, u"Hi", 6), 0);
+    const DWORD empty = properties[1].val.lpwstr.Address();
+    ASSERT_LE(empty + 2, read.size);
+    EXPECT_EQ(std::memcmp(read.data + empty, u"", 2), 0);
+    const DWORD blob = properties[2].val.blob.lpb.Address();
+    ASSERT_LE(blob + 3, read.size);
+    EXPECT_EQ(std::memcmp(read.data + blob, "\xAA\xBB\xCC", 3), 0);
+    EXPECT_EQ(properties[3].val.blob.dwCount, 0u);
+}
+
 TEST_F(DbHandleTest, AnAbsentTextOfAnOlderDeviceIsStoredAsAnEmptyOne) {
     DbHandle database(nullptr);
     Make(database, u"Old");

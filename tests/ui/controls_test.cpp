@@ -50,6 +50,21 @@ TEST_F(StaticTest, LongPathsTakeTheWholeLinesThatThereAre) {
     }
 }
 
+TEST_F(ButtonTest, CheckBoxesToggleThemselves) {
+    HWND box = Add(u"BUTTON", u"&Auto", BS_AUTOCHECKBOX, kFirst, {10, 10, 210, 40});
+    stylus.Tap(box, {10, 15});
+    EXPECT_EQ(Send(box, BM_GETCHECK), BST_CHECKED);
+    EXPECT_EQ(commands, (std::vector<Command>{{kFirst, BN_CLICKED}}));
+    EXPECT_EQ(GetFocus(), box);
+    // Keys do the same; checking by message tells nobody.
+    stylus.Key(Qt::Key_Space);
+    EXPECT_EQ(Send(box, BM_GETCHECK), BST_UNCHECKED);
+    Send(box, BM_SETCHECK, BST_CHECKED);
+    EXPECT_EQ(Send(box, BM_GETCHECK), BST_CHECKED);
+    EXPECT_EQ(commands.size(), 2u);
+    EXPECT_EQ(TextOf(box), u"&Auto");
+}
+
 TEST_F(ButtonTest, TheOwnerDrawsWithThePressedState) {
     const HWND button = Add(u"BUTTON", u"", BS_OWNERDRAW, kFirst, {10, 10, 70, 40});
     const auto isDrawn = [this](UINT state) {
