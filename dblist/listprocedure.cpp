@@ -4,6 +4,7 @@
 #include "dblist/databaselist.h"
 #include "dblist/dragout.h"
 #include "lists/clipboardtext.h"
+#include "lists/contextmenu.h"
 #include "lists/header.h"
 #include "platform/controls.h"
 #include "platform/menu.h"
@@ -25,11 +26,15 @@ bool IsTapAndHold(HWND list, POINT point) {
     return SHRecognizeGesture(&gesture) == GN_CONTEXTMENU;
 }
 
-void ShowContextMenu(HWND list, POINT point) {
+void ShowMenuAt(POINT screenPoint, UINT flags) {
     const HMENU menu = LoadMenuW(AppInstance(), MAKEINTRESOURCEW(IDR_LIST_MENU));
-    ClientToScreen(list, &point);
-    TrackPopupMenuEx(GetSubMenu(menu, 0), TPM_RIGHTALIGN, point.x, point.y, App().mainWindow, nullptr);
+    TrackPopupMenuEx(GetSubMenu(menu, 0), flags, screenPoint.x, screenPoint.y, App().mainWindow, nullptr);
     DestroyMenu(menu);
+}
+
+void ShowContextMenu(HWND list, POINT point) {
+    ClientToScreen(list, &point);
+    ShowMenuAt(point, TPM_RIGHTALIGN);
 }
 
 POINT PointOf(LPARAM lParam) {
@@ -66,6 +71,23 @@ LRESULT OnRightButtonDown(HWND list, WPARAM wParam, LPARAM lParam) {
     return result;
 }
 
+bool OnKey(HWND list, WPARAM key) {
+    switch (key) {
+    case VK_RETURN:
+        PostMessageW(App().mainWindow, WM_COMMAND, IDM_VIEW_MODIFY, 0);
+        return true;
+    case VK_DELETE: // as the menu's command, which is greyed otherwise
+        if (SelectedRowCount() == 1)
+            PostMessageW(App().mainWindow, WM_COMMAND, IDM_DELETE, 0);
+        return true;
+    case VK_INSERT: // Ctrl+C copies the database itself
+        if (GetKeyState(VK_CONTROL) < 0)
+            CopyRowsAsText(list, kDatabaseColumnCount);
+        return true;
+    }
+    return false;
+}
+
 } // namespace
 
 LRESULT DatabaseListProcedure(HWND list, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -74,16 +96,12 @@ LRESULT DatabaseListProcedure(HWND list, UINT message, WPARAM wParam, LPARAM lPa
         DrawHeaderItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
         return TRUE;
     case WM_KEYDOWN:
-        if (wParam == VK_RETURN) {
-            PostMessageW(App().mainWindow, WM_COMMAND, IDM_VIEW_MODIFY, 0);
+        if (OnKey(list, wParam))
             return 0;
-        }
-        // Ctrl+C copies the database itself.
-        if (wParam == VK_INSERT && GetKeyState(VK_CONTROL) < 0) {
-            CopyRowsAsText(list, kDatabaseColumnCount);
-            return 0;
-        }
         break;
+    case WM_CONTEXTMENU:
+        ShowMenuAt(MenuPointOfFocusedRow(list), 0);
+        return 0;
     case WM_LBUTTONDOWN:
         return OnStylusDown(list, wParam, lParam);
     case WM_RBUTTONDOWN:

@@ -97,6 +97,22 @@ void MakeHeaderOwnerDrawn(HWND list) {
     }
 }
 
+void ShowSortOrder(HWND list) {
+    const HWND header = ListView_GetHeader(list);
+    const int count = Header_GetItemCount(header);
+    for (int column = 0; column < count; ++column) {
+        const ArrowImage arrow = ArrowOf(static_cast<UINT>(column));
+        HDITEMW item = {};
+        item.mask = HDI_FORMAT;
+        Header_GetItem(header, column, &item);
+        item.fmt &= ~(HDF_SORTUP | HDF_SORTDOWN);
+        if (arrow != kNoArrow)
+            item.fmt |= arrow == kArrowUp ? HDF_SORTUP : HDF_SORTDOWN;
+        Header_SetItem(header, column, item);
+    }
+    InvalidateRect(header, nullptr, TRUE);
+}
+
 void DrawHeaderItem(const DRAWITEMSTRUCT& item) {
     const int saved = SaveDC(item.hDC);
     const HBRUSH background = CreateSolidBrush(GetBkColor(item.hDC));

@@ -3,6 +3,7 @@
 #include <new>
 
 #include "app/application.h"
+#include "lists/header.h"
 #include "platform/controls.h"
 #include "platform/datetime.h"
 #include "platform/objectstore.h"
@@ -130,7 +131,7 @@ int ColumnOfSortKey(DWORD key) {
 
 void SortListView(ListSort& sort) {
     ListView_SortItems(sort.list, CompareRows, reinterpret_cast<LPARAM>(&sort));
-    InvalidateRect(ListView_GetHeader(sort.list), nullptr, TRUE);
+    ShowSortOrder(sort.list);
 }
 
 ListSort SettingsSort(HWND list) {

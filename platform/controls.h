@@ -87,6 +87,8 @@ constexpr UINT HDI_FORMAT = 0x04;
 constexpr int HDF_RIGHT = 0x0001;
 constexpr int HDF_CENTER = 0x0002;
 constexpr int HDF_JUSTIFYMASK = 0x0003;
+constexpr int HDF_SORTDOWN = 0x0200; // told to assistive programs; the owner draws the arrow
+constexpr int HDF_SORTUP = 0x0400;
 constexpr int HDF_OWNERDRAW = 0x8000; // WM_DRAWITEM to the header's parent, the list view
 struct HDITEMW {
     UINT mask;
@@ -144,6 +146,7 @@ struct LVCOLUMNW {
     int iSubItem;
 };
 
+constexpr UINT LVNI_FOCUSED = 0x1;
 constexpr UINT LVNI_SELECTED = 0x2;
 constexpr UINT LVFI_PARAM = 0x1;
 struct LVFINDINFOW {
@@ -165,6 +168,8 @@ constexpr UINT LVM_SETIMAGELIST = 0x1003; // wParam LVSIL_..., lParam HIMAGELIST
 constexpr UINT LVM_GETITEMCOUNT = 0x1004;
 constexpr UINT LVM_DELETEALLITEMS = 0x1009;
 constexpr UINT LVM_GETNEXTITEM = 0x100C; // wParam start (-1: the first row), lParam LVNI_...; -1 for none
+constexpr LONG LVIR_LABEL = 2;
+constexpr UINT LVM_GETITEMRECT = 0x100E; // lParam RECT, its left LVIR_LABEL
 constexpr UINT LVM_HITTEST = 0x1012;     // lParam LVHITTESTINFO, in and out; the row there, -1 for none
 constexpr UINT LVM_ENSUREVISIBLE = 0x1013;
 constexpr UINT LVM_SETCOLUMNWIDTH = 0x101E;
@@ -264,6 +269,15 @@ inline void ListView_DeleteAllItems(HWND list) {
 }
 inline void ListView_EnsureVisible(HWND list, int row) {
     SendMessageW(list, LVM_ENSUREVISIBLE, static_cast<WPARAM>(row), FALSE);
+}
+// Client coordinates; false, and the rectangle unchanged, where there is no such row.
+inline bool ListView_GetLabelRect(HWND list, int row, RECT* label) {
+    RECT found = {LVIR_LABEL, 0, 0, 0};
+    const bool exists =
+        SendMessageW(list, LVM_GETITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&found)) != 0;
+    if (exists)
+        *label = found;
+    return exists;
 }
 inline int ListView_GetTopIndex(HWND list) {
     return static_cast<int>(SendMessageW(list, LVM_GETTOPINDEX, 0, 0));

@@ -31,6 +31,7 @@ constexpr UINT WM_GETFONT = 0x0031;
 constexpr UINT WM_ENDSESSION = 0x0016; // the process ends behind this message, without WM_DESTROY
 constexpr UINT WM_NOTIFY = 0x004E;
 constexpr UINT WM_HELP = 0x0053;
+constexpr UINT WM_CONTEXTMENU = 0x007B; // lParam: kByKey, for what has the focus; parents get it by default
 constexpr UINT WM_SETICON = 0x0080;
 constexpr UINT WM_GETDLGCODE = 0x0087;
 constexpr UINT WM_KEYDOWN = 0x0100;
@@ -55,6 +56,7 @@ constexpr UINT WM_PASTE = 0x0302;
 constexpr UINT WM_UNDO = 0x0304;
 constexpr UINT WM_USER = 0x0400;
 
+constexpr LPARAM kByKey = -1;
 // WM_ACTIVATE, low word of wParam.
 constexpr UINT WA_INACTIVE = 0;
 constexpr UINT WA_ACTIVE = 1;
@@ -81,7 +83,10 @@ constexpr UINT VK_RIGHT = 0x27;
 constexpr UINT VK_DOWN = 0x28;
 constexpr UINT VK_INSERT = 0x2D;
 constexpr UINT VK_DELETE = 0x2E;
+constexpr UINT VK_APPS = 0x5D; // the menu key
 constexpr UINT VK_F1 = 0x70;
+constexpr UINT VK_F6 = 0x75;
+constexpr UINT VK_F10 = 0x79;
 
 // ---- styles ----
 constexpr DWORD WS_POPUP = 0x80000000;

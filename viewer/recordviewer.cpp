@@ -5,7 +5,6 @@
 
 #include "app/dialogframe.h"
 #include "app/uiservices.h"
-#include "lists/header.h"
 #include "platform/dialog.h"
 #include "platform/shell.h"
 #include "platform/text.h"
@@ -16,10 +15,6 @@
 namespace {
 
 constexpr int kButtonImages = 9;
-constexpr int kColumns = 3;
-constexpr UINT kColumnTitles[kColumns] = {IDS_VIEWER_COLUMN_TYPE, IDS_VIEWER_COLUMN_SIZE,
-                                          IDS_VIEWER_COLUMN_ID};
-constexpr int kColumnFormats[kColumns] = {LVCFMT_LEFT, LVCFMT_RIGHT, LVCFMT_RIGHT};
 
 bool OnNotify(RecordViewer* viewer, const NMHDR* header) {
     if (header->idFrom != IDC_VIEWER_LIST)
@@ -192,39 +187,6 @@ void RecordViewer::InitWindow() {
     wsprintfW(title, u"%s%s\"", prefix, databaseName);
     SetDlgItemTextW(dialog, IDC_FRAME_TITLE, title);
     SHSetDocumentTitle(dialog, title);
-}
-
-namespace {
-
-// In front of the list view's own procedure, for its header's sake.
-LRESULT PropertyListProcedure(HWND list, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message != WM_DRAWITEM)
-        return CallWindowProcW(App().listViewProc, list, message, wParam, lParam);
-    DrawHeaderItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
-    return TRUE;
-}
-
-} // namespace
-
-void RecordViewer::InitList() {
-    const HWND list = Control(IDC_VIEWER_LIST);
-    RECT client;
-    GetClientRect(list, &client);
-    for (int column = 0; column < kColumns; ++column) {
-        WCHAR title[kTitleCapacity];
-        LoadText(kColumnTitles[column], title);
-        LVCOLUMNW item = {};
-        item.mask = LVCF_FMT | LVCF_WIDTH | LVCF_TEXT | LVCF_SUBITEM;
-        item.fmt = kColumnFormats[column];
-        item.cx = (client.right - GetSystemMetrics(SM_CXVSCROLL) - 1) / kColumns;
-        item.pszText = title;
-        item.iSubItem = column;
-        ListView_InsertColumn(list, column, item);
-    }
-    ListView_SetExtendedListViewStyleEx(list, LVS_EX_FULLROWSELECT, LVS_EX_FULLROWSELECT);
-    Header_SetImageList(ListView_GetHeader(list), App().headerImages);
-    MakeHeaderOwnerDrawn(list);
-    SetWindowLongPtrW(list, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(PropertyListProcedure));
 }
 
 namespace {

@@ -1,4 +1,7 @@
 // The edit box's messages.
+#include <QContextMenuEvent>
+#include <QCoreApplication>
+
 #include "platform/ui/controls/editbox.h"
 
 namespace ui {
@@ -59,6 +62,14 @@ LRESULT SetText(HWND window, EditBox& box, const WCHAR* text) {
     return TRUE;
 }
 
+// The host's menu for editing, at the caret.
+LRESULT OpenMenu(QWidget& widget) {
+    const QPoint caret = widget.inputMethodQuery(Qt::ImCursorRectangle).toRect().bottomLeft();
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, caret, widget.mapToGlobal(caret));
+    QCoreApplication::sendEvent(&widget, &event);
+    return 0;
+}
+
 LRESULT EditDialogCode(HWND window) {
     LRESULT code = DLGC_HASSETSEL | DLGC_WANTCHARS | DLGC_WANTARROWS;
     if ((window->style & ES_MULTILINE) && (window->style & ES_WANTRETURN))
@@ -85,6 +96,8 @@ LRESULT EditProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         return TRUE;
     case WM_GETDLGCODE:
         return EditDialogCode(window);
+    case WM_CONTEXTMENU:
+        return OpenMenu(*window->widget);
     }
     if (message >= EM_GETSEL && message <= EM_EMPTYUNDOBUFFER)
         return EditMessage(*box, message, wParam, lParam);

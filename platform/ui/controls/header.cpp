@@ -2,6 +2,7 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <algorithm>
 
 #include "platform/ui/controls/listviews.h"
@@ -100,6 +101,11 @@ void HeaderView::paintSection(QPainter* painter, const QRect& rect, int section)
         painter->drawText(titleRect, alignment | Qt::AlignVCenter | Qt::TextSingleLine,
                           QFontMetrics(font()).elidedText(column.title, Qt::ElideRight, titleRect.width()));
     }
+    if (section == marked && GetFocus() == handle) {
+        painter->setClipRect(inside);
+        painter->setPen(QPen(look::kSelection, 2));
+        painter->drawRect(inside.adjusted(1, 1, -1, -1));
+    }
     painter->restore();
 }
 
@@ -120,6 +126,46 @@ void HeaderView::DrawByOwner(QPainter& painter, const QRect& rect, int section) 
     item.hDC = context.Handle();
     item.rcItem = {rect.left(), rect.top(), rect.right() + 1, rect.bottom() + 1};
     SendMessageW(list.handle, WM_DRAWITEM, window->id, reinterpret_cast<LPARAM>(&item));
+}
+
+// ---- keys ----
+
+void HeaderView::Mark(int section) {
+    marked = std::clamp(section, 0, std::max(0, count() - 1));
+    QScrollBar& bar = *list.details->horizontalScrollBar();
+    const int end = sectionPosition(marked) + sectionSize(marked);
+    bar.setValue(std::clamp(bar.value(), std::min(end - viewport()->width(), sectionPosition(marked)),
+                            sectionPosition(marked)));
+    viewport()->update();
+}
+
+void HeaderView::FocusChanged() {
+    Mark(marked);
+}
+
+bool HeaderView::TakeKey(WPARAM key) {
+    switch (key) {
+    case VK_LEFT:
+        Mark(marked - 1);
+        return true;
+    case VK_RIGHT:
+        Mark(marked + 1);
+        return true;
+    case VK_HOME:
+        Mark(0);
+        return true;
+    case VK_END:
+        Mark(count() - 1);
+        return true;
+    case VK_SPACE:
+        Q_EMIT sectionClicked(marked);
+        return true;
+    case VK_DOWN:
+    case VK_TAB:
+        SetFocus(list.handle);
+        return true;
+    }
+    return false;
 }
 
 namespace {
@@ -170,6 +216,21 @@ LRESULT HeaderProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
         return lParam && GetItem(header->list, static_cast<int>(wParam), *reinterpret_cast<HDITEMW*>(lParam));
     case HDM_SETITEMW:
         return lParam && SetItem(header->list, static_cast<int>(wParam), *reinterpret_cast<HDITEMW*>(lParam));
+    case WM_GETDLGCODE:
+        return DLGC_WANTARROWS | DLGC_WANTCHARS;
+    case WM_SETFOCUS:
+    case WM_KILLFOCUS:
+        header->FocusChanged();
+        break;
+    case WM_KEYDOWN:
+        if (header->TakeKey(wParam))
+            return 0;
+        if (wParam == VK_F6) {
+            const HWND list = header->list.handle;
+            SetFocus(list);
+            return GetKeyState(VK_SHIFT) < 0 ? 0 : DefaultControlProcedure(list, message, wParam, lParam);
+        }
+        break;
     }
     return DefaultControlProcedure(window, message, wParam, lParam);
 }

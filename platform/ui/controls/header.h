@@ -11,6 +11,9 @@ class HeaderView : public QHeaderView {
 public:
     HeaderView(WindowObject& window, ListWidget& list);
     QSize sizeHint() const override;
+    // What the keys do while the header has the focus; false for a key that means nothing to it.
+    bool TakeKey(WPARAM key);
+    void FocusChanged();
 
     HIMAGELIST images = nullptr;
     ListWidget& list;
@@ -22,10 +25,12 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
+    void Mark(int section);
     void DrawByOwner(QPainter& painter, const QRect& rect, int section) const;
 
     HWND handle;
     int pressed = -1;
+    int marked = 0; // what the keys act on
 };
 
 void RegisterHeaderClass();

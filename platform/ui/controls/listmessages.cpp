@@ -64,6 +64,14 @@ BOOL GetItem(const ListModel& model, LVITEMW& item) {
     return TRUE;
 }
 
+BOOL GetLabelRect(const ListWidget& list, int row, RECT* out) {
+    if (!list.model->HasRow(row) || !out || out->left != LVIR_LABEL)
+        return FALSE;
+    const QRect label = LayOutCell(list, list.CellRect(row), row, 0).label;
+    *out = {label.left(), label.top(), label.right() + 1, label.bottom() + 1};
+    return TRUE;
+}
+
 BOOL SetItemState(ListWidget& list, int row, const LVITEMW& item) {
     if (row >= 0) {
         if (list.model->HasRow(row))
@@ -184,6 +192,8 @@ ListAnswer ViewMessage(ListWidget& list, UINT message, WPARAM wParam, LPARAM lPa
         return list.TopRow();
     case LVM_GETCOUNTPERPAGE:
         return list.RowsPerPage();
+    case LVM_GETITEMRECT:
+        return GetLabelRect(list, static_cast<int>(wParam), reinterpret_cast<RECT*>(lParam));
     case LVM_ENSUREVISIBLE:
         if (model.HasRow(static_cast<int>(wParam)))
             list.EnsureVisible(static_cast<int>(wParam));

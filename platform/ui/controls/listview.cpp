@@ -44,6 +44,8 @@ bool TakeKey(ListWidget& list, WPARAM key) {
     list.ForgetLabelTap();
     if (key == VK_F2 && list.model->FocusedRow() >= 0)
         return list.EditLabel(list.model->FocusedRow());
+    if (key == VK_F6 && list.View() == LVS_REPORT && GetKeyState(VK_SHIFT) >= 0)
+        return SetFocus(list.header) == list.handle;
     return key == VK_SPACE && list.ToggleFocusedCheck();
 }
 

@@ -78,6 +78,8 @@ void ListWidget::ApplyStyle() {
     setFocusProxy(shown);
     if (hidden->hasFocus())
         shown->setFocus();
+    if (shown == icons && header && GetFocus() == header)
+        SetFocus(handle);
     hidden->hide();
     PlaceViews();
     shown->doItemsLayout();

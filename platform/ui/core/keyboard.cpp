@@ -24,6 +24,7 @@ constexpr std::array kKeys = {
     KeyPair{Qt::Key_Left, VK_LEFT},       KeyPair{Qt::Key_Up, VK_UP},
     KeyPair{Qt::Key_Right, VK_RIGHT},     KeyPair{Qt::Key_Down, VK_DOWN},
     KeyPair{Qt::Key_Insert, VK_INSERT},   KeyPair{Qt::Key_Delete, VK_DELETE},
+    KeyPair{Qt::Key_Menu, VK_APPS},
 };
 
 constexpr int kFunctionKeys = 12;

@@ -138,6 +138,32 @@ void Enqueue(HWND window, QWidget* widget, const QEvent& event) {
     QueueInput(message, std::move(input));
 }
 
+// The host asks before a key arrives whether anybody wants it as a shortcut, and some popups close as they
+// answer. The key is the popup's all the same, up to its release.
+bool IsKeyOfClosedPopup(const QObject* receiver, const QKeyEvent& event) {
+    constexpr int kNoKey = -1;
+    static int popupKey = kNoKey;
+    const bool open = QApplication::activePopupWidget();
+    if (event.type() == QEvent::ShortcutOverride) {
+        if (open)
+            popupKey = event.key();
+        else if (receiver->isWindowType() && !event.isAutoRepeat())
+            popupKey = kNoKey;
+        return false;
+    }
+    if (open || event.key() != popupKey)
+        return false;
+    if (event.type() == QEvent::KeyRelease && receiver->isWidgetType() && !event.isAutoRepeat())
+        popupKey = kNoKey;
+    return true;
+}
+
+// Some hosts report the menu key twice, as a key and as its event. Ours comes from the key.
+bool IsSecondMenuKey(QWidget* widget, const QContextMenuEvent& event) {
+    return event.reason() == QContextMenuEvent::Keyboard && event.spontaneous() &&
+           InputWindow(widget, true) != nullptr;
+}
+
 class InputFilter : public QObject {
 public:
     using QObject::QObject;
@@ -145,9 +171,15 @@ public:
     bool eventFilter(QObject* receiver, QEvent* event) override {
         const QEvent::Type type = event->type();
         const bool key = IsKey(type) || type == QEvent::ShortcutOverride;
-        if ((!key && !IsMouse(type) && type != QEvent::Wheel) || !receiver->isWidgetType())
+        if (key && IsKeyOfClosedPopup(receiver, static_cast<QKeyEvent&>(*event)))
+            return true;
+        if (!receiver->isWidgetType())
             return false;
         auto* widget = static_cast<QWidget*>(receiver);
+        if (type == QEvent::ContextMenu)
+            return IsSecondMenuKey(widget, static_cast<QContextMenuEvent&>(*event));
+        if (!key && !IsMouse(type) && type != QEvent::Wheel)
+            return false;
         if (const HWND replaying = ReplayingWindow();
             replaying && widget->window() == ScreenArea()->window()) {
             // The host passes an event that a control ignores on to its parents; the handheld does not.
@@ -253,7 +285,7 @@ bool HandleMenuKey(HWND window, UINT message, WPARAM wParam) {
     if (!down)
         return false;
     keys.altAlone = false;
-    if (wParam == static_cast<WPARAM>(VirtualKeyOf(Qt::Key_F10)))
+    if (wParam == VK_F10)
         return SendMessageW(bar, MBM_ENTERMENUMODE, 0, 0);
     return IsLetterOrDigit(wParam) && SendMessageW(bar, MBM_OPENBYLETTER, wParam, 0);
 }

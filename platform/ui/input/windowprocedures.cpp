@@ -35,6 +35,28 @@ bool HandleHelpKey(HWND window, UINT message, WPARAM wParam) {
     return true;
 }
 
+// So does WM_CONTEXTMENU.
+bool HandleContextMenuKey(HWND window, UINT message, WPARAM wParam) {
+    const bool menuKey = message == WM_KEYDOWN && wParam == VK_APPS;
+    const bool shiftF10 = message == WM_SYSKEYDOWN && wParam == VK_F10 && GetKeyState(VK_SHIFT) < 0;
+    if (menuKey || shiftF10)
+        SendMessageW(window, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(window), kByKey);
+    return menuKey || shiftF10;
+}
+
+// F6 goes round the panes of a window: the bar comes last, and from there the focus returns.
+bool HandlePaneKey(HWND window, UINT message, WPARAM wParam) {
+    if (message != WM_KEYDOWN || wParam != VK_F6)
+        return false;
+    const HWND bar = MenuBarOf(window);
+    return bar && SendMessageW(bar, MBM_ENTERMENUMODE, 0, 0);
+}
+
+bool HandleCommonKey(HWND window, UINT message, WPARAM wParam) {
+    return HandleHelpKey(window, message, wParam) || HandleContextMenuKey(window, message, wParam) ||
+           HandlePaneKey(window, message, wParam) || HandleMenuKey(window, message, wParam);
+}
+
 // Common to all windows; false: not one of these.
 bool DefaultProperties(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
     switch (message) {
@@ -59,6 +81,7 @@ bool DefaultProperties(HWND window, UINT message, WPARAM wParam, LPARAM lParam, 
         result = 0;
         return true;
     case WM_HELP:
+    case WM_CONTEXTMENU:
         result = window->parent ? SendMessageW(window->parent, message, wParam, lParam) : 0;
         return true;
     }
@@ -83,7 +106,7 @@ LRESULT DefaultControlProcedure(HWND window, UINT message, WPARAM wParam, LPARAM
         if (window->widget)
             window->widget->setEnabled(wParam != 0);
     } else if (IsInputMessage(message)) {
-        if (!HandleHelpKey(window, message, wParam) && !HandleMenuKey(window, message, wParam))
+        if (!HandleCommonKey(window, message, wParam))
             ReplayInput(window, message, wParam, lParam);
     }
     return 0;
@@ -125,8 +148,7 @@ LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) 
     case WM_SYSKEYUP:
     case WM_KEYUP:
     case WM_KEYDOWN:
-        if (!HandleHelpKey(window, message, wParam))
-            HandleMenuKey(window, message, wParam);
+        HandleCommonKey(window, message, wParam);
         break;
     }
     return 0;

@@ -169,6 +169,9 @@ bool MenuMode::KeyPressed(const QKeyEvent& key) {
         break;
     case Qt::Key_Down:
     case Qt::Key_Up:
+        if (!bar->Marked() || !bar->Marked()->IsPopup())
+            break; // a button that is a command is pressed on purpose
+        [[fallthrough]];
     case Qt::Key_Return:
     case Qt::Key_Enter:
     case Qt::Key_Space: {
