@@ -124,11 +124,19 @@ void InitDialogFrame(HWND dialog, UINT buttons) {
 
     if (buttons & kHelpButton)
         CreateHelpButton(dialog);
+    WCHAR title[kTitleCapacity];
+    GetDlgItemTextW(dialog, IDC_FRAME_TITLE, title, kTitleCapacity);
+    NameWindow(dialog, title);
 
     const HFONT boldFont = App().settings ? App().settings->boldFont : nullptr;
     for (HWND control = GetWindow(dialog, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT))
         if (WantsBoldFont(control))
             SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(boldFont), TRUE);
+}
+
+void SetFrameTitle(HWND dialog, const WCHAR* title) {
+    SetDlgItemTextW(dialog, IDC_FRAME_TITLE, title);
+    NameWindow(dialog, title);
 }
 
 bool HandleFrameMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam, const WCHAR* helpAnchor) {

@@ -12,6 +12,8 @@ constexpr UINT kHelpButton = 2; // the bitmap button in the header
 
 // Called from WM_INITDIALOG.
 void InitDialogFrame(HWND dialog, UINT buttons);
+// The header, in place of the template's.
+void SetFrameTitle(HWND dialog, const WCHAR* title);
 
 // The messages that all dialogs answer alike: painting, with the text of IDC_FRAME_TITLE as the header, the
 // help button and its command, and WM_HELP, which opens the help at `helpAnchor` (null: no help). True when

@@ -140,7 +140,7 @@ void ProgressDialog::Init(HWND dialog) {
     InitDialogFrame(dialog, kNoButtons);
     WCHAR title[kFormatCapacity];
     LoadText(titleString, title);
-    SetDlgItemTextW(dialog, IDC_FRAME_TITLE, title);
+    SetFrameTitle(dialog, title);
     SetWindowTextW(dialog, title);
     SetDlgItemTextW(dialog, IDC_PROGRESS_TEXT, u"");
     SendDlgItemMessageW(dialog, IDC_PROGRESS_BAR, PBM_SETRANGE32, 0, range);

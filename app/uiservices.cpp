@@ -20,6 +20,16 @@ int MessageText(HWND owner, const WCHAR* text, UINT style) {
     return MessageBoxW(owner ? owner : App().mainWindow, text, caption, style);
 }
 
+void NameWindow(HWND window, const WCHAR* name) {
+    SendMessageW(window, WM_NAMEWINDOW, 0, reinterpret_cast<LPARAM>(name));
+}
+
+void NameWindow(HWND window, UINT stringId) {
+    WCHAR name[kCaptionCapacity];
+    LoadText(stringId, name);
+    NameWindow(window, name);
+}
+
 int MessageFromString(HWND owner, UINT id, UINT style) {
     WCHAR text[kMessageCapacity];
     LoadText(id, text);

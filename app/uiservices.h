@@ -25,6 +25,10 @@ int LoadText(UINT id, WCHAR (&buffer)[N]) {
     return LoadText(id, buffer, static_cast<int>(N));
 }
 
+// What assistive programs call a window that no text on the screen names.
+void NameWindow(HWND window, UINT stringId);
+void NameWindow(HWND window, const WCHAR* name);
+
 // Message boxes with the product's name as caption; the owner null means the main window. They return the
 // button pressed.
 int MessageFromString(HWND owner, UINT id, UINT style);

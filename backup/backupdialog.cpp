@@ -19,6 +19,7 @@ bool IsChecked(HWND dialog, int id) {
 
 void InitBackupOptions(HWND dialog, const BackupEngine& engine) {
     InitDialogFrame(dialog, kDoneButton | kHelpButton);
+    NameWindow(GetDlgItem(dialog, IDC_BACKUP_SCRIPT_BROWSE), IDS_NAME_BROWSE);
     const bool selection = ListHasSelection();
     CheckRadioButton(dialog, IDC_BACKUP_SELECTED, IDC_BACKUP_ALL,
                      selection ? IDC_BACKUP_SELECTED : IDC_BACKUP_ALL);

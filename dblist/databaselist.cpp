@@ -99,6 +99,8 @@ bool CreateDatabaseList(HWND mainWindow) {
     App().listViewProc = reinterpret_cast<WNDPROC>(
         SetWindowLongPtrW(list, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(DatabaseListProcedure)));
     SetImageLists(list);
+    NameWindow(list, IDS_NAME_DATABASES);
+    NameRowIcons(list);
     ApplyListOptions();
     InsertColumns(list);
     SetListStyle(App().settings->listStyle);

@@ -23,6 +23,7 @@ void SetListStyle(DWORD listStyle);
 
 // Reads all databases from the store anew, sorts and selects as before. A database that the store cannot tell
 // is missing, which is reported. Does nothing without a list.
+void NameRowIcons(HWND list); // for assistive programs
 void RebuildDatabaseList();
 // Reads icon, size and date of the selected rows' databases anew; the order of the rows stays.
 void UpdateSelectedRows();

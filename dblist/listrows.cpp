@@ -1,6 +1,7 @@
 // The rows of the database list: read from the store, selected, remembered.
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "app/application.h"
 #include "app/uiservices.h"
@@ -9,6 +10,7 @@
 #include "platform/errors.h"
 #include "platform/objectstore.h"
 #include "platform/text.h"
+#include "resources/resource.h"
 #include "store/datetimetext.h"
 #include "store/sizetext.h"
 
@@ -110,6 +112,17 @@ void SelectAfterRebuild(int selected, int pageBottom) {
 }
 
 } // namespace
+
+void NameRowIcons(HWND list) {
+    constexpr std::pair<RowIcon, UINT> kNames[] = {{kSystemIcon, IDS_NAME_SYSTEM_ICON},
+                                                   {kInUseIcon, IDS_NAME_IN_USE_ICON},
+                                                   {kEmptyIcon, IDS_NAME_EMPTY_ICON}};
+    for (const auto& [icon, id] : kNames) {
+        WCHAR name[kTitleCapacity];
+        LoadText(id, name);
+        ListView_NameImage(list, icon, name);
+    }
+}
 
 void RebuildDatabaseList() {
     const HWND list = App().listView;

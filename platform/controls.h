@@ -191,6 +191,9 @@ constexpr UINT LVM_INSERTCOLUMNW = 0x1061;
 constexpr UINT LVM_GETITEMTEXTW = 0x1073; // wParam row, lParam LVITEMW; returns characters
 constexpr UINT LVM_SETITEMTEXTW = 0x1074;
 
+constexpr UINT LVM_NAMEIMAGE =
+    0x10F0; // wParam image, lParam text: the picture in words, for who cannot see it
+
 constexpr UINT NM_DBLCLK = static_cast<UINT>(-3);
 constexpr UINT LVN_ITEMCHANGED = static_cast<UINT>(-101); // states only, once a row that changes
 constexpr UINT LVN_COLUMNCLICK = static_cast<UINT>(-108);
@@ -278,6 +281,9 @@ inline bool ListView_GetLabelRect(HWND list, int row, RECT* label) {
     if (exists)
         *label = found;
     return exists;
+}
+inline void ListView_NameImage(HWND list, int image, const WCHAR* name) {
+    SendMessageW(list, LVM_NAMEIMAGE, static_cast<WPARAM>(image), reinterpret_cast<LPARAM>(name));
 }
 inline int ListView_GetTopIndex(HWND list) {
     return static_cast<int>(SendMessageW(list, LVM_GETTOPINDEX, 0, 0));

@@ -64,6 +64,10 @@ constexpr UINT WA_ACTIVE = 1;
 constexpr WPARAM ICON_SMALL = 0;
 constexpr WPARAM ICON_BIG = 1;
 
+// What assistive programs call the window (lParam: text) where neither its own text nor what stands before it
+// in its dialog says it.
+constexpr UINT WM_NAMEWINDOW = 0x03C0;
+
 // ---- virtual keys ----
 constexpr UINT VK_BACK = 0x08;
 constexpr UINT VK_TAB = 0x09;

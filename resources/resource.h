@@ -368,3 +368,12 @@
 #define IDS_TIP_FIND 413
 #define IDS_TIP_FIND_NEXT 414
 #define IDS_FRAME_HELP 415 // what the bitmap button in a dialog's header is called
+
+// Strings: what assistive programs say of controls and pictures without a text
+#define IDS_NAME_DATABASES 420
+#define IDS_NAME_PROPERTIES 421
+#define IDS_NAME_VALUE 422
+#define IDS_NAME_BROWSE 423
+#define IDS_NAME_SYSTEM_ICON 424
+#define IDS_NAME_IN_USE_ICON 425
+#define IDS_NAME_EMPTY_ICON 426

@@ -25,7 +25,7 @@ void InitNewName(HWND dialog) {
     if (TheNewName().rename) {
         WCHAR title[kTitleCapacity];
         LoadText(IDS_RENAME_DATABASE, title);
-        SetDlgItemTextW(dialog, IDC_FRAME_TITLE, title);
+        SetFrameTitle(dialog, title);
     }
     SetDlgItemTextW(dialog, IDC_NEW_NAME_FROM, TheNewName().sourceName);
     SendDlgItemMessageW(dialog, IDC_NEW_NAME_TO, EM_SETLIMITTEXT, kNameLimit, 0);

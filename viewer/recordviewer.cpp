@@ -142,6 +142,7 @@ void RecordViewer::Init(HWND dialogWindow) {
     InitDialogFrame(dialog, kDoneButton | kHelpButton);
     InitWindow();
     InitList();
+    NameWindow(Control(IDC_VALUE_TEXT), IDS_NAME_VALUE);
     SendDlgItemMessageW(dialog, IDC_VALUE_NUMBER, EM_SETLIMITTEXT, kNumberLimit, 0);
 
     if (!database)
@@ -185,7 +186,7 @@ void RecordViewer::InitWindow() {
     WCHAR title[kTitleCapacity + kNameCapacity];
     LoadText(IDS_VIEWER_TITLE, prefix);
     wsprintfW(title, u"%s%s\"", prefix, databaseName);
-    SetDlgItemTextW(dialog, IDC_FRAME_TITLE, title);
+    SetFrameTitle(dialog, title);
     SHSetDocumentTitle(dialog, title);
 }
 

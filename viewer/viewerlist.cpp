@@ -62,6 +62,7 @@ void RecordViewer::InitList() {
         item.iSubItem = column;
         ListView_InsertColumn(list, column, item);
     }
+    NameWindow(list, IDS_NAME_PROPERTIES);
     ListView_SetExtendedListViewStyleEx(list, LVS_EX_FULLROWSELECT, LVS_EX_FULLROWSELECT);
     Header_SetImageList(ListView_GetHeader(list), App().headerImages);
     MakeHeaderOwnerDrawn(list);

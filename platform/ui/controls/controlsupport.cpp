@@ -1,5 +1,10 @@
 #include "platform/ui/controls/controlsupport.h"
 
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <algorithm>
+
 namespace ui {
 
 QString WithoutMnemonic(const QString& text) {
@@ -12,19 +17,19 @@ QString WithoutMnemonic(const QString& text) {
     return plain;
 }
 
-void NameAfterLabel(const WindowObject& window, QWidget* widget) {
-    WindowObject* parent = LiveWindow(window.parent);
+QString NameAfterLabel(const WindowObject& window, QWidget* widget) {
+    const WindowObject* parent = LiveWindow(window.parent);
     if (!parent)
-        return;
-    QString name;
-    for (HWND sibling : parent->children) {
-        if (sibling == &window)
-            break;
-        bool label = sibling->windowClass->name.compare(QLatin1String("STATIC"), Qt::CaseInsensitive) == 0;
-        if (label && (sibling->style & WS_VISIBLE))
-            name = WithoutMnemonic(sibling->text);
+        return QString();
+    const auto own = std::find(parent->children.begin(), parent->children.end(), &window);
+    QWidget* before = own == parent->children.begin() ? nullptr : (*std::prev(own))->widget.data();
+    if (auto* label = qobject_cast<QLabel*>(before)) {
+        label->setBuddy(widget);
+        return label->text();
     }
-    widget->setAccessibleName(name);
+    if (qobject_cast<QGroupBox*>(before) || qobject_cast<QCheckBox*>(before))
+        widget->setAccessibleName(WithoutMnemonic((*std::prev(own))->text));
+    return widget->accessibleName();
 }
 
 void TakeOwnInput(QWidget* widget) {

@@ -31,8 +31,9 @@ Widget* WidgetOf(HWND window) {
 
 // "&Copy && paste" reads "Copy & paste".
 QString WithoutMnemonic(const QString& text);
-// Names the widget for assistive programs after the label before it.
-void NameAfterLabel(const WindowObject& window, QWidget* widget);
+// Names the widget for assistive programs after the label, frame or check box directly before it. A label
+// stays its companion, whatever it reads later. Returns the name, empty when nothing of the kind is there.
+QString NameAfterLabel(const WindowObject& window, QWidget* widget);
 // Events of this widget and of everything below it go straight to it and never become messages.
 void TakeOwnInput(QWidget* widget);
 

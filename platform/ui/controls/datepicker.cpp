@@ -45,6 +45,19 @@ void OpenMonthMenuWithoutLoop(QCalendarWidget* calendar) {
                      [button, menu] { menu->popup(button->mapToGlobal(QPoint(0, button->height()))); });
 }
 
+void NameParts(QCalendarWidget* calendar) {
+    calendar->setAccessibleName(QStringLiteral("Calendar"));
+    const std::pair<const char*, const char*> names[] = {
+        {"qt_calendar_prevmonth", "Previous month"},
+        {"qt_calendar_nextmonth", "Next month"},
+        {"qt_calendar_yearedit", "Year"},
+        {"qt_calendar_calendarview", "Days"},
+    };
+    for (const auto& [part, name] : names)
+        if (auto* widget = calendar->findChild<QWidget*>(QLatin1String(part)))
+            widget->setAccessibleName(QLatin1String(name));
+}
+
 void DrawFrameAround(QCalendarWidget* calendar) {
     QWidget* popup = calendar->parentWidget();
     look::Recolour(calendar, QPalette::Window, look::Window);
@@ -135,6 +148,7 @@ protected:
             calendar = calendarWidget();
             DrawFrameAround(calendar);
             OpenMonthMenuWithoutLoop(calendar);
+            NameParts(calendar);
         }
         QDateTimeEdit::mousePressEvent(event);
     }
@@ -181,8 +195,7 @@ private:
 QWidget* MakePicker(WindowObject& window, QWidget* parent) {
     const bool picksTime = IsTimePicker(window);
     auto* picker = new Picker(picksTime, parent);
-    NameAfterLabel(window, picker);
-    if (picker->accessibleName().isEmpty())
+    if (NameAfterLabel(window, picker).isEmpty())
         picker->setAccessibleName(picksTime ? QStringLiteral("Time") : QStringLiteral("Date"));
     return picker;
 }

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "platform/ui/controls/listviews.h"
+#include "platform/ui/core/accessible.h"
 #include "platform/ui/drawing/devicecontext.h"
 #include "platform/ui/drawing/gdiobjects.h"
 #include "platform/ui/drawing/look.h"
@@ -32,6 +33,8 @@ HeaderView::HeaderView(WindowObject& window, ListWidget& list)
     setStretchLastSection(false);
     setMinimumSectionSize(1);
     setFocusPolicy(Qt::NoFocus);
+    GiveRole(this, QAccessible::Row);
+    setAccessibleName(QStringLiteral("Columns"));
     connect(
         this, &QHeaderView::sectionPressed, this,
         [this](int section) {
@@ -137,10 +140,14 @@ void HeaderView::Mark(int section) {
     bar.setValue(std::clamp(bar.value(), std::min(end - viewport()->width(), sectionPosition(marked)),
                             sectionPosition(marked)));
     viewport()->update();
+    TellFocus(list.details, marked); // the sections are the first of the view's children
 }
 
 void HeaderView::FocusChanged() {
-    Mark(marked);
+    if (GetFocus() == handle)
+        Mark(marked);
+    else
+        viewport()->update();
 }
 
 bool HeaderView::TakeKey(WPARAM key) {

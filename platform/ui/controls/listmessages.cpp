@@ -170,6 +170,9 @@ ListAnswer ViewMessage(ListWidget& list, UINT message, WPARAM wParam, LPARAM lPa
         list.ApplyStyle();
         return reinterpret_cast<LRESULT>(previous);
     }
+    case LVM_NAMEIMAGE:
+        model.NameImage(static_cast<int>(wParam), HostText(reinterpret_cast<const WCHAR*>(lParam)));
+        return TRUE;
     case LVM_SETEXTENDEDLISTVIEWSTYLE: {
         DWORD previous = list.extendedStyle;
         SetExtendedStyle(list, static_cast<DWORD>(wParam), static_cast<DWORD>(lParam));

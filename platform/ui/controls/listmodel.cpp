@@ -25,6 +25,10 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
         return QVariant();
     if (role == Qt::DisplayRole)
         return Text(index.row(), index.column());
+    if (role == Qt::AccessibleDescriptionRole && index.column() == 0) {
+        const auto name = imageNames.find(Row(index.row()).image);
+        return name == imageNames.end() ? QVariant() : QVariant(name->second);
+    }
     const UINT stateImage = Row(index.row()).state & LVIS_STATEIMAGEMASK;
     if (role == Qt::CheckStateRole && index.column() == 0 && stateImage) // for assistive programs
         return stateImage == 2u << 12 ? Qt::Checked : Qt::Unchecked;
@@ -38,7 +42,19 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
 QVariant ListModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation == Qt::Horizontal && role == Qt::DisplayRole && HasColumn(section))
         return columns[static_cast<std::size_t>(section)].title;
+    if (orientation == Qt::Horizontal && role == Qt::AccessibleDescriptionRole && HasColumn(section)) {
+        const int format = columns[static_cast<std::size_t>(section)].headerFormat;
+        return format & HDF_SORTUP     ? QStringLiteral("sorted ascending")
+               : format & HDF_SORTDOWN ? QStringLiteral("sorted descending")
+                                       : QString();
+    }
     return QVariant();
+}
+
+// A check box is told of, but toggled by the list itself.
+Qt::ItemFlags ListModel::flags(const QModelIndex& index) const {
+    const bool checkable = index.column() == 0 && data(index, Qt::CheckStateRole).isValid();
+    return QAbstractTableModel::flags(index) | (checkable ? Qt::ItemIsUserCheckable : Qt::NoItemFlags);
 }
 
 QString ListModel::Text(int row, int column) const {

@@ -56,6 +56,8 @@ public:
     // order[i] is the old index of what becomes row i.
     void Reorder(const std::vector<int>& order);
     void ColumnChanged(int column);
+    // What assistive programs say of rows with that image.
+    void NameImage(int image, const QString& name) { imageNames[image] = name; }
 
     // While quiet, the views are told nothing. The first change of the rows in that time empties them for as
     // long as it lasts, so that they never ask for a row that is gone.
@@ -72,6 +74,7 @@ public:
     int columnCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
 
 private:
     ListRow& RowAt(int row) { return rows[static_cast<std::size_t>(row)]; }
@@ -81,6 +84,7 @@ private:
     std::vector<ListRow> rows;
     std::vector<ListColumn> columns;
     std::unordered_map<LPARAM, int> rowOfParam;
+    std::unordered_map<int, QString> imageNames;
     bool paramsStale = false;
     bool quiet = false;
     bool detached = false;

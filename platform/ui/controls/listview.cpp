@@ -88,6 +88,9 @@ LRESULT ListProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         list->header = CreateWindowExW(0, u"SysHeader32", u"", WS_CHILD | WS_VISIBLE, 0, 0, 0, 0, window,
                                        ChildId(0), nullptr, nullptr);
         return list->header ? 0 : -1;
+    case WM_NAMEWINDOW:
+        list->SetName(HostText(reinterpret_cast<const WCHAR*>(lParam)));
+        return 0;
     case WM_SETREDRAW:
         list->SetRedraw(wParam != 0);
         return 0;

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "platform/ui/controls/listviews.h"
+#include "platform/ui/core/accessible.h"
 #include "platform/ui/drawing/gdiobjects.h"
 #include "platform/ui/drawing/look.h"
 
@@ -16,9 +17,7 @@ ListWidget::ListWidget(WindowObject& window, QWidget* parent)
       selection(new QItemSelectionModel(model, this)), details(new DetailsView(*this)),
       icons(new IconsView(*this)) {
     setFocusPolicy(Qt::StrongFocus);
-    setAccessibleName(window.text);
-    if (window.text.isEmpty())
-        NameAfterLabel(window, this);
+    GiveRole(this, QAccessible::Pane);
     if (window.style & WS_BORDER)
         setContentsMargins(1, 1, 1, 1);
     for (QAbstractItemView* view :
@@ -26,9 +25,9 @@ ListWidget::ListWidget(WindowObject& window, QWidget* parent)
         QItemSelectionModel* own = view->selectionModel();
         view->setSelectionModel(selection);
         delete own;
-        view->setAccessibleName(accessibleName());
         view->installEventFilter(this);
     }
+    SetName(window.text.isEmpty() ? NameAfterLabel(window, this) : window.text);
     auto take = [this] {
         if (mirroring || takeQueued)
             return;
@@ -41,6 +40,11 @@ ListWidget::ListWidget(WindowObject& window, QWidget* parent)
     connect(selection, &QItemSelectionModel::selectionChanged, details->viewport(),
             qOverload<>(&QWidget::update));
     ApplyStyle();
+}
+
+void ListWidget::SetName(const QString& name) {
+    for (QWidget* widget : std::initializer_list<QWidget*>{this, details, icons})
+        widget->setAccessibleName(name);
 }
 
 DWORD ListWidget::Style() const {

@@ -23,7 +23,8 @@ public:
     ListWidget(WindowObject& window, QWidget* parent);
 
     // ---- what it shows (listwidget.cpp) ----
-    DWORD Style() const; // the window's
+    void SetName(const QString& name); // for assistive programs
+    DWORD Style() const;               // the window's
     DWORD View() const { return Style() & LVS_TYPEMASK; }
     bool CheckBoxes() const { return extendedStyle & LVS_EX_CHECKBOXES; }
     bool FullRow() const { return extendedStyle & LVS_EX_FULLROWSELECT; }

@@ -10,6 +10,7 @@
 #include "platform/base/utf8.h"
 #include "platform/process.h"
 #include "platform/ui/controls/controlsupport.h"
+#include "platform/ui/core/accessible.h"
 #include "platform/ui/core/display.h"
 #include "platform/ui/core/messagequeue.h"
 #include "platform/ui/core/testhooks.h"
@@ -92,6 +93,7 @@ HWND MakeDialog(HINSTANCE instance, const DLGTEMPLATE* dialogTemplate, HWND owne
         return nullptr;
     NewWindow unfinished(dialog, DestroyWindow);
     dialog->dialog = NewDialogData(procedure, modal);
+    GiveRole(dialog->widget, QAccessible::Dialog);
     dialog->font = DialogFont(parsed.pointSize);
     const QSize base = BaseUnits(dialog->font);
     dialog->topLevel->fullScreen = false;

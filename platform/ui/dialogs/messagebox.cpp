@@ -6,6 +6,7 @@
 #include "platform/base/outofmemory.h"
 #include "platform/process.h"
 #include "platform/ui/controls/controlsupport.h"
+#include "platform/ui/core/accessible.h"
 #include "platform/ui/core/display.h"
 #include "platform/ui/core/testhooks.h"
 #include "platform/ui/dialogs/dialogcore.h"
@@ -147,6 +148,8 @@ HWND MakeBox(HWND owner, const QString& text, const WCHAR* caption, UINT style) 
     NewWindow unfinished(box, DestroyWindow);
     box->dialog = NewDialogData(BoxProcedure, true);
     box->userData = style;
+    GiveRole(box->widget, QAccessible::AlertMessage);
+    box->widget->setAccessibleDescription(text);
     auto* card = new MessageCard(box->widget, box->text, text, IconOf(style));
     card->show();
     box->dialog->scrollBars[1] = card->Bar();

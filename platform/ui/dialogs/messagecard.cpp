@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "platform/ui/controls/controlsupport.h"
+#include "platform/ui/core/accessible.h"
 #include "platform/ui/drawing/look.h"
 #include "platform/ui/screen/screen.h"
 
@@ -27,8 +28,8 @@ MessageCard::MessageCard(QWidget* parent, const QString& caption, const QString&
     document.setDefaultFont(font());
     document.setDocumentMargin(0);
     document.setPlainText(text);
-    setAccessibleName(caption);
-    setAccessibleDescription(text);
+    GiveRole(this, QAccessible::StaticText);
+    setAccessibleName(text);
     bar->hide();
     TakeOwnInput(bar);
     connect(bar, &QScrollBar::valueChanged, this, qOverload<>(&QWidget::update));

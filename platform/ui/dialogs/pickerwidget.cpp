@@ -13,6 +13,7 @@
 #include "platform/base/paths.h"
 #include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/dialogs/pickerfiles.h"
+#include "platform/ui/core/accessible.h"
 #include "platform/ui/drawing/gdiobjects.h"
 #include "platform/ui/drawing/look.h"
 #include "platform/ui/screen/screen.h"
@@ -43,6 +44,7 @@ QString DevicePathOf(const QString& host) {
 
 PickerWidget::PickerWidget(QWidget* parent) : QWidget(parent) {
     TakeOwnInput(this);
+    GiveRole(this, QAccessible::Dialog);
     setFont(FontOf(nullptr));
     setAutoFillBackground(true);
     MakeFiles();
@@ -167,6 +169,7 @@ QWidget* PickerWidget::MakeNameRows() {
 void PickerWidget::Start(const PickerRequest& wanted, std::function<void(const QString&)> finish) {
     request = wanted;
     finished = std::move(finish);
+    setAccessibleName(request.save ? tr("Save As") : tr("Open"));
     acceptButton->setText(request.save ? tr("&Save") : tr("&Open"));
     filterBox->clear();
     for (const PickerFilter& filter : request.filters)

@@ -66,6 +66,10 @@ bool DefaultProperties(HWND window, UINT message, WPARAM wParam, LPARAM lParam, 
     case WM_GETTEXT:
         result = CopyHostText(reinterpret_cast<WCHAR*>(lParam), static_cast<int>(wParam), window->text);
         return true;
+    case WM_NAMEWINDOW:
+        if (window->widget)
+            window->widget->setAccessibleName(HostText(reinterpret_cast<const WCHAR*>(lParam)));
+        return true;
     case WM_GETTEXTLENGTH:
         result = window->text.size();
         return true;

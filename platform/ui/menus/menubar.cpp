@@ -1,9 +1,10 @@
 // The shell's menu bar: a control made from a definition in the program's resources.
-#include <QCoreApplication>
+#include <QApplication>
 #include <QKeyEvent>
 #include <QtEndian>
 
 #include "platform/resources.h"
+#include "platform/ui/core/accessible.h"
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/drawing/gdiobjects.h"
 #include "platform/ui/input/windowprocedures.h"
@@ -156,6 +157,8 @@ void MenuMode::Leave() {
     qApp->removeEventFilter(this);
     if (bar)
         bar->Mark(nullptr);
+    if (QWidget* const focus = QApplication::focusWidget())
+        TellFocus(focus);
     deleteLater();
 }
 
@@ -214,6 +217,7 @@ bool MenuMode::eventFilter(QObject*, QEvent* event) {
 
 void RegisterMenuBarClass() {
     RegisterBuiltInClass(kMenuBarClass, MenuBarProcedure, MakeMenuBarWidget);
+    InstallBarRoles();
 }
 
 bool MenuBarMnemonic(HWND bar, char16_t letter) {

@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "platform/ui/controls/controlsupport.h"
+#include "platform/ui/core/accessible.h"
 #include "platform/ui/core/testhooks.h"
 #include "platform/ui/core/windowobject.h"
 #include "platform/ui/drawing/gdiobjects.h"
@@ -64,6 +65,7 @@ void BarButton::paintEvent(QPaintEvent*) {
 
 MenuBarWidget::MenuBarWidget(HWND bar, QWidget* parent) : QWidget(parent), barWindow(bar) {
     setObjectName(QStringLiteral("menuBar"));
+    GiveRole(this, QAccessible::MenuBar);
     setAccessibleName(tr("Menu bar"));
     setFont(FontOf(nullptr));
     setFocusPolicy(Qt::NoFocus);
@@ -121,8 +123,11 @@ void MenuBarWidget::Choose(BarButton* button) {
 void MenuBarWidget::Mark(BarButton* marked) {
     for (BarButton* const button : buttons) {
         button->marked = button == marked;
+        button->open = button->marked && openPopup;
         button->update();
     }
+    if (marked)
+        TellFocus(marked);
 }
 
 BarButton* MenuBarWidget::Marked() const {

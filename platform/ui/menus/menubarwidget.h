@@ -25,6 +25,7 @@ public:
     int position = 0;      // of the popup in its menu
     QImage picture;
     bool marked = false; // its popup is open, or the arrows have come to it
+    bool open = false;   // its popup is
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -71,5 +72,7 @@ private:
     QPointer<QWidget> watchedParent;
     QPointer<QMenu> openPopup;
 };
+
+void InstallBarRoles(); // for assistive programs, once
 
 } // namespace ui

@@ -117,6 +117,14 @@ MenuObject* LiveMenu(HMENU menu) {
     return LiveMenus().contains(menu) ? menu : nullptr;
 }
 
+QString TextOfPopup(HMENU popup) {
+    for (const MenuObject* menu : LiveMenus())
+        for (const MenuItem& item : menu->items)
+            if (popup && item.popup.get() == popup)
+                return item.text;
+    return QString();
+}
+
 ItemPosition PositionOfItem(HMENU menu, UINT command) {
     MenuObject* const object = LiveMenu(menu);
     return object ? PositionOfCommand(*object, command) : ItemPosition{};

@@ -37,6 +37,7 @@ namespace ui {
 
 // The live menu or submenu, or null.
 MenuObject* LiveMenu(HMENU menu);
+QString TextOfPopup(HMENU popup); // that its parent has for it; empty for a menu without one
 
 struct ItemPosition {
     MenuObject* menu = nullptr; // null: there is no such item

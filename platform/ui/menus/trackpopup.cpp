@@ -48,7 +48,10 @@ void FillPopup(QMenu* popup, HMENU menu, HWND owner) {
             submenu->setTitle(item.text);
             popup->addMenu(submenu)->setEnabled(item.enabled);
         } else {
-            QAction* const action = popup->addAction(item.text);
+            QAction* const action = popup->addAction(item.text.section(u'\t', 0, 0));
+            // Shown, and told to assistive programs. It never acts here, for the popup takes the keys.
+            action->setShortcut(QKeySequence(item.text.section(u'\t', 1)));
+            action->setShortcutVisibleInContextMenu(true);
             action->setEnabled(item.enabled);
             // Only the marked item is checkable, in a group of its own: the others show no empty circle, and
             // another marked item of the same popup stays marked.
@@ -71,6 +74,7 @@ QMenu* MakePopup(HMENU menu, HWND owner, int position) {
     static auto* const style = new PopupStyle;
     popup->setStyle(style);
     popup->setFont(FontOf(nullptr));
+    popup->setAccessibleName(WithoutMnemonic(TextOfPopup(menu)));
     FillPopup(popup, menu, owner);
     QObject::connect(popup, &QMenu::aboutToShow, popup, [popup, menu, owner, position] {
         if (!LiveMenu(menu))

@@ -17,6 +17,7 @@
 
 #include "platform/base/paths.h"
 #include "platform/device.h"
+#include "platform/ui/core/accessible.h"
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/core/windowsystem.h"
 #include "platform/ui/drawing/cursors.h"
@@ -62,6 +63,7 @@ std::vector<std::u16string> DroppedPaths(const QDropEvent& event) {
 class DisplayWindow : public QWidget {
 public:
     DisplayWindow() : bar(new TitleBar(this)), area(new QWidget(this)) {
+        GiveRole(this, QAccessible::Window);
         setMinimumSize(Scaled(kLeastSize.width()), Scaled(kLeastSize.height()));
         QSize first(Scaled(kFirstSize.width()), Scaled(kFirstSize.height()));
         if (const QScreen* screen = QGuiApplication::primaryScreen())

@@ -3,6 +3,7 @@
 #include <QLinearGradient>
 #include <QPainter>
 
+#include "platform/ui/core/accessible.h"
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/core/windowsystem.h"
 #include "platform/ui/drawing/look.h"
@@ -62,8 +63,8 @@ void TitleBarButton::paintEvent(QPaintEvent*) {
 }
 
 TitleBar::TitleBar(QWidget* parent) : QWidget(parent), button(new TitleBarButton(this)) {
-    connect(
-        button, &QAbstractButton::clicked, this, [this] { Tapped(); });
+    GiveRole(this, QAccessible::TitleBar);
+    connect(button, &QAbstractButton::clicked, this, [this] { Tapped(); });
 }
 
 void TitleBar::Show(const QString& title, TitleButton kind) {

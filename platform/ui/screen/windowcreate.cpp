@@ -3,6 +3,7 @@
 #include <QPainter>
 
 #include "platform/base/outofmemory.h"
+#include "platform/ui/core/accessible.h"
 #include "platform/ui/core/messagequeue.h"
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/core/windowsystem.h"
@@ -55,8 +56,10 @@ void MakeWidget(HWND window) {
         widget->hide(); // or the host would show it along with its parent
     if (window->style & WS_DISABLED && !window->topLevel)
         widget->setEnabled(false);
-    if (!window->windowClass->makeWidget)
+    if (!window->windowClass->makeWidget) {
+        GiveRole(widget, QAccessible::Pane);
         widget->setAccessibleName(window->text);
+    }
 }
 
 std::unique_ptr<WindowObject> DescribeWindow(const CREATESTRUCTW& create, const WindowClass& windowClass,

@@ -7,6 +7,7 @@
 
 #include "platform/storage/watch.h"
 #include "platform/ui/controls/controlsupport.h"
+#include "platform/ui/core/accessible.h"
 #include "platform/ui/core/display.h"
 #include "platform/ui/core/windowcore.h"
 #include "platform/ui/dialogs/dialogcore.h"
@@ -131,6 +132,7 @@ void PostFromStore(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
 void Start() {
     StartHost();
     DressHost();
+    InstallRoles();
     InstallInputFilter();
     CreateScreen();
     QObject::connect(qApp, &QApplication::focusChanged, [](QWidget*, QWidget* now) {
