@@ -1,16 +1,14 @@
 #include "platform/ui/core/accessible.h"
 
-#include <QAccessibleWidget>
-
 namespace ui {
 
 namespace {
 
 const char* const kRole = "accessibleRole";
 
-class RoleInterface : public QAccessibleWidget {
+class RoleInterface : public PopupOwner {
 public:
-    explicit RoleInterface(QWidget* widget) : QAccessibleWidget(widget) {}
+    explicit RoleInterface(QWidget* widget) : PopupOwner(widget) {}
 
     QAccessible::Role role() const override {
         return static_cast<QAccessible::Role>(widget()->property(kRole).toInt());
@@ -28,6 +26,30 @@ QAccessibleInterface* MakeInterface(const QString&, QObject* object) {
 }
 
 } // namespace
+
+QList<QWidget*> PopupOwner::Popups() const {
+    QList<QWidget*> popups;
+    for (QWidget* child : widget()->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
+        if (child->windowType() == Qt::Popup && child->isVisible())
+            popups.append(child);
+    return popups;
+}
+
+int PopupOwner::childCount() const {
+    return QAccessibleWidget::childCount() + static_cast<int>(Popups().size());
+}
+
+QAccessibleInterface* PopupOwner::child(int index) const {
+    const int first = QAccessibleWidget::childCount();
+    return index < first ? QAccessibleWidget::child(index)
+                         : QAccessible::queryAccessibleInterface(Popups().value(index - first));
+}
+
+int PopupOwner::indexOfChild(const QAccessibleInterface* child) const {
+    const auto popup = child ? Popups().indexOf(qobject_cast<QWidget*>(child->object())) : -1;
+    return popup < 0 ? QAccessibleWidget::indexOfChild(child)
+                     : QAccessibleWidget::childCount() + static_cast<int>(popup);
+}
 
 void GiveRole(QWidget* widget, QAccessible::Role role) {
     widget->setProperty(kRole, static_cast<int>(role));

@@ -1,10 +1,22 @@
 // What assistive programs take the host's widgets for.
 #pragma once
 
-#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QWidget>
 
 namespace ui {
+
+// A widget with the popups that are open on it, its children that the host leaves out.
+class PopupOwner : public QAccessibleWidget {
+public:
+    using QAccessibleWidget::QAccessibleWidget;
+    int childCount() const override;
+    QAccessibleInterface* child(int index) const override;
+    int indexOfChild(const QAccessibleInterface* child) const override;
+
+private:
+    QList<QWidget*> Popups() const;
+};
 
 // For a widget whose class says nothing about it. May be called again; a window that is asked for an answer
 // is modal.

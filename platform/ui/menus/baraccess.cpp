@@ -1,20 +1,19 @@
 // The bar's popups as assistive programs see them: menu items that open a menu.
-#include <QAccessibleWidget>
 #include <QKeySequence>
 
+#include "platform/ui/core/accessible.h"
 #include "platform/ui/menus/menubarwidget.h"
 
 namespace ui {
 
 namespace {
 
-class PopupItem : public QAccessibleWidget {
+class PopupItem : public PopupOwner {
 public:
-    explicit PopupItem(BarButton* button)
-        : QAccessibleWidget(button, QAccessible::MenuItem), button(button) {}
+    explicit PopupItem(BarButton* button) : PopupOwner(button, QAccessible::MenuItem), button(button) {}
 
     QAccessible::State state() const override {
-        QAccessible::State state = QAccessibleWidget::state();
+        QAccessible::State state = PopupOwner::state();
         state.hasPopup = true;
         state.expandable = true;
         state.expanded = button->open;
@@ -25,7 +24,7 @@ public:
     QString text(QAccessible::Text kind) const override {
         if (kind == QAccessible::Accelerator)
             return QKeySequence::mnemonic(button->text()).toString(QKeySequence::NativeText);
-        return QAccessibleWidget::text(kind);
+        return PopupOwner::text(kind);
     }
     QStringList actionNames() const override { return {QAccessibleActionInterface::showMenuAction()}; }
     void doAction(const QString& action) override {

@@ -140,7 +140,7 @@ BarButton* MenuBarWidget::Marked() const {
 void MenuBarWidget::OpenPopup(BarButton* button) {
     const WindowObject* const bar = LiveWindow(barWindow);
     ClosePopup();
-    QMenu* const popup = MakePopup(button->popup, bar->parent, button->position);
+    QMenu* const popup = MakePopup(button->popup, bar->parent, button->position, button);
     openPopup = popup;
     // The press that closes it is not also a press on what lies beneath, or a second tap would open it again.
     popup->setAttribute(Qt::WA_NoMouseReplay);

@@ -1,5 +1,7 @@
 // The host's popups that show menus, and the context menu that runs until it closes.
 #include <QActionGroup>
+#include <QApplication>
+#include <QPointer>
 #include <QProxyStyle>
 #include <QStyleOption>
 
@@ -42,9 +44,8 @@ void FillPopup(QMenu* popup, HMENU menu, HWND owner) {
         if (item.separator) {
             popup->addSeparator();
         } else if (item.popup) {
-            QMenu* const submenu = MakePopup(item.popup.get(), owner, position);
-            // A child of this one, so that clearing and deleting reach it.
-            submenu->setParent(popup, submenu->windowFlags());
+            QMenu* const submenu =
+                MakePopup(item.popup.get(), owner, position, popup); // clearing and deleting reach it
             submenu->setTitle(item.text);
             popup->addMenu(submenu)->setEnabled(item.enabled);
         } else {
@@ -69,8 +70,8 @@ void FillPopup(QMenu* popup, HMENU menu, HWND owner) {
 
 } // namespace
 
-QMenu* MakePopup(HMENU menu, HWND owner, int position) {
-    auto* const popup = new QMenu;
+QMenu* MakePopup(HMENU menu, HWND owner, int position, QWidget* parent) {
+    auto* const popup = new QMenu(parent);
     static auto* const style = new PopupStyle;
     popup->setStyle(style);
     popup->setFont(FontOf(nullptr));
@@ -97,14 +98,14 @@ BOOL TrackPopupMenuEx(HMENU menu, UINT flags, int x, int y, HWND owner, const vo
     POINT corner = {x, y};
     ScreenToClient(owner, &corner);
     QPoint point = window->widget->mapToGlobal(QPoint(corner.x, corner.y));
-    QMenu* const popup = MakePopup(menu, owner, 0);
+    const QPointer<QMenu> popup = MakePopup(menu, owner, 0, window->widget);
     bool done = false;
-    QObject::connect(popup, &QMenu::aboutToHide, popup, [&done] {
+    const auto end = [&done] {
         done = true;
         PostMessageW(nullptr, WM_NULL, 0, 0);
-    });
-    QObject::connect(window->widget, &QObject::destroyed, popup,
-                     &QWidget::close); // nobody is left to choose for
+    };
+    QObject::connect(popup, &QMenu::aboutToHide, popup, end);
+    QObject::connect(popup, &QObject::destroyed, qApp, end); // with the owner: nobody is left to choose for
     if (flags & TPM_RIGHTALIGN) {
         const int leftEdge = ScreenArea()->mapToGlobal(QPoint(0, 0)).x();
         point.setX(std::max(leftEdge, point.x() - popup->sizeHint().width()));
@@ -114,7 +115,9 @@ BOOL TrackPopupMenuEx(HMENU menu, UINT flags, int x, int y, HWND owner, const vo
         TestHooks().menu(popup);
     if (popup->isVisible())
         RunModal(done);
-    popup->disconnect();
-    popup->deleteLater(); // an event of it may be on the stack
+    if (popup) {
+        popup->disconnect();
+        popup->deleteLater(); // an event of it may be on the stack
+    }
     return TRUE;
 }

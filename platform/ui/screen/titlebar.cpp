@@ -63,7 +63,7 @@ void TitleBarButton::paintEvent(QPaintEvent*) {
 }
 
 TitleBar::TitleBar(QWidget* parent) : QWidget(parent), button(new TitleBarButton(this)) {
-    GiveRole(this, QAccessible::TitleBar);
+    GiveRole(this, QAccessible::Pane);
     connect(button, &QAbstractButton::clicked, this, [this] { Tapped(); });
 }
 
