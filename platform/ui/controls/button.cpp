@@ -7,6 +7,7 @@
 #include <QRadioButton>
 
 #include "platform/ui/controls/controlsupport.h"
+#include "platform/ui/core/accessible.h"
 #include "platform/ui/drawing/devicecontext.h"
 
 namespace ui {
@@ -22,6 +23,7 @@ public:
     // Groups go by window order, not by the host's parents, hence no exclusivity of the host's own.
     RadioButton(HWND window, QWidget* parent) : QRadioButton(parent), window(window) {
         setAutoExclusive(false);
+        GiveRole(this, QAccessible::RadioButton); // which the host takes from the exclusivity
     }
 
 protected:
@@ -110,6 +112,7 @@ QWidget* MakeButton(WindowObject& window, QWidget* parent) {
         return MakeGroupBox(window, parent);
     QAbstractButton* button = MakeClickable(window, parent);
     button->setText(window.text);
+    button->setAccessibleName(WithoutMnemonic(window.text));
     HWND handle = &window;
     QObject::connect(button, &QAbstractButton::clicked, button,
                      [handle] { CommandToParent(handle, BN_CLICKED); });
@@ -117,15 +120,14 @@ QWidget* MakeButton(WindowObject& window, QWidget* parent) {
 }
 
 void ShowText(HWND window) {
-    QAbstractButton* button = WidgetOf<QAbstractButton>(window);
-    if (button && button->isCheckable()) {
-        // The host's own know one line only.
-        button->setText(BrokenToFit(button, window->text, button->width()));
+    if (QAbstractButton* button = WidgetOf<QAbstractButton>(window)) {
+        // The host's own check boxes and radio buttons know one line only.
+        const bool wraps = button->isCheckable();
+        button->setText(wraps ? BrokenToFit(button, window->text, button->width()) : window->text);
         button->setAccessibleName(WithoutMnemonic(window->text));
-    } else if (button)
-        button->setText(window->text);
-    else if (QGroupBox* box = WidgetOf<QGroupBox>(window))
+    } else if (QGroupBox* box = WidgetOf<QGroupBox>(window)) {
         box->setTitle(window->text);
+    }
 }
 
 LRESULT ButtonDialogCode(HWND window) {

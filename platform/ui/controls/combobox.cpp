@@ -1,4 +1,5 @@
 // The drop-down list.
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QEvent>
 #include <QStyledItemDelegate>
@@ -30,6 +31,7 @@ class DropList : public QComboBox {
 public:
     DropList(WindowObject& window, QWidget* parent) : QComboBox(parent) {
         const HWND handle = &window;
+        view()->setAccessibleName(QStringLiteral("Choices"));
         setItemDelegate(new RowDelegate(this));
         KeepOneLine();
         connect(

@@ -1,5 +1,6 @@
 #include "platform/ui/controls/editbox.h"
 
+#include <QApplication>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <algorithm>
@@ -35,6 +36,12 @@ void RunEditCommand(Box& box, UINT message) {
         box.paste();
     else
         box.undo();
+}
+
+// The host's menu for editing has just opened.
+void NameOpenMenu() {
+    if (QWidget* menu = QApplication::activePopupWidget())
+        menu->setAccessibleName(QStringLiteral("Edit"));
 }
 
 } // namespace
@@ -102,6 +109,11 @@ void LineBox::EmptyUndoBuffer() {
 
 void LineBox::Edit(UINT message) {
     RunEditCommand(*this, message);
+}
+
+void LineBox::contextMenuEvent(QContextMenuEvent* event) {
+    QLineEdit::contextMenuEvent(event);
+    NameOpenMenu();
 }
 
 // ---- many lines ----
@@ -186,6 +198,11 @@ void TextBox::Select(int start, int end) {
     cursor.setPosition(PositionOf(start));
     cursor.setPosition(PositionOf(end), QTextCursor::KeepAnchor);
     setTextCursor(cursor);
+}
+
+void TextBox::contextMenuEvent(QContextMenuEvent* event) {
+    QPlainTextEdit::contextMenuEvent(event);
+    NameOpenMenu();
 }
 
 void TextBox::Edit(UINT message) {

@@ -47,6 +47,7 @@ public:
     void Edit(UINT message) override;
 
 protected:
+    void contextMenuEvent(QContextMenuEvent* event) override;
     QString CurrentText() const override { return text(); }
     void ShowText(const QString& text) override;
 
@@ -65,6 +66,7 @@ public:
     void Edit(UINT message) override;
 
 protected:
+    void contextMenuEvent(QContextMenuEvent* event) override;
     QString CurrentText() const override;
     void ShowText(const QString& text) override;
 

@@ -14,6 +14,7 @@ public:
     // What the keys do while the header has the focus; false for a key that means nothing to it.
     bool TakeKey(WPARAM key);
     void FocusChanged();
+    int Marked() const { return marked; } // the section that the keys act on
 
     HIMAGELIST images = nullptr;
     ListWidget& list;
@@ -30,7 +31,7 @@ private:
 
     HWND handle;
     int pressed = -1;
-    int marked = 0; // what the keys act on
+    int marked = 0;
 };
 
 void RegisterHeaderClass();

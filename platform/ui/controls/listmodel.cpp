@@ -42,6 +42,10 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
 QVariant ListModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation == Qt::Horizontal && role == Qt::DisplayRole && HasColumn(section))
         return columns[static_cast<std::size_t>(section)].title;
+    if (orientation == Qt::Horizontal && role == Qt::AccessibleTextRole && HasColumn(section))
+        return columns[static_cast<std::size_t>(section)].title.isEmpty()
+                   ? QStringLiteral("Column %1").arg(section + 1)
+                   : columns[static_cast<std::size_t>(section)].title;
     if (orientation == Qt::Horizontal && role == Qt::AccessibleDescriptionRole && HasColumn(section)) {
         const int format = columns[static_cast<std::size_t>(section)].headerFormat;
         return format & HDF_SORTUP     ? QStringLiteral("sorted ascending")

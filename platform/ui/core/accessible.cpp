@@ -1,5 +1,7 @@
 #include "platform/ui/core/accessible.h"
 
+#include <QAbstractButton>
+
 namespace ui {
 
 namespace {
@@ -14,10 +16,29 @@ public:
         return static_cast<QAccessible::Role>(widget()->property(kRole).toInt());
     }
     QAccessible::State state() const override {
-        QAccessible::State state = QAccessibleWidget::state();
+        QAccessible::State state = PopupOwner::state();
         state.modal = role() == QAccessible::Dialog || role() == QAccessible::AlertMessage;
+        state.checkable = Button() && Button()->isCheckable();
+        state.checked = Button() && Button()->isChecked();
         return state;
     }
+    QString text(QAccessible::Text kind) const override {
+        return kind == QAccessible::Accelerator && Button()
+                   ? Button()->shortcut().toString(QKeySequence::NativeText)
+                   : PopupOwner::text(kind);
+    }
+    QStringList actionNames() const override {
+        return Button() ? QStringList(pressAction()) : PopupOwner::actionNames();
+    }
+    void doAction(const QString& action) override {
+        if (Button() && action == pressAction())
+            Button()->click();
+        else
+            PopupOwner::doAction(action);
+    }
+
+private:
+    QAbstractButton* Button() const { return qobject_cast<QAbstractButton*>(widget()); }
 };
 
 QAccessibleInterface* MakeInterface(const QString&, QObject* object) {

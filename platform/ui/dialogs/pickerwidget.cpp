@@ -139,6 +139,7 @@ QWidget* PickerWidget::MakeNameRows() {
     problemLabel->hide();
     filterBox = new QComboBox(rows);
     filterBox->setAccessibleName(tr("Type"));
+    filterBox->view()->setAccessibleName(tr("Types"));
     filterBox->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     acceptButton = new QPushButton(rows);
     acceptButton->setObjectName(QStringLiteral("pickerAccept"));

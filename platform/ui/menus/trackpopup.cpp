@@ -104,8 +104,9 @@ BOOL TrackPopupMenuEx(HMENU menu, UINT flags, int x, int y, HWND owner, const vo
         done = true;
         PostMessageW(nullptr, WM_NULL, 0, 0);
     };
-    QObject::connect(popup, &QMenu::aboutToHide, popup, end);
-    QObject::connect(popup, &QObject::destroyed, qApp, end); // with the owner: nobody is left to choose for
+    const auto hidden = QObject::connect(popup, &QMenu::aboutToHide, qApp, end);
+    // With the owner: nobody is left to choose for.
+    const auto destroyed = QObject::connect(popup, &QObject::destroyed, qApp, end);
     if (flags & TPM_RIGHTALIGN) {
         const int leftEdge = ScreenArea()->mapToGlobal(QPoint(0, 0)).x();
         point.setX(std::max(leftEdge, point.x() - popup->sizeHint().width()));
@@ -115,9 +116,9 @@ BOOL TrackPopupMenuEx(HMENU menu, UINT flags, int x, int y, HWND owner, const vo
         TestHooks().menu(popup);
     if (popup->isVisible())
         RunModal(done);
-    if (popup) {
-        popup->disconnect();
+    QObject::disconnect(hidden);
+    QObject::disconnect(destroyed);
+    if (popup)
         popup->deleteLater(); // an event of it may be on the stack
-    }
     return TRUE;
 }
