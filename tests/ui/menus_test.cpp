@@ -101,7 +101,7 @@ TEST_F(Menus, APopupShowsEveryMark) {
     const HMENU menu = LoadMenuW(nullptr, MAKEINTRESOURCEW(IDR_MAIN_MENU));
     CheckMenuRadioItem(menu, IDM_VIEW_SMALL_ICONS, IDM_VIEW_LARGE_ICONS, IDM_VIEW_LIST, MF_BYCOMMAND);
     CheckMenuRadioItem(menu, IDM_ARRANGE_BY_NAME, IDM_ARRANGE_BY_DATE, IDM_ARRANGE_BY_SIZE, MF_BYCOMMAND);
-    const std::unique_ptr<QMenu> popup(ui::MakePopup(GetSubMenu(menu, 1), main, 1));
+    const std::unique_ptr<QMenu> popup(ui::MakePopup(GetSubMenu(menu, 1), main, 1, nullptr));
     QStringList marked;
     for (const QAction* const action : popup->actions())
         if (action->isChecked())

@@ -33,8 +33,7 @@ HeaderView::HeaderView(WindowObject& window, ListWidget& list)
     setStretchLastSection(false);
     setMinimumSectionSize(1);
     setFocusPolicy(Qt::NoFocus);
-    GiveRole(this, QAccessible::Row);
-    setAccessibleName(QStringLiteral("Columns"));
+    GiveRole(this, QAccessible::ColumnHeader);
     connect(
         this, &QHeaderView::sectionPressed, this,
         [this](int section) {
@@ -140,7 +139,11 @@ void HeaderView::Mark(int section) {
     bar.setValue(std::clamp(bar.value(), std::min(end - viewport()->width(), sectionPosition(marked)),
                             sectionPosition(marked)));
     viewport()->update();
-    TellFocus(list.details, marked); // the sections are the first of the view's children
+    // While it has the focus the header stands for the section.
+    setAccessibleName(model()->headerData(marked, Qt::Horizontal, Qt::AccessibleTextRole).toString());
+    setAccessibleDescription(
+        model()->headerData(marked, Qt::Horizontal, Qt::AccessibleDescriptionRole).toString());
+    TellFocus(this);
 }
 
 void HeaderView::FocusChanged() {
@@ -166,6 +169,7 @@ bool HeaderView::TakeKey(WPARAM key) {
         return true;
     case VK_SPACE:
         Q_EMIT sectionClicked(marked);
+        Mark(marked);
         return true;
     case VK_DOWN:
     case VK_TAB:

@@ -14,7 +14,6 @@ public:
     // What the keys do while the header has the focus; false for a key that means nothing to it.
     bool TakeKey(WPARAM key);
     void FocusChanged();
-    int Marked() const { return marked; } // the section that the keys act on
 
     HIMAGELIST images = nullptr;
     ListWidget& list;

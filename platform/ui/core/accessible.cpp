@@ -80,9 +80,8 @@ void InstallRoles() {
     QAccessible::installFactory(MakeInterface);
 }
 
-void TellFocus(QObject* widget, int child) {
+void TellFocus(QWidget* widget) {
     QAccessibleEvent event(widget, QAccessible::Focus);
-    event.setChild(child);
     QAccessible::updateAccessibility(&event);
 }
 

@@ -24,6 +24,6 @@ void GiveRole(QWidget* widget, QAccessible::Role role);
 // Once, at the start of the window system.
 void InstallRoles();
 // Tells that the widget has what looks like the focus.
-void TellFocus(QObject* widget, int child = -1);
+void TellFocus(QWidget* widget);
 
 } // namespace ui
