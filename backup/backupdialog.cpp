@@ -3,6 +3,7 @@
 #include "app/application.h"
 #include "app/dialogframe.h"
 #include "app/passworddialogs.h"
+#include "app/uiservices.h"
 #include "backup/backup.h"
 #include "platform/text.h"
 #include "resources/resource.h"

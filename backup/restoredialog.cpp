@@ -2,6 +2,7 @@
 
 #include "app/application.h"
 #include "app/dialogframe.h"
+#include "app/uiservices.h"
 #include "backup/restore.h"
 #include "platform/text.h"
 #include "resources/resource.h"
@@ -63,6 +64,7 @@ bool InitRestoreList(HWND dialog, RestoreEngine* engine) {
     constexpr int kSizeWidth = 60;
     InitDialogFrame(dialog, kDoneButton | kHelpButton);
     const HWND list = GetDlgItem(dialog, IDC_SELECTION_LIST);
+    NameWindow(list, IDS_NAME_DATABASES);
     InsertColumn(list, 0, IDS_RESTORE_COLUMN_NAME, kNameWidth);
     InsertColumn(list, 1, IDS_RESTORE_COLUMN_SIZE, kSizeWidth);
     ListView_SetExtendedListViewStyleEx(list, LVS_EX_FULLROWSELECT, LVS_EX_FULLROWSELECT);

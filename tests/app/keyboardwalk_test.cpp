@@ -55,7 +55,7 @@ QAccessible::Role RoleOfWindow(HWND window) {
         {"combobox", QAccessible::ComboBox},      {"sysdatetimepick32", QAccessible::SpinBox},
         {"syslistview32", QAccessible::Pane},     {"sysheader32", QAccessible::ColumnHeader},
         {"menu_worker", QAccessible::MenuBar},    {"file_picker", QAccessible::Dialog},
-        {"maindbdeleteclass", QAccessible::Pane},
+        {"maindbdeleteclass", QAccessible::Pane}, {"msctls_progress32", QAccessible::ProgressBar},
     };
     const QString name = window->windowClass->name.toLower();
     if (name == QLatin1String("button"))
@@ -235,6 +235,18 @@ TEST_F(KeyboardWalk, GoesThroughTheDialogs) {
             {kAlt | Qt::Key_Down, "drop-down"},
             {Qt::Key_Return, "Export Database: File format:"},
             {Qt::Key_Escape, "Pocket Strandview: Databases[B]"},
+            {kControl | Qt::Key_B, "Backup Databases: Selected database(s) (checked)"},
+            {Qt::Key_Return, "Save As: Name:"},
+            {Qt::Key_N, "Save As: Name:"},
+            {Qt::Key_Return, "Pocket Strandview: Databases[B]"},
+            {kControl | Qt::Key_T, "Open: Name:"},
+            {Qt::Key_N, "Open: Name:"},
+            {Qt::Key_Return, "Restore Registry Database: Databases[B]"},
+            {Qt::Key_Return, "Database Exists: Rename"},
+            {Qt::Key_Escape, "Pocket Strandview: Databases[B]"},
+            {kControl | Qt::Key_G, "Infrared Transfer: Cancel"},
+            {Qt::Key_Return, "Pocket Strandview: Yes"},
+            {Qt::Key_Y, "Pocket Strandview: Databases[B]"},
             {kAlt | Qt::Key_T, "menu Tools"},
             {Qt::Key_K, "Backup Registry Database: Main Registry Keys[HKEY_CLASSES_ROOT unselected]"},
             {Qt::Key_Escape, "Pocket Strandview: Databases[B]"},
@@ -289,6 +301,15 @@ TEST_F(KeyboardWalk, GoesThroughTheViewer) {
             {Qt::Key_Return, "Add Property Wizard: Property Type:"},
             {Qt::Key_Tab, "Add Property Wizard: Property ID:   "},
             {kAlt | Qt::Key_N, "Initial Numeric Property Value: Number:"},
+            {kAlt | Qt::Key_B, "Add Property Wizard: Property Type:"},
+            {Qt::Key_B, "Add Property Wizard: Property Type:"},
+            {kAlt | Qt::Key_N, "Initial Boolean Property Value: False (checked)"},
+            {kAlt | Qt::Key_B, "Add Property Wizard: Property Type:"},
+            {Qt::Key_D, "Add Property Wizard: Property Type:"},
+            {kAlt | Qt::Key_N, "Initial Date Property Value: Date:"},
+            {kAlt | Qt::Key_B, "Add Property Wizard: Property Type:"},
+            {Qt::Key_T, "Add Property Wizard: Property Type:"},
+            {kAlt | Qt::Key_N, "Initial Text Property Value: Initial Text Property Value"},
         });
         ExpectHelp("#addprop");
         Walk({

@@ -105,7 +105,7 @@ void HeaderView::paintSection(QPainter* painter, const QRect& rect, int section)
     }
     if (section == marked && GetFocus() == handle) {
         painter->setClipRect(inside);
-        painter->setPen(QPen(look::kSelection, 2));
+        painter->setPen(QPen(look::Selection(), 2));
         painter->drawRect(inside.adjusted(1, 1, -1, -1));
     }
     painter->restore();
@@ -169,7 +169,8 @@ bool HeaderView::TakeKey(WPARAM key) {
         return true;
     case VK_SPACE:
         Q_EMIT sectionClicked(marked);
-        Mark(marked);
+        if (LiveWindow(handle)) // the program may have closed everything by then
+            Mark(marked);
         return true;
     case VK_DOWN:
     case VK_TAB:

@@ -200,8 +200,10 @@ void PaintCell(const ListWidget& list, QPainter& painter, const QRect& cell, int
     bool highlighted = ShownSelected(list, row) && (WholeRows(list) || column == 0);
     if (highlighted && !WholeRows(list))
         painter.fillRect(layout.label, SelectionColour(list));
-    if ((state & LVIS_FOCUSED) && list.HasKeyboard() && !highlighted && column == 0) {
-        painter.setPen(look::Selection());
+    // Of several selected rows one is where the keyboard goes on.
+    const bool alone = highlighted && list.model->SelectedCount() == 1;
+    if ((state & LVIS_FOCUSED) && list.HasKeyboard() && !alone && column == 0) {
+        painter.setPen(highlighted ? look::SelectionText() : look::Selection());
         painter.drawRect(layout.label.adjusted(0, 0, -1, -1));
     }
     if (!layout.check.isEmpty())

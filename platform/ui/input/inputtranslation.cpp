@@ -153,7 +153,7 @@ bool IsKeyOfClosedPopup(const QObject* receiver, const QKeyEvent& event) {
     }
     if (open || event.key() != popupKey)
         return false;
-    if (event.type() == QEvent::KeyRelease && receiver->isWidgetType() && !event.isAutoRepeat())
+    if (event.type() == QEvent::KeyRelease && !event.isAutoRepeat())
         popupKey = kNoKey;
     return true;
 }

@@ -49,7 +49,8 @@ MenuItem* FindMenuItem(HMENU menu, UINT command); // null when absent
 
 // A host menu that shows the popup at `position` of its parent menu. Each time it or a submenu is about to
 // show, WM_INITMENUPOPUP goes to the owner and the items are taken from the menu again; a choice is posted to
-// the owner as WM_COMMAND. `parent` is where assistive programs find it. The caller deletes it later (deleteLater: it may be delivering an event).
+// the owner as WM_COMMAND. `parent` is where assistive programs find it. The caller deletes it later
+// (deleteLater: it may be delivering an event).
 QMenu* MakePopup(HMENU menu, HWND owner, int position, QWidget* parent);
 
 // ---- keys on the bar ----
