@@ -18,12 +18,20 @@ constexpr UINT kColumnTitles[kColumns] = {IDS_VIEWER_COLUMN_TYPE, IDS_VIEWER_COL
 constexpr int kColumnFormats[kColumns] = {LVCFMT_LEFT, LVCFMT_RIGHT, LVCFMT_RIGHT};
 
 // The Edit menu, whose commands are those of the selected property.
-void ShowEditMenu(HWND list) {
+void ShowEditMenu(HWND list, POINT screenPoint) {
     const HWND dialog = GetParent(list);
     const HWND bar = DialogState<RecordViewer>(dialog)->menuBar;
     const auto menu = reinterpret_cast<HMENU>(SendMessageW(bar, SHCMBM_GETMENU, 0, 0));
-    const POINT point = MenuPointOfFocusedRow(list);
-    TrackPopupMenuEx(GetSubMenu(menu, kEditMenu), 0, point.x, point.y, dialog, nullptr);
+    TrackPopupMenuEx(GetSubMenu(menu, kEditMenu), 0, screenPoint.x, screenPoint.y, dialog, nullptr);
+}
+
+// Selects first, which may ask whether the edited value is to be saved, and so end in a closed viewer.
+LRESULT OnRightButtonDown(HWND list, WPARAM wParam, LPARAM lParam) {
+    const LRESULT result = CallWindowProcW(App().listViewProc, list, WM_RBUTTONDOWN, wParam, lParam);
+    POINT point = {SignedLoWord(lParam), SignedHiWord(lParam)};
+    if (IsWindow(list) && ClientToScreen(list, &point))
+        ShowEditMenu(list, point);
+    return result;
 }
 
 // In front of the list view's own procedure, for its header's sake and some keys.
@@ -33,8 +41,10 @@ LRESULT PropertyListProcedure(HWND list, UINT message, WPARAM wParam, LPARAM lPa
         DrawHeaderItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
         return TRUE;
     case WM_CONTEXTMENU:
-        ShowEditMenu(list);
+        ShowEditMenu(list, MenuPointOfFocusedRow(list));
         return 0;
+    case WM_RBUTTONDOWN:
+        return OnRightButtonDown(list, wParam, lParam);
     case WM_KEYDOWN:
         if (wParam != VK_DELETE)
             break;

@@ -73,8 +73,7 @@ TEST_F(ViewerTest, ShowsTheTappedPropertyWhenTheSaveMovesTheRows) {
         TypeInto(IDC_VALUE_TEXT, u"c");
         TapHeader(IDC_VIEWER_LIST, u"Size"); // the largest first
         EXPECT_EQ(Arrow(u"Size"), HeaderArrow::Down);
-        SelectType(u"TEXT");
-        Choose(u"Edit/Copy");
+        ChooseByRightButton(IDC_VIEWER_LIST, u"TEXT", u"Copy");
         Choose(u"Next Record"); // a button of the bar
         Choose(u"Edit/Paste");
         EXPECT_EQ(Contents(u"Sizes"), u"1=c 20=5 3=1.5\n9=9 1=c\n");
