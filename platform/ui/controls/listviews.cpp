@@ -7,6 +7,7 @@
 #include <QStyledItemDelegate>
 #include <algorithm>
 
+#include "platform/ui/core/accessible.h"
 #include "platform/ui/drawing/gdiobjects.h"
 
 namespace ui {
@@ -87,6 +88,20 @@ void DetailsView::changeEvent(QEvent* event) {
         scheduleDelayedItemsLayout(); // the row height is kept until then
 }
 
+void DetailsView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+    if (isVisible())
+        QTreeView::currentChanged(current, previous);
+    else
+        QAbstractItemView::currentChanged(current, previous);
+}
+
+void DetailsView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
+    if (isVisible())
+        QTreeView::selectionChanged(selected, deselected);
+    else
+        QAbstractItemView::selectionChanged(selected, deselected);
+}
+
 IconsView::IconsView(ListWidget& list) : QListView(&list), list(list) {
     Prepare(*this, list);
     setSelectionRectVisible(true);
@@ -133,6 +148,17 @@ QSize IconsView::ItemSize() const {
     // Small icons stand beside each other, a long name in several lines, where a list has one line for each.
     width = std::min(width, std::max(room / 2, 80));
     return QSize(width, std::max(list.RowHeight(), MostLines(width - before) * metrics.lineSpacing() + 4));
+}
+
+// The host would count the columns that are not shown here as items, and tell of another one.
+void IconsView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+    QAbstractItemView::currentChanged(current, previous);
+    if (isVisible() && current.isValid())
+        TellFocus(this, current.row() * model()->columnCount());
+}
+
+void IconsView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
+    QAbstractItemView::selectionChanged(selected, deselected);
 }
 
 // The grid follows the longest name.

@@ -19,6 +19,9 @@ protected:
     void drawRow(QPainter* painter, const QStyleOptionViewItem& option,
                  const QModelIndex& index) const override;
     void changeEvent(QEvent* event) override;
+    // A hidden view follows the shown one without a word to assistive programs.
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
 
 private:
     ListWidget& list;
@@ -30,6 +33,10 @@ public:
     void Arrange(DWORD view);
     QSize ItemSize() const;
     void doItemsLayout() override;
+
+protected:
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
 
 private:
     int MostLines(int room) const; // of all names

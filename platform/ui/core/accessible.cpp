@@ -80,8 +80,9 @@ void InstallRoles() {
     QAccessible::installFactory(MakeInterface);
 }
 
-void TellFocus(QWidget* widget) {
+void TellFocus(QWidget* widget, int child) {
     QAccessibleEvent event(widget, QAccessible::Focus);
+    event.setChild(child);
     QAccessible::updateAccessibility(&event);
 }
 

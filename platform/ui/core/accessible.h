@@ -23,7 +23,7 @@ private:
 void GiveRole(QWidget* widget, QAccessible::Role role);
 // Once, at the start of the window system.
 void InstallRoles();
-// Tells that the widget has what looks like the focus.
-void TellFocus(QWidget* widget);
+// Tells that the widget, or what is its child of that number, has what looks like the focus.
+void TellFocus(QWidget* widget, int child = -1);
 
 } // namespace ui
