@@ -87,6 +87,8 @@ void Crawl(QAccessibleInterface* element, const QString& path) {
 
 QString WhereInList(const ui::ListWidget& list) {
     const int row = ListView_GetNextItem(list.handle, -1, LVNI_FOCUSED);
+    if (row < 0)
+        return QStringLiteral("[nowhere]");
     QAccessibleInterface* const rows = QAccessible::queryAccessibleInterface(list.CurrentView());
     QAccessibleInterface* const cell = rows->tableInterface()->cellAt(row, 0);
     const QString description = cell->text(QAccessible::Description);

@@ -1,4 +1,4 @@
-// The bar's popups as assistive programs see them: menu items that open a menu.
+// The bar's buttons as assistive programs see them: those of text are menu items that open a menu.
 #include <QKeySequence>
 
 #include "platform/ui/core/accessible.h"
@@ -8,14 +8,17 @@ namespace ui {
 
 namespace {
 
-class PopupItem : public PopupOwner {
+class BarItem : public PopupOwner {
 public:
-    explicit PopupItem(BarButton* button) : PopupOwner(button, QAccessible::MenuItem), button(button) {}
+    explicit BarItem(BarButton* button) : PopupOwner(button), button(button) {}
 
+    QAccessible::Role role() const override {
+        return button->IsPopup() ? QAccessible::MenuItem : QAccessible::PushButton;
+    }
     QAccessible::State state() const override {
         QAccessible::State state = PopupOwner::state();
-        state.hasPopup = true;
-        state.expandable = true;
+        state.hasPopup = button->IsPopup();
+        state.expandable = button->IsPopup();
         state.expanded = button->open;
         state.focusable = true;
         state.focused = button->marked;
@@ -26,25 +29,27 @@ public:
             return QKeySequence::mnemonic(button->text()).toString(QKeySequence::NativeText);
         return PopupOwner::text(kind);
     }
-    QStringList actionNames() const override { return {QAccessibleActionInterface::showMenuAction()}; }
+    QStringList actionNames() const override { return {Action()}; }
     void doAction(const QString& action) override {
-        if (action == QAccessibleActionInterface::showMenuAction())
-            Q_EMIT button->pressed();
+        if (action == Action())
+            static_cast<MenuBarWidget*>(button->parentWidget())->Choose(button);
     }
 
 private:
+    QString Action() const { return button->IsPopup() ? showMenuAction() : pressAction(); }
+
     BarButton* const button;
 };
 
-QAccessibleInterface* MakePopupItem(const QString&, QObject* object) {
+QAccessibleInterface* MakeBarItem(const QString&, QObject* object) {
     auto* const button = qobject_cast<BarButton*>(object);
-    return button && button->IsPopup() ? new PopupItem(button) : nullptr;
+    return button ? new BarItem(button) : nullptr;
 }
 
 } // namespace
 
 void InstallBarRoles() {
-    QAccessible::installFactory(MakePopupItem);
+    QAccessible::installFactory(MakeBarItem);
 }
 
 } // namespace ui
