@@ -7,6 +7,7 @@
 
 #include "platform/ui/controls/listviews.h"
 #include "platform/ui/core/accessible.h"
+#include "platform/ui/core/keyboard.h"
 #include "platform/ui/drawing/devicecontext.h"
 #include "platform/ui/drawing/gdiobjects.h"
 #include "platform/ui/drawing/look.h"
@@ -103,7 +104,7 @@ void HeaderView::paintSection(QPainter* painter, const QRect& rect, int section)
         painter->drawText(titleRect, alignment | Qt::AlignVCenter | Qt::TextSingleLine,
                           QFontMetrics(font()).elidedText(column.title, Qt::ElideRight, titleRect.width()));
     }
-    if (section == marked && GetFocus() == handle) {
+    if (section == marked && GetFocus() == handle && !Keyboard().atBar) {
         painter->setClipRect(inside);
         painter->setPen(QPen(look::Selection(), 2));
         painter->drawRect(inside.adjusted(1, 1, -1, -1));

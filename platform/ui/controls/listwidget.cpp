@@ -7,6 +7,7 @@
 
 #include "platform/ui/controls/listviews.h"
 #include "platform/ui/core/accessible.h"
+#include "platform/ui/core/keyboard.h"
 #include "platform/ui/drawing/gdiobjects.h"
 #include "platform/ui/drawing/look.h"
 
@@ -59,7 +60,7 @@ QAbstractItemView* ListWidget::CurrentView() const {
 }
 
 bool ListWidget::HasKeyboard() const {
-    return GetFocus() == handle;
+    return GetFocus() == handle && !Keyboard().atBar;
 }
 
 void ListWidget::ApplyStyle() {

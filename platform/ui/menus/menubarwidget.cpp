@@ -1,5 +1,7 @@
 #include "platform/ui/menus/menubarwidget.h"
 
+#include <QAbstractScrollArea>
+#include <QApplication>
 #include <QFontMetrics>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -9,6 +11,7 @@
 
 #include "platform/ui/controls/controlsupport.h"
 #include "platform/ui/core/accessible.h"
+#include "platform/ui/core/keyboard.h"
 #include "platform/ui/core/testhooks.h"
 #include "platform/ui/core/windowobject.h"
 #include "platform/ui/drawing/gdiobjects.h"
@@ -73,6 +76,8 @@ MenuBarWidget::MenuBarWidget(HWND bar, QWidget* parent) : QWidget(parent), barWi
 
 MenuBarWidget::~MenuBarWidget() {
     ClosePopup();
+    if (Marked())
+        Keyboard().atBar = false;
 }
 
 BarButton* MenuBarWidget::AddButton() {
@@ -121,6 +126,9 @@ void MenuBarWidget::Choose(BarButton* button) {
 }
 
 void MenuBarWidget::Mark(BarButton* marked) {
+    Keyboard().atBar = marked != nullptr;
+    if (auto* const focus = qobject_cast<QAbstractScrollArea*>(QApplication::focusWidget()))
+        focus->viewport()->update(); // which shows that it has the keys
     for (BarButton* const button : buttons) {
         button->marked = button == marked;
         button->open = button->marked && openPopup;
