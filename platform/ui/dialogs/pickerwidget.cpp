@@ -12,8 +12,8 @@
 
 #include "platform/base/paths.h"
 #include "platform/ui/controls/controlsupport.h"
-#include "platform/ui/dialogs/pickerfiles.h"
 #include "platform/ui/core/accessible.h"
+#include "platform/ui/dialogs/pickerfiles.h"
 #include "platform/ui/drawing/gdiobjects.h"
 #include "platform/ui/drawing/look.h"
 #include "platform/ui/screen/screen.h"
