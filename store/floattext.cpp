@@ -112,7 +112,7 @@ std::string CommonText(double value) {
 }
 
 std::string FloatText(double value, int places) {
-    const std::string common = places == kFloatPlaces ? CommonText(value) : std::string();
+    std::string common = places == kFloatPlaces ? CommonText(value) : std::string();
     if (!common.empty())
         return common;
     if (value == 0.0)

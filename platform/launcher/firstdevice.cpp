@@ -16,7 +16,7 @@ namespace {
 
 const QString kTitle = QStringLiteral("Pocket Strandview");
 
-enum class Answer { kSamples, kEmpty, kCancel };
+enum class Answer { Samples, Empty, Cancel };
 
 bool UsualDeviceIsMissing() {
     const char* const named = std::getenv("STRANDVIEW_DEVICE");
@@ -32,9 +32,9 @@ Answer Ask() {
     const auto* const empty = box.addButton(QStringLiteral("&Empty"), QMessageBox::NoRole);
     box.addButton(QMessageBox::Cancel);
     box.exec();
-    return box.clickedButton() == samples ? Answer::kSamples
-           : box.clickedButton() == empty ? Answer::kEmpty
-                                          : Answer::kCancel;
+    return box.clickedButton() == samples ? Answer::Samples
+           : box.clickedButton() == empty ? Answer::Empty
+                                          : Answer::Cancel;
 }
 
 // What went wrong, empty when nothing did.
@@ -66,15 +66,15 @@ QString MakeSampleDevice(const QString& maker) {
 
 FirstStart OfferFirstDevice(const QString& maker) {
     if (!UsualDeviceIsMissing())
-        return FirstStart::kGoOn;
+        return FirstStart::GoOn;
     const Answer answer = Ask();
-    if (answer != Answer::kSamples)
-        return answer == Answer::kEmpty ? FirstStart::kGoOn : FirstStart::kCancelled;
+    if (answer != Answer::Samples)
+        return answer == Answer::Empty ? FirstStart::GoOn : FirstStart::Cancelled;
     const QString complaint = MakeSampleDevice(maker);
     if (complaint.isEmpty())
-        return FirstStart::kGoOn;
+        return FirstStart::GoOn;
     std::fprintf(stderr, "pocket-strandview: no sample databases: %s\n", complaint.toUtf8().constData());
     QMessageBox::critical(nullptr, kTitle,
                           QStringLiteral("The sample databases could not be made.\n\n") + complaint);
-    return FirstStart::kFailed;
+    return FirstStart::Failed;
 }

@@ -3,10 +3,10 @@
 
 #include <QString>
 
-enum class FirstStart { kGoOn, kCancelled, kFailed };
+enum class FirstStart { GoOn, Cancelled, Failed };
 
 // When the usual device is the one to be used and does not exist, asks on the display whether it shall be
 // made with sample databases, empty or not at all; nothing is written before the answer. Sample databases are
-// made by the program `maker`, which takes a folder. kGoOn when there was nothing to ask, when the device is
+// made by the program `maker`, which takes a folder. GoOn when there was nothing to ask, when the device is
 // there now, and when the caller shall make an empty one; a failure has been reported.
 FirstStart OfferFirstDevice(const QString& maker);

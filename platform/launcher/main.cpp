@@ -121,8 +121,8 @@ int main(int argc, char** argv) {
     if (options.commandLine.empty() && options.device.empty()) {
         const FirstStart start =
             OfferFirstDevice(QCoreApplication::applicationDirPath() + QStringLiteral("/sample-device"));
-        if (start != FirstStart::kGoOn)
-            return start == FirstStart::kCancelled ? 0 : kBadDevice;
+        if (start != FirstStart::GoOn)
+            return start == FirstStart::Cancelled ? 0 : kBadDevice;
     }
     if (!UseDevice(options.device, options.makesDevice) || !OpenDeviceStore())
         return ReportDevice(options.device);

@@ -112,7 +112,7 @@ TEST_F(Files, OpeningHonoursTheDispositionAndSaysWhyNot) {
     EXPECT_EQ(HostFile(old), "old content");
 
     DWORD count = 0;
-    HANDLE file = Open(u"\\MY DOCUMENTS\\OLD.BKP", CREATE_ALWAYS, GENERIC_WRITE);
+    const HANDLE file = Open(u"\\MY DOCUMENTS\\OLD.BKP", CREATE_ALWAYS, GENERIC_WRITE);
     EXPECT_TRUE(WriteFile(file, "new", 3, &count, nullptr));
     EXPECT_EQ(count, 3u);
     char byte = 0;

@@ -59,11 +59,11 @@ TEST(FirstDevice, IsMadeAsTheUserAnswers) {
         FirstStart start;
         bool made;
     } known[] = {
-        {{"Cancel"}, SAMPLE_DEVICE_PATH, FirstStart::kCancelled, false},
-        {{"Empty"}, SAMPLE_DEVICE_PATH, FirstStart::kGoOn, false},
-        {{"Samples", "OK"}, failing, FirstStart::kFailed, false},
-        {{"Samples", "OK"}, "/no/such/program", FirstStart::kFailed, false},
-        {{"Samples"}, SAMPLE_DEVICE_PATH, FirstStart::kGoOn, true},
+        {{"Cancel"}, SAMPLE_DEVICE_PATH, FirstStart::Cancelled, false},
+        {{"Empty"}, SAMPLE_DEVICE_PATH, FirstStart::GoOn, false},
+        {{"Samples", "OK"}, failing, FirstStart::Failed, false},
+        {{"Samples", "OK"}, "/no/such/program", FirstStart::Failed, false},
+        {{"Samples"}, SAMPLE_DEVICE_PATH, FirstStart::GoOn, true},
     };
     for (const auto& [answers, maker, start, made] : known) {
         const QTemporaryDir home;
@@ -75,11 +75,11 @@ TEST(FirstDevice, IsMadeAsTheUserAnswers) {
         EXPECT_EQ(folder.entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
                   made ? QStringList("device") : QStringList());
         EXPECT_EQ(QFile::exists(folder.filePath("device/objectstore.db")), made);
-        EXPECT_EQ(OfferFirstDevice("/bin/false"), made ? FirstStart::kGoOn : FirstStart::kCancelled);
+        EXPECT_EQ(OfferFirstDevice("/bin/false"), made ? FirstStart::GoOn : FirstStart::Cancelled);
     }
     // Another device, though it is missing too, is made without a question.
     qputenv("STRANDVIEW_DEVICE", "/no/such/device");
-    EXPECT_EQ(OfferFirstDevice("/bin/false"), FirstStart::kGoOn);
+    EXPECT_EQ(OfferFirstDevice("/bin/false"), FirstStart::GoOn);
     qunsetenv("STRANDVIEW_DEVICE");
     qputenv("XDG_DATA_HOME", data);
 }

@@ -53,7 +53,7 @@ protected:
     }
 
     TestDevice device;
-    std::string air = device.folder + "/air";
+    const std::string air = device.folder + "/air";
     SOCKET any = socket(AF_IRDA, SOCK_STREAM, 0);
 };
 

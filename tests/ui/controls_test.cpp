@@ -51,7 +51,7 @@ TEST_F(StaticTest, LongPathsTakeTheWholeLinesThatThereAre) {
 }
 
 TEST_F(ButtonTest, CheckBoxesToggleThemselves) {
-    HWND box = Add(u"BUTTON", u"&Auto", BS_AUTOCHECKBOX, kFirst, {10, 10, 210, 40});
+    const HWND box = Add(u"BUTTON", u"&Auto", BS_AUTOCHECKBOX, kFirst, {10, 10, 210, 40});
     stylus.Tap(box, {10, 15});
     EXPECT_EQ(Send(box, BM_GETCHECK), BST_CHECKED);
     EXPECT_EQ(commands, (std::vector<Command>{{kFirst, BN_CLICKED}}));

@@ -113,7 +113,7 @@ QWidget* MakeButton(WindowObject& window, QWidget* parent) {
     QAbstractButton* button = MakeClickable(window, parent);
     button->setText(window.text);
     button->setAccessibleName(WithoutMnemonic(window.text));
-    HWND handle = &window;
+    const HWND handle = &window;
     QObject::connect(button, &QAbstractButton::clicked, button,
                      [handle] { CommandToParent(handle, BN_CLICKED); });
     return button;
@@ -156,7 +156,7 @@ LRESULT ButtonProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
             button->setChecked(wParam == BST_CHECKED);
         return 0;
     }
-    LRESULT result = DefaultControlProcedure(window, message, wParam, lParam);
+    const LRESULT result = DefaultControlProcedure(window, message, wParam, lParam);
     if ((message == WM_SETTEXT || message == WM_SIZE || message == WM_SETFONT) && LiveWindow(window))
         ShowText(window);
     return result;

@@ -65,7 +65,7 @@ void EditBox::TakeEdit(HWND window) {
 
 LineBox::LineBox(WindowObject& window, QWidget* parent)
     : QLineEdit(parent), limit(std::numeric_limits<int>::max()) {
-    HWND handle = &window;
+    const HWND handle = &window;
     setFrame(window.style & WS_BORDER);
     setMaxLength(limit);
     setEchoMode(window.style & ES_PASSWORD ? Password : Normal);
@@ -91,7 +91,7 @@ std::pair<int, int> LineBox::Selection() const {
 }
 
 void LineBox::Select(int start, int end) {
-    int length = static_cast<int>(text().size());
+    const int length = static_cast<int>(text().size());
     start = std::clamp(start, 0, length);
     setSelection(start, std::clamp(end, 0, length) - start);
 }
@@ -119,7 +119,7 @@ void LineBox::contextMenuEvent(QContextMenuEvent* event) {
 // ---- many lines ----
 
 TextBox::TextBox(WindowObject& window, QWidget* parent) : QPlainTextEdit(parent), commonLineEnd(kCrLf) {
-    HWND handle = &window;
+    const HWND handle = &window;
     setFrameShape(window.style & WS_BORDER ? QFrame::StyledPanel : QFrame::NoFrame);
     setTabChangesFocus(true);
     if (window.style & WS_VSCROLL)
@@ -142,7 +142,7 @@ void TextBox::ShowText(const QString& text) {
         if (!IsLineEnd(text[i]))
             continue;
         bool pair = text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n';
-        int lineEnd = pair ? kCrLf : text[i].unicode();
+        const int lineEnd = pair ? kCrLf : text[i].unicode();
         if (pair)
             ++i;
         if (commonLineEnd == kNewBlock)
@@ -157,7 +157,7 @@ void TextBox::ShowText(const QString& text) {
 QString TextBox::LineEndOf(const QTextBlock& block) const {
     if (!block.next().isValid())
         return QString();
-    int lineEnd = block.userState() == kNewBlock ? commonLineEnd : block.userState();
+    const int lineEnd = block.userState() == kNewBlock ? commonLineEnd : block.userState();
     return lineEnd == kCrLf ? QStringLiteral("\r\n") : QString(QChar(static_cast<char16_t>(lineEnd)));
 }
 
@@ -180,7 +180,7 @@ int TextBox::OffsetOf(int position) const {
 
 int TextBox::PositionOf(int offset) const {
     for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
-        int length = static_cast<int>(block.text().size());
+        const int length = static_cast<int>(block.text().size());
         if (offset <= length || !block.next().isValid())
             return block.position() + std::clamp(offset, 0, length);
         offset = std::max(0, offset - length - static_cast<int>(LineEndOf(block).size()));

@@ -75,7 +75,7 @@ void HeaderView::mouseReleaseEvent(QMouseEvent* event) {
 void HeaderView::paintEvent(QPaintEvent* event) {
     QHeaderView::paintEvent(event);
     QPainter painter(viewport());
-    int end = length() - offset();
+    const int end = length() - offset();
     if (end < viewport()->width())
         painter.fillRect(end, 0, viewport()->width() - end, height(), look::Header());
     painter.setPen(look::Line());
@@ -96,9 +96,9 @@ void HeaderView::paintSection(QPainter* painter, const QRect& rect, int section)
         painter->setClipRect(inside);
         DrawByOwner(*painter, inside, section);
     } else {
-        int alignment = column.headerFormat & HDF_CENTER  ? Qt::AlignHCenter
-                        : column.headerFormat & HDF_RIGHT ? Qt::AlignRight
-                                                          : Qt::AlignLeft;
+        const int alignment = column.headerFormat & HDF_CENTER  ? Qt::AlignHCenter
+                              : column.headerFormat & HDF_RIGHT ? Qt::AlignRight
+                                                                : Qt::AlignLeft;
         QRect titleRect = inside.adjusted(kTitleMargin, 0, -kTitleMargin, 0);
         painter->setPen(palette().color(QPalette::WindowText));
         painter->drawText(titleRect, alignment | Qt::AlignVCenter | Qt::TextSingleLine,
@@ -118,7 +118,7 @@ void HeaderView::DrawByOwner(QPainter& painter, const QRect& rect, int section) 
     WindowObject* parent = LiveWindow(list.handle);
     if (!window || !parent)
         return;
-    bool down = section == pressed;
+    const bool down = section == pressed;
     PainterContext context(painter, parent->font, down ? kHeaderPressedFace : kHeaderFace);
     DRAWITEMSTRUCT item{};
     item.CtlType = ODT_HEADER;

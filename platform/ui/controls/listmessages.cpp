@@ -25,7 +25,7 @@ LRESULT InsertItem(ListWidget& list, const LVITEMW& item) {
         row.image = item.iImage;
     if (item.mask & LVIF_PARAM)
         row.param = item.lParam;
-    UINT state = item.mask & LVIF_STATE ? item.state & item.stateMask : 0;
+    const UINT state = item.mask & LVIF_STATE ? item.state & item.stateMask : 0;
     row.state = state & LVIS_STATEIMAGEMASK;
     if (list.CheckBoxes() && !row.state)
         row.state = kUnchecked;
@@ -78,7 +78,7 @@ BOOL SetItemState(ListWidget& list, int row, const LVITEMW& item) {
             list.SetRowState(row, item.state, item.stateMask);
         return list.model->HasRow(row);
     }
-    unsigned generation = list.model->generation;
+    const unsigned generation = list.model->generation;
     for (row = 0; row < list.model->RowCount() && list.model->generation == generation; ++row)
         list.SetRowState(row, item.state, item.stateMask);
     return TRUE;
@@ -93,7 +93,7 @@ LRESULT InsertColumn(ListWidget& list, int index, const LVCOLUMNW& in) {
     if (in.mask & LVCF_FMT)
         column.alignment = in.fmt & HDF_JUSTIFYMASK;
     column.headerFormat = column.alignment;
-    int top = list.TopRow();
+    const int top = list.TopRow();
     index = list.model->InsertColumn(index, std::move(column));
     list.ApplyColumnWidths();
     list.ShowRows(top);
@@ -112,7 +112,7 @@ void SetExtendedStyle(ListWidget& list, DWORD mask, DWORD bits) {
 
 ListAnswer RowMessage(ListWidget& list, UINT message, WPARAM wParam, LPARAM lParam) {
     ListModel& model = *list.model;
-    int row = static_cast<int>(wParam);
+    const int row = static_cast<int>(wParam);
     const LVITEMW* item = ItemIn(lParam);
     switch (message) {
     case LVM_GETITEMCOUNT:
@@ -145,7 +145,7 @@ ListAnswer RowMessage(ListWidget& list, UINT message, WPARAM wParam, LPARAM lPar
 }
 
 ListAnswer ColumnMessage(ListWidget& list, UINT message, WPARAM wParam, LPARAM lParam) {
-    int column = static_cast<int>(wParam);
+    const int column = static_cast<int>(wParam);
     switch (message) {
     case LVM_INSERTCOLUMNW:
         return lParam ? InsertColumn(list, column, *reinterpret_cast<const LVCOLUMNW*>(lParam)) : -1;
@@ -174,7 +174,7 @@ ListAnswer ViewMessage(ListWidget& list, UINT message, WPARAM wParam, LPARAM lPa
         model.NameImage(static_cast<int>(wParam), HostText(reinterpret_cast<const WCHAR*>(lParam)));
         return TRUE;
     case LVM_SETEXTENDEDLISTVIEWSTYLE: {
-        DWORD previous = list.extendedStyle;
+        const DWORD previous = list.extendedStyle;
         SetExtendedStyle(list, static_cast<DWORD>(wParam), static_cast<DWORD>(lParam));
         return static_cast<LRESULT>(previous);
     }

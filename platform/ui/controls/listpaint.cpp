@@ -25,9 +25,9 @@ CellLayout LayOutLargeIcon(const ListWidget& list, const QRect& cell, const QStr
     layout.image = QRect(QPoint(cell.center().x() - image.width() / 2, cell.y() + kMargin), image);
     if (list.CheckBoxes())
         layout.check = QRect(cell.x() + 2, layout.image.bottom() - kCheckSize, kCheckSize, kCheckSize);
-    int room = cell.width() - 2 * kMargin;
-    int wanted = metrics.horizontalAdvance(text);
-    int width = std::min(wanted, room) + 2 * kMargin;
+    const int room = cell.width() - 2 * kMargin;
+    const int wanted = metrics.horizontalAdvance(text);
+    const int width = std::min(wanted, room) + 2 * kMargin;
     const auto lines = static_cast<int>(LabelLines(list.CurrentView()->font(), text, room).size());
     layout.label = QRect(cell.x() + (cell.width() - width) / 2, layout.image.bottom() + kMargin, width,
                          lines * metrics.lineSpacing() + 2);
@@ -115,7 +115,7 @@ int HeadingIndent(const ListWidget& list) {
 } // namespace
 
 CellLayout LayOutCell(const ListWidget& list, const QRect& cell, int row, int column) {
-    QString text = list.model->Text(row, column);
+    const QString text = list.model->Text(row, column);
     if (list.View() == LVS_ICON)
         return LayOutLargeIcon(list, cell, text);
     CellLayout layout;
@@ -129,10 +129,10 @@ CellLayout LayOutCell(const ListWidget& list, const QRect& cell, int row, int co
         layout.image = QRect(QPoint(x, cell.y() + (cell.height() - image.height()) / 2), image);
         x += image.width() + kMargin / 2;
     }
-    int wanted = QFontMetrics(list.CurrentView()->font()).horizontalAdvance(text) + 2 * kMargin;
+    const int wanted = QFontMetrics(list.CurrentView()->font()).horizontalAdvance(text) + 2 * kMargin;
     if (column > 0 && x + HeadingIndent(list) + wanted + kMargin / 2 <= cell.right())
         x += HeadingIndent(list);
-    int room = std::max(0, cell.right() - x - kMargin / 2);
+    const int room = std::max(0, cell.right() - x - kMargin / 2);
     layout.label = QRect(x, cell.y(), std::min(wanted, room), cell.height());
     if (list.View() == LVS_SMALLICON)
         ShrinkToLines(list, text, layout.label);
@@ -195,9 +195,9 @@ void PaintRowBackground(const ListWidget& list, QPainter& painter, const QRect& 
 void PaintCell(const ListWidget& list, QPainter& painter, const QRect& cell, int row, int column) {
     if (!list.model->HasRow(row))
         return;
-    UINT state = list.model->Row(row).state;
+    const UINT state = list.model->Row(row).state;
     CellLayout layout = LayOutCell(list, cell, row, column);
-    bool highlighted = ShownSelected(list, row) && (WholeRows(list) || column == 0);
+    const bool highlighted = ShownSelected(list, row) && (WholeRows(list) || column == 0);
     if (highlighted && !WholeRows(list))
         painter.fillRect(layout.label, SelectionColour(list));
     // Of several selected rows one is where the keyboard goes on.
@@ -216,8 +216,8 @@ void PaintCell(const ListWidget& list, QPainter& painter, const QRect& cell, int
     QPalette::ColorGroup group = list.isEnabled() ? QPalette::Active : QPalette::Disabled;
     painter.setPen(highlighted && list.HasKeyboard() ? look::SelectionText()
                                                      : list.palette().color(group, QPalette::Text));
-    bool right = column > 0 && list.model->HasColumn(column) &&
-                 list.model->Columns()[static_cast<std::size_t>(column)].alignment == LVCFMT_RIGHT;
+    const bool right = column > 0 && list.model->HasColumn(column) &&
+                       list.model->Columns()[static_cast<std::size_t>(column)].alignment == LVCFMT_RIGHT;
     PaintLabel(painter, list, layout.label.adjusted(kMargin, 0, -kMargin, 0), list.model->Text(row, column),
                right ? Qt::AlignRight : Qt::AlignLeft);
 }

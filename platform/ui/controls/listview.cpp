@@ -63,7 +63,7 @@ LRESULT InputMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         list->LabelPressed(point);
     }
-    LRESULT result = DefaultControlProcedure(window, message, wParam, lParam);
+    const LRESULT result = DefaultControlProcedure(window, message, wParam, lParam);
     // Each of these may tell the program something that makes it destroy the window.
     if ((list = WidgetOf<ListWidget>(window)))
         list->TakeViewSelection();
@@ -98,7 +98,7 @@ LRESULT ListProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         list->ApplyStyle();
         return 0;
     case WM_SETFONT: {
-        LRESULT result = DefaultControlProcedure(window, message, wParam, lParam);
+        const LRESULT result = DefaultControlProcedure(window, message, wParam, lParam);
         list->ApplyStyle();
         return result;
     }
@@ -114,8 +114,8 @@ LRESULT ListProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_GETDLGCODE:
         return DLGC_WANTARROWS | DLGC_WANTCHARS;
     }
-    bool input = (message >= WM_KEYDOWN && message <= WM_SYSKEYUP) ||
-                 (message >= WM_MOUSEMOVE && message <= WM_MOUSEWHEEL);
+    const bool input = (message >= WM_KEYDOWN && message <= WM_SYSKEYUP) ||
+                       (message >= WM_MOUSEMOVE && message <= WM_MOUSEWHEEL);
     if (input)
         return InputMessage(window, message, wParam, lParam);
     return DefaultControlProcedure(window, message, wParam, lParam);

@@ -92,14 +92,14 @@ void DetailsView::currentChanged(const QModelIndex& current, const QModelIndex& 
     if (isVisible())
         QTreeView::currentChanged(current, previous);
     else
-        QAbstractItemView::currentChanged(current, previous);
+        QAbstractItemView::currentChanged(current, previous); // NOLINT(bugprone-parent-virtual-call)
 }
 
 void DetailsView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
     if (isVisible())
         QTreeView::selectionChanged(selected, deselected);
     else
-        QAbstractItemView::selectionChanged(selected, deselected);
+        QAbstractItemView::selectionChanged(selected, deselected); // NOLINT(bugprone-parent-virtual-call)
 }
 
 IconsView::IconsView(ListWidget& list) : QListView(&list), list(list) {
@@ -152,13 +152,13 @@ QSize IconsView::ItemSize() const {
 
 // The host would count the columns that are not shown here as items, and tell of another one.
 void IconsView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
-    QAbstractItemView::currentChanged(current, previous);
+    QAbstractItemView::currentChanged(current, previous); // NOLINT(bugprone-parent-virtual-call)
     if (isVisible() && current.isValid())
         TellFocus(this, current.row() * model()->columnCount());
 }
 
 void IconsView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
-    QAbstractItemView::selectionChanged(selected, deselected);
+    QAbstractItemView::selectionChanged(selected, deselected); // NOLINT(bugprone-parent-virtual-call)
 }
 
 // The grid follows the longest name.

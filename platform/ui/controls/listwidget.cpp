@@ -29,7 +29,7 @@ ListWidget::ListWidget(WindowObject& window, QWidget* parent)
         view->installEventFilter(this);
     }
     SetName(window.text.isEmpty() ? NameAfterLabel(window, this) : window.text);
-    auto take = [this] {
+    const auto take = [this] {
         if (mirroring || takeQueued)
             return;
         takeQueued = true;
@@ -113,7 +113,7 @@ void ListWidget::SetRedraw(bool on) {
         model->SetQuiet(true);
         return;
     }
-    bool detached = model->Detached();
+    const bool detached = model->Detached();
     model->SetQuiet(false);
     if (detached) {
         ShareRoom();
@@ -123,7 +123,7 @@ void ListWidget::SetRedraw(bool on) {
 }
 
 int ListWidget::RowHeight() const {
-    int text = QFontMetrics(details->font()).height();
+    const int text = QFontMetrics(details->font()).height();
     return std::max({text * 3 / 2 + 2, ImageListSize(smallImages).height() + 4, CheckBoxes() ? 20 : 0});
 }
 
@@ -139,7 +139,7 @@ int ListWidget::TopRow() const {
 
 int ListWidget::RowsPerPage() const {
     QRect room = contentsRect();
-    int rowHeight = RowHeight();
+    const int rowHeight = RowHeight();
     if (View() == LVS_REPORT)
         return std::max(0, room.height() - details->header()->sizeHint().height()) / rowHeight;
     if (View() == LVS_LIST)

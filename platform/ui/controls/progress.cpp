@@ -30,7 +30,7 @@ protected:
         // In 64 bits: the range may be that of a 32-bit number.
         qint64 span = static_cast<qint64>(maximum()) - minimum();
         qint64 done = static_cast<qint64>(value()) - minimum();
-        int filled = span > 0 ? static_cast<int>(width() * done / span) : 0;
+        const int filled = span > 0 ? static_cast<int>(width() * done / span) : 0;
         painter.fillRect(0, 0, filled, height(), look::Selection());
         painter.setPen(look::Line());
         painter.drawRect(rect().adjusted(0, 0, -1, -1));
@@ -44,14 +44,14 @@ QWidget* MakeProgress(WindowObject& window, QWidget* parent) {
 LRESULT SetRange(ProgressBar& bar, int low, int high) {
     LRESULT previous =
         static_cast<LRESULT>(MAKELONG(static_cast<WORD>(bar.minimum()), static_cast<WORD>(bar.maximum())));
-    int position = std::clamp(bar.value(), low, std::max(low, high));
+    const int position = std::clamp(bar.value(), low, std::max(low, high));
     bar.setRange(low, std::max(low, high)); // forgets a position outside the new range
     bar.setValue(position);
     return previous;
 }
 
 LRESULT MoveTo(ProgressBar& bar, qint64 position) {
-    LRESULT previous = bar.value();
+    const LRESULT previous = bar.value();
     bar.setValue(static_cast<int>(std::clamp<qint64>(position, bar.minimum(), bar.maximum())));
     return previous;
 }

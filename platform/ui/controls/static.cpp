@@ -64,7 +64,7 @@ QWidget* MakeStatic(WindowObject& window, QWidget* parent) {
 LRESULT StaticProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_GETDLGCODE)
         return DLGC_STATIC;
-    LRESULT result = DefaultControlProcedure(window, message, wParam, lParam);
+    const LRESULT result = DefaultControlProcedure(window, message, wParam, lParam);
     StaticText* label = WidgetOf<StaticText>(window);
     if (label && (message == WM_SETTEXT || message == WM_STYLECHANGED))
         label->Show(*window);

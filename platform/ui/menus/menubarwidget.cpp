@@ -130,7 +130,7 @@ void MenuBarWidget::Mark(BarButton* marked) {
     if (auto* const focus = qobject_cast<QAbstractScrollArea*>(QApplication::focusWidget()))
         focus->viewport()->update(); // which shows that it has the keys
     for (BarButton* const button : buttons) {
-        button->marked = button == marked;
+        button->marked = marked && button == marked;
         button->open = button->marked && openPopup;
         button->update();
     }
