@@ -19,7 +19,7 @@ _pocket_strandview() {
     -[Aa]* | /[Aa]) endings=abk ;;
     *)
         if [[ $word == -* ]]; then
-            mapfile -t COMPREPLY < <(compgen -W '-A -B -D -I -P -R -S --air --check --device --help --version' -- "$word")
+            mapfile -t COMPREPLY < <(compgen -W '-A -B -D -I -P -R -S --air --check --device --help --samples --version' -- "$word")
             return
         fi
         ;;

@@ -125,6 +125,7 @@ bool TakeFlag(std::string_view argument, Options& options) {
     } known[] = {
         {{"--help", "-h"}, &options.help},
         {{"--version", "-v"}, &options.version},
+        {{"--samples", ""}, &options.samples},
         {{"--check", ""}, &options.check},
     };
     for (const auto& [names, flag] : known)

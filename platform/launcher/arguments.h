@@ -8,6 +8,7 @@ struct Options {
     std::string air;    // the same
     bool help = false;
     bool version = false;
+    bool samples = false;       // a first device gets sample databases, without a question
     bool check = false;         // the exit code tells whether the job failed
     bool makesDevice = true;    // opens the window, or restores: what else there is needs a device
     std::u16string commandLine; // for the program

@@ -47,7 +47,8 @@ QString FillFolder(const QString& maker, const std::string& folder) {
     return filled ? QString() : QStringLiteral("%1 failed\n").arg(maker) + process.readAllStandardError();
 }
 
-// Made beside its place and moved there, so that a device is there whole or not at all.
+// Made beside its place and moved there, so that a device is there whole or not at all. What went wrong has
+// been said on standard error, too.
 QString MakeSampleDevice(const QString& maker) {
     namespace fs = std::filesystem;
     const std::string fresh = DeviceFolder() + ".new-" + std::to_string(getpid());
@@ -59,6 +60,8 @@ QString MakeSampleDevice(const QString& maker) {
     if (error && !fs::exists(DeviceStorePath()))
         complaint = QStringLiteral("%1: %2").arg(DeviceFolder().c_str(), error.message().c_str());
     fs::remove_all(fresh, error);
+    if (!complaint.isEmpty())
+        std::fprintf(stderr, "pocket-strandview: no sample databases: %s\n", complaint.toUtf8().constData());
     return complaint;
 }
 
@@ -73,8 +76,12 @@ FirstStart OfferFirstDevice(const QString& maker) {
     const QString complaint = MakeSampleDevice(maker);
     if (complaint.isEmpty())
         return FirstStart::GoOn;
-    std::fprintf(stderr, "pocket-strandview: no sample databases: %s\n", complaint.toUtf8().constData());
     QMessageBox::critical(nullptr, kTitle,
                           QStringLiteral("The sample databases could not be made.\n\n") + complaint);
     return FirstStart::Failed;
+}
+
+FirstStart MakeFirstDevice(const QString& maker) {
+    return !UsualDeviceIsMissing() || MakeSampleDevice(maker).isEmpty() ? FirstStart::GoOn
+                                                                        : FirstStart::Failed;
 }

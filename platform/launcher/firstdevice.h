@@ -10,3 +10,5 @@ enum class FirstStart { GoOn, Cancelled, Failed };
 // made by the program `maker`, which takes a folder. GoOn when there was nothing to ask, when the device is
 // there now, and when the caller shall make an empty one; a failure has been reported.
 FirstStart OfferFirstDevice(const QString& maker);
+// Makes it with sample databases without a question; a failure is reported on standard error alone.
+FirstStart MakeFirstDevice(const QString& maker);

@@ -1,6 +1,6 @@
 // The host's entry: takes the options that are the launcher's own, opens the device, and hands everything
 // else to the program as its one command line.
-#include <QCoreApplication>
+#include <QFileInfo>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -45,6 +45,8 @@ void PrintHelp() {
               "                $XDG_DATA_HOME (~/.local/share)\n"
               "  --air DIR     send to and receive from the devices whose air is the folder DIR. Otherwise\n"
               "                $STRANDVIEW_AIR, else pocket-strandview/air in $XDG_RUNTIME_DIR\n"
+              "  --samples     when the usual device is missing, make it with sample databases, without\n"
+              "                asking\n"
               "  --check       exit with 0 when nothing failed, and with 1 when something did\n"
               "  --version, -v print the version and end\n"
               "  --help, -h    print this and end\n"
@@ -92,6 +94,16 @@ int ReportDevice(const std::string& named) {
     return kBadDevice;
 }
 
+FirstStart PrepareFirstDevice(const Options& options) {
+    if (!options.device.empty())
+        return FirstStart::GoOn;
+    const QString maker =
+        QFileInfo(QStringLiteral("/proc/self/exe")).canonicalPath() + QStringLiteral("/sample-device");
+    if (options.samples)
+        return MakeFirstDevice(maker);
+    return options.commandLine.empty() ? OfferFirstDevice(maker) : FirstStart::GoOn;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -118,12 +130,8 @@ int main(int argc, char** argv) {
                    stderr);
         return kNoDisplay;
     }
-    if (options.commandLine.empty() && options.device.empty()) {
-        const FirstStart start =
-            OfferFirstDevice(QCoreApplication::applicationDirPath() + QStringLiteral("/sample-device"));
-        if (start != FirstStart::GoOn)
-            return start == FirstStart::Cancelled ? 0 : kBadDevice;
-    }
+    if (const FirstStart start = PrepareFirstDevice(options); start != FirstStart::GoOn)
+        return start == FirstStart::Cancelled ? 0 : kBadDevice;
     if (!UseDevice(options.device, options.makesDevice) || !OpenDeviceStore())
         return ReportDevice(options.device);
     UseAir(options.air);

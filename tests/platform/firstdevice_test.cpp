@@ -77,6 +77,13 @@ TEST(FirstDevice, IsMadeAsTheUserAnswers) {
         EXPECT_EQ(QFile::exists(folder.filePath("device/objectstore.db")), made);
         EXPECT_EQ(OfferFirstDevice("/bin/false"), made ? FirstStart::GoOn : FirstStart::Cancelled);
     }
+    // Without a question, on request.
+    const QTemporaryDir home;
+    qputenv("XDG_DATA_HOME", home.path().toUtf8());
+    EXPECT_EQ(MakeFirstDevice(failing), FirstStart::Failed);
+    EXPECT_EQ(MakeFirstDevice(SAMPLE_DEVICE_PATH), FirstStart::GoOn);
+    EXPECT_TRUE(QFile::exists(home.filePath("pocket-strandview/device/objectstore.db")));
+    EXPECT_EQ(MakeFirstDevice("/bin/false"), FirstStart::GoOn);
     // Another device, though it is missing too, is made without a question.
     qputenv("STRANDVIEW_DEVICE", "/no/such/device");
     EXPECT_EQ(OfferFirstDevice("/bin/false"), FirstStart::GoOn);
