@@ -37,6 +37,13 @@ TEST_F(ColumnsTest, NamesAreWholeAsLongAsAnotherColumnHasRoomToSpare) {
     stylus.Settle();
     EXPECT_EQ(AllWidths(), 250);
     EXPECT_GT(Width(2), TextWidth(u"row 4")); // numbers are not cut for it
+    std::u16string title = u"Text";
+    ListView_InsertColumn(list, 3, {LVCF_TEXT | LVCF_WIDTH | LVCF_FMT, LVCFMT_LEFT, 60, title.data(), 0, 0});
+    ListView_SetItemText(list, 0, 3, name.c_str());
+    Insert(ListView_GetItemCount(list));
+    stylus.Settle();
+    EXPECT_EQ(AllWidths(), 250);
+    EXPECT_GT(Width(3), TextWidth(name)); // a text that nobody could read there is scrolled to
 }
 
 TEST_F(ColumnsTest, ATwiceTappedDividerFitsItsColumnToTheContents) {

@@ -1,6 +1,6 @@
 // How a list's columns share its width. What the program has set is a wish: a column that needs less gives
 // way to those that need more, the names before all others, and the last one takes the room that is left.
-// Columns that the user has sized stay so.
+// Where that is too little to read anything in, it is scrolled to. Columns that the user has sized stay so.
 #include <QHeaderView>
 #include <QScopedValueRollback>
 #include <QScrollBar>
@@ -63,6 +63,18 @@ std::vector<int> Shared(std::vector<int> wishes, const std::vector<int>& needed,
     return widths;
 }
 
+// The last column keeps its width, out of sight, where sharing would leave less than most of its texts.
+std::vector<int> SharedOrScrolled(const std::vector<int>& wishes, const std::vector<int>& needed,
+                                  const Limits& limits) {
+    std::vector<int> widths = Shared(wishes, needed, limits);
+    if (limits.lastYields && widths.size() > 1 && widths.back() * 4 < needed.back() * 3) {
+        widths = Shared({wishes.begin(), wishes.end() - 1}, {needed.begin(), needed.end() - 1},
+                        {limits.room, limits.least, false});
+        widths.push_back(needed.back());
+    }
+    return widths;
+}
+
 } // namespace
 
 const std::vector<int>& ListWidget::NeededWidths() {
@@ -88,9 +100,9 @@ void ListWidget::ShareRoom() {
     const int room =
         contentsRect().width() - (scrolls ? details->verticalScrollBar()->sizeHint().width() : 0);
     if (!widthsChosen)
-        widths = Shared(widths, NeededWidths(),
-                        {room, kLeastCharacters * fontMetrics().averageCharWidth(),
-                         model->Columns().back().alignment != LVCFMT_RIGHT});
+        widths = SharedOrScrolled(widths, NeededWidths(),
+                                  {room, kLeastCharacters * fontMetrics().averageCharWidth(),
+                                   model->Columns().back().alignment != LVCFMT_RIGHT});
     widths.back() += std::max(0, room - SumOf(widths));
     // Neither bar may come only because the other one is there.
     details->setHorizontalScrollBarPolicy(SumOf(widths) > room ? Qt::ScrollBarAsNeeded
