@@ -1,5 +1,6 @@
 #include "platform/ui/screen/titlebar.h"
 
+#include <QFontInfo>
 #include <QLinearGradient>
 #include <QPainter>
 
@@ -19,6 +20,7 @@ constexpr int kTitleMargin = 6;
 constexpr int kTitleIconSize = 16;
 constexpr int kButtonInset = 3;
 constexpr int kOkWidth = 34;
+constexpr int kLargestOk = 16; // a font's height, whatever the desktop's is
 
 QColor Translucent(QColor colour, int alpha) {
     colour.setAlpha(alpha);
@@ -52,6 +54,8 @@ void TitleBarButton::paintEvent(QPaintEvent*) {
     if (shown == TitleButton::Ok) {
         QFont bold = font();
         bold.setBold(true);
+        if (QFontInfo(bold).pixelSize() > Scaled(kLargestOk))
+            bold.setPixelSize(Scaled(kLargestOk));
         painter.setFont(bold);
         painter.drawText(rect(), Qt::AlignCenter, QStringLiteral("ok"));
     } else {
