@@ -10,6 +10,7 @@
 #include "platform/ui/core/messagequeue.h"
 #include "platform/ui/core/testhooks.h"
 #include "platform/ui/core/windowcore.h"
+#include "platform/ui/screen/windows.h"
 
 namespace ui {
 
@@ -18,8 +19,9 @@ namespace {
 const QString kFileList = QStringLiteral("text/uri-list");
 
 // The other program copies the file when it likes: what was dragged stays until the process ends.
+std::vector<std::unique_ptr<QTemporaryDir>> folders;
+
 QString NewFolder() {
-    static std::vector<std::unique_ptr<QTemporaryDir>> folders;
     folders.push_back(std::make_unique<QTemporaryDir>());
     return folders.back()->isValid() ? folders.back()->path() : QString();
 }
@@ -72,6 +74,10 @@ void DropQueuedMoves() {
 }
 
 } // namespace
+
+void RemoveDraggedFiles() {
+    folders.clear();
+}
 
 } // namespace ui
 

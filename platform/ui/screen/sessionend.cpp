@@ -17,7 +17,7 @@ namespace {
 constexpr int kEndingSignals[] = {SIGTERM, SIGHUP, SIGINT};
 
 HWND mainWindow = nullptr;
-int caught[2] = {-1, -1}; // a pipe: the signal's number goes in while a handler runs, and comes out at peace
+int caught[2] = {-1, -1}; // a pipe: the handler puts the signal's number in, the message loop takes it out
 
 void Save() {
     RememberDisplayPlace();
@@ -36,6 +36,7 @@ void EndBySignal() {
     if (read(caught[0], &number, 1) != 1)
         return;
     Save();
+    RemoveDraggedFiles();
     std::signal(number, SIG_DFL);
     std::raise(number);
 }
