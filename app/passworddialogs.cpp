@@ -48,7 +48,7 @@ void CheckPassword(HWND dialog) {
 
 void InitPasswordDialog(HWND dialog) {
     InitDialogFrame(dialog, kDoneButton | kHelpButton);
-    // Of these it has one or two.
+    // Protecting has the first two, restoring the last one.
     for (const int id : {IDC_PROTECT_PASSWORD, IDC_PROTECT_CONFIRMATION, IDC_ENTER_PASSWORD})
         SendDlgItemMessageW(dialog, id, EM_SETLIMITTEXT, kPasswordCapacity - 1, 0);
 }

@@ -53,8 +53,8 @@ HBRUSH CreateSolidBrush(COLORREF colour);
 HBITMAP LoadBitmapW(HINSTANCE instance, const WCHAR* name); // null when absent
 BOOL DeleteObject(HGDIOBJ object);                          // null: false
 
-// 96 or 192: the density of the pictures to be loaded, which are made to fit the display. A colour of black
-// or white is drawn there as the desktop's text and paper.
+// 96 or 192: the density of the pictures to be loaded, which are made to fit the display. Black
+// and white are drawn there as the colours of the desktop's text and paper.
 constexpr int LOGPIXELSX = 88;
 HDC CreateDCW(const WCHAR* driver, const WCHAR* device, const WCHAR* output, const void* init); // u"DISPLAY"
 HDC CreateCompatibleDC(HDC dc);

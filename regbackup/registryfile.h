@@ -49,7 +49,7 @@ struct RegValueRecord {
     bool Apply(HKEY key) const;
 
     DWORD type = 0;
-    std::u16string name;          // no longer than it is: there may be very many
+    std::u16string name;          // no larger than its text: there may be very many values
     DWORD length = 0;             // bytes
     std::unique_ptr<BYTE[]> data; // null when there are none
 

@@ -34,7 +34,7 @@ LRESULT OnRightButtonDown(HWND list, WPARAM wParam, LPARAM lParam) {
     return result;
 }
 
-// In front of the list view's own procedure, for its header's sake and some keys.
+// Comes before the list view's own procedure, to draw the header and to take some keys.
 LRESULT PropertyListProcedure(HWND list, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
     case WM_DRAWITEM:

@@ -7,5 +7,5 @@
 
 FILETIME Now(); // UTC
 
-// Since some start, some milliseconds late; costs much less than an exact clock.
+// Counted from some moment before, and a few milliseconds late; costs much less than an exact clock.
 std::chrono::milliseconds RoughClock();

@@ -60,8 +60,8 @@ std::u16string& StartDocument() {
     return *document;
 }
 
-// Does not wait: a window too busy to take calls has its queue full of them, and is there. An empty request
-// only looks who is there.
+// Does not wait: a window whose queue of calls is full is too busy to answer, but it is there. An empty
+// request only asks who is there.
 Answer Call(const SocketName& name, const std::string& request) {
     const Descriptor caller(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     if (connect(caller.Number(), name.Generic(), name.length) != 0)

@@ -170,7 +170,7 @@ LONG ChangeValue(Store& store, HKEY handle, OpenKey& key, ValueChange change) {
     return FailAsSet();
 }
 
-// Whoever gives up at a value that is not taken wants none of those before it either: they are one step.
+// Values that are set together are one step: when one is not taken, none of those before it is written.
 LONG NoteTaken(HKEY key, LONG result) {
     OpenKey* const open = FindKey(key);
     if (open && open->gathered)

@@ -23,7 +23,7 @@ public:
     // Groups go by window order, not by the host's parents, hence no exclusivity of the host's own.
     RadioButton(HWND window, QWidget* parent) : QRadioButton(parent), window(window) {
         setAutoExclusive(false);
-        GiveRole(this, QAccessible::RadioButton); // which the host takes from the exclusivity
+        GiveRole(this, QAccessible::RadioButton); // which the host grants to exclusive buttons only
     }
 
 protected:

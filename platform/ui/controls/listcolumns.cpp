@@ -33,8 +33,8 @@ std::vector<std::size_t> ByWant(const std::vector<int>& widths, const std::vecto
     return order;
 }
 
-// What the list allows: in one narrower than what was wished for at first, the wishes shrink along, though
-// not below `least`; texts in the last column give way somewhat before anything else, numbers do not.
+// What the list allows: where it is narrower than all wishes together, these shrink in proportion, though not
+// below `least`. Texts in the last column give way somewhat before anything else, numbers do not.
 struct Limits {
     int room;
     int least;

@@ -55,7 +55,7 @@ QVariant ListModel::headerData(int section, Qt::Orientation orientation, int rol
     return QVariant();
 }
 
-// A check box is told of, but toggled by the list itself.
+// Assistive programs learn of a check box here; the list toggles it by itself.
 Qt::ItemFlags ListModel::flags(const QModelIndex& index) const {
     const bool checkable = index.column() == 0 && data(index, Qt::CheckStateRole).isValid();
     return QAbstractTableModel::flags(index) | (checkable ? Qt::ItemIsUserCheckable : Qt::NoItemFlags);

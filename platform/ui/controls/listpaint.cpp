@@ -173,7 +173,7 @@ bool WholeRows(const ListWidget& list) {
 
 namespace {
 
-// A picture may have the colours of the highlight, and is told from it by what it lies on.
+// A selected picture lies on a patch of its own, for it may have the colours of the highlight.
 void PaintPlate(QPainter& painter, const ListWidget& list, const QRect& image) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
@@ -200,7 +200,7 @@ void PaintCell(const ListWidget& list, QPainter& painter, const QRect& cell, int
     const bool highlighted = ShownSelected(list, row) && (WholeRows(list) || column == 0);
     if (highlighted && !WholeRows(list))
         painter.fillRect(layout.label, SelectionColour(list));
-    // Of several selected rows one is where the keyboard goes on.
+    // Where several rows are selected, a frame shows at which of them the keyboard is.
     const bool alone = highlighted && list.model->SelectedCount() == 1;
     if ((state & LVIS_FOCUSED) && list.HasKeyboard() && !alone && column == 0) {
         painter.setPen(highlighted ? look::SelectionText() : look::Selection());

@@ -150,7 +150,7 @@ QSize IconsView::ItemSize() const {
     return QSize(width, std::max(list.RowHeight(), MostLines(width - before) * metrics.lineSpacing() + 4));
 }
 
-// The host would count the columns that are not shown here as items, and tell of another one.
+// The host tells assistive programs a wrong item here: it does not count the columns that are not shown.
 void IconsView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
     QAbstractItemView::currentChanged(current, previous); // NOLINT(bugprone-parent-virtual-call)
     if (isVisible() && current.isValid())

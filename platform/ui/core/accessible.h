@@ -6,7 +6,7 @@
 
 namespace ui {
 
-// A widget with the popups that are open on it, its children that the host leaves out.
+// A widget whose open popups are among its children; the host leaves them out.
 class PopupOwner : public QAccessibleWidget {
 public:
     using QAccessibleWidget::QAccessibleWidget;
@@ -23,7 +23,7 @@ private:
 void GiveRole(QWidget* widget, QAccessible::Role role);
 // Once, at the start of the window system.
 void InstallRoles();
-// Tells that the widget, or what is its child of that number, has what looks like the focus.
+// Tells assistive programs that the focus is at the widget, or at its child of that number.
 void TellFocus(QWidget* widget, int child = -1);
 
 } // namespace ui

@@ -11,7 +11,7 @@ namespace ui {
 struct KeyboardState {
     Qt::KeyboardModifiers modifiers;
     bool altAlone = false; // Alt went down and nothing else since
-    bool atBar = false;    // the menu bar or a popup of it has them, and what has the focus looks without
+    bool atBar = false;    // the menu bar or a popup of it has the keys: nothing else looks focused
 };
 KeyboardState& Keyboard();
 // Follows the modifier keys, for GetKeyState: called with each input event that is retrieved.

@@ -19,7 +19,7 @@ constexpr qsizetype kFileHeaderSize = 14;
 constexpr qsizetype kInfoHeaderSize = 40;
 constexpr quint32 kMostColours = 256;
 
-// Dots to the inch: of the two sets of pictures, and up to where the coarse one is taken.
+// Dots to the inch: what the two sets of pictures are drawn for, and up to where the coarse set is used.
 constexpr int kCoarse = 96;
 constexpr int kFine = 192;
 constexpr qreal kCoarseUpTo = 110;

@@ -14,7 +14,7 @@ namespace {
 constexpr double kReadableContrast = 4.5;
 constexpr double kHighContrast = 20;
 
-constexpr double kDarkBelow = 0.18; // luminance of the middle between black and white
+constexpr double kDarkBelow = 0.18; // luminance of the grey that contrasts with black as with white
 
 QColor Role(QPalette::ColorRole role) {
     return QApplication::palette().color(QPalette::Active, role);
