@@ -1,5 +1,6 @@
 #include "platform/launcher/firstdevice.h"
 
+#include <QIcon>
 #include <QMessageBox>
 #include <QProcess>
 #include <QPushButton>
@@ -28,6 +29,7 @@ Answer Ask() {
         QStringLiteral("There is no device yet. Make one with sample databases, or an empty one?\n\n"
                        "It will be the folder %1.");
     QMessageBox box(QMessageBox::Question, kTitle, question.arg(DeviceFolder().c_str()));
+    box.setWindowIcon(QIcon::fromTheme(QStringLiteral("pocket-strandview")));
     const auto* const samples = box.addButton(QStringLiteral("&Samples"), QMessageBox::YesRole);
     const auto* const empty = box.addButton(QStringLiteral("&Empty"), QMessageBox::NoRole);
     box.addButton(QMessageBox::Cancel);
