@@ -2,6 +2,8 @@
 // shared images.
 #pragma once
 
+#include <vector>
+
 #include "app/settings.h"
 #include "platform/window.h"
 
@@ -27,9 +29,9 @@ public:
     HGDIOBJ spareObject = nullptr;
     BYTE idle = 1; // 0 while a command runs: the window does not close then
     HACCEL viewerAccelerators = nullptr;
-    BYTE highResolution = 0;       // more than 150 pixels an inch
-    HBITMAP frameBitmap = nullptr; // the picture of the dialogs' help button
-    HDROP waitingFiles = nullptr;  // owned; to be opened when the command that runs has ended
+    BYTE highResolution = 0;         // more than 150 pixels an inch
+    HBITMAP frameBitmap = nullptr;   // the picture of the dialogs' help button
+    std::vector<HDROP> waitingFiles; // owned; to be opened in turn when the command that runs has ended
 };
 
 Application& App();

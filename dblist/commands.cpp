@@ -238,9 +238,9 @@ CommandFrame::CommandFrame() : idleBefore(App().idle) {
 CommandFrame::~CommandFrame() {
     App().idle = idleBefore;
     UpdateMainMenu(nullptr);
-    if (App().idle && App().waitingFiles)
-        PostMessageW(App().mainWindow, WM_DROPFILES,
-                     reinterpret_cast<WPARAM>(std::exchange(App().waitingFiles, nullptr)), 0);
+    if (App().idle)
+        for (const HDROP dropped : std::exchange(App().waitingFiles, {}))
+            PostMessageW(App().mainWindow, WM_DROPFILES, reinterpret_cast<WPARAM>(dropped), 0);
 }
 
 void RunMainCommand(HWND mainWindow, UINT command) {

@@ -53,8 +53,7 @@ void OpenDocument(HWND mainWindow, const WCHAR* path) {
 
 void OpenDocuments(HWND mainWindow, HDROP dropped) {
     if (!App().idle) {
-        DragFinish(App().waitingFiles); // the user has thought again
-        App().waitingFiles = dropped;
+        App().waitingFiles.push_back(dropped);
         return;
     }
     const CommandFrame frame;

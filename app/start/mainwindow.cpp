@@ -1,5 +1,7 @@
 #include "app/start/mainwindow.h"
 
+#include <utility>
+
 #include "app/application.h"
 #include "app/uiservices.h"
 #include "dblist/commands.h"
@@ -48,8 +50,8 @@ void OnDestroy() {
     DeleteObject(App().smallIcons);
     DeleteObject(App().spareObject);
     DeleteObject(App().headerImages);
-    DragFinish(App().waitingFiles);
-    App().waitingFiles = nullptr;
+    for (const HDROP dropped : std::exchange(App().waitingFiles, {}))
+        DragFinish(dropped);
     // A command that is still running finds that these are gone.
     App().mainWindow = nullptr;
     App().listView = nullptr;

@@ -19,7 +19,8 @@ namespace {
 // A request is this letter, and behind it the path of a document in UTF-8, if there is one.
 constexpr char kRequest = 'F';
 constexpr std::size_t kLongestRequest = 1 + 3 * MAX_PATH; // bytes
-constexpr int kBacklog = 16;
+constexpr int kBacklog = SOMAXCONN; // a file manager starts a process for each of many files
+constexpr int kAtATime = 16;
 constexpr int kAttempts = 100;
 
 struct SocketName {
@@ -124,7 +125,7 @@ std::u16string TakeStartDocument() {
 
 ForegroundRequests AcceptForegroundRequests(int listener) {
     ForegroundRequests requests;
-    for (int i = 0; i < kBacklog; ++i) {
+    for (int i = 0; i < kAtATime; ++i) {
         const int caller = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
         if (caller < 0)
             break;

@@ -80,7 +80,7 @@ TEST_F(HostTest, DroppedFilesAreOpenedByTheirKind) {
     });
 }
 
-TEST_F(HostTest, AFileOpenedElsewhereWaitsForTheCommandThatRuns) {
+TEST_F(HostTest, FilesOpenedElsewhereWaitForTheCommandThatRuns) {
     RunCommandLine(u"-B \\all.bkp -D -P");
     SetStartDocument(u"\\all.bkp"); // what this process itself was started with
     RunProgram([&] {
@@ -89,12 +89,19 @@ TEST_F(HostTest, AFileOpenedElsewhereWaitsForTheCommandThatRuns) {
         InWindow(IDD_OPTIONS);
         Window();
         EXPECT_FALSE(Drop({HostFile("all.bkp")})) << "the dialog takes none";
-        SetStartDocument(u"\\all.bkp"); // a second start
-        EXPECT_TRUE(
-            RequestForeground(QString::fromUtf16(kMainWindowClass).toLower().toStdU16String().c_str()));
+        const std::u16string known = QString::fromUtf16(kMainWindowClass).toLower().toStdU16String();
+        for (int i = 0; i < 40; ++i) { // more than are heard at a time
+            SetStartDocument(i % 20 ? u"" : i ? u"\\all.txt" : u"\\all.bkp");
+            EXPECT_TRUE(RequestForeground(known.c_str()));
+        }
+        SetStartDocument(u"\\all.bkp");
+        EXPECT_TRUE(RequestForeground(known.c_str()));
         SetStartDocument({});
         Tap(IDC_OPTIONS_BOLD);
+        ExpectMessage(u"File \"\\all.txt\" is no backup, Autobackup script or registry backup.");
         Tap(IDCANCEL);
+        InWindow(IDD_SELECTION_LIST);
+        Press(Qt::Key_Escape);
         ExpectRestoreOf({u"A", u"B"});
     });
 }
