@@ -5,8 +5,11 @@
 namespace {
 
 constexpr Target kTargets[] = {
-    {"archive", FuzzArchive},
-    {"codestream", FuzzCodeStream},
+    {"archive", FuzzArchive},       {"clipboard", FuzzClipboard},
+    {"codestream", FuzzCodeStream}, {"commandline", FuzzCommandLine},
+    {"receive", FuzzReceive},       {"registryfile", FuzzRegistryFile},
+    {"script", FuzzScript},         {"send", FuzzSend},
+    {"settings", FuzzSettings},     {"store", FuzzStore},
 };
 
 const Target* chosen = nullptr;

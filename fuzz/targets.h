@@ -14,6 +14,14 @@ const Target* FindTarget(const std::string& name);
 void ChooseTarget(const Target* target);
 
 void FuzzArchive(Input input);
+void FuzzClipboard(Input input);
 void FuzzCodeStream(Input input);
+void FuzzCommandLine(Input input);
+void FuzzReceive(Input input);
+void FuzzRegistryFile(Input input);
+void FuzzScript(Input input);
+void FuzzSend(Input input);
+void FuzzSettings(Input input);
+void FuzzStore(Input input);
 
 extern "C" int LLVMFuzzerTestOneInput(const BYTE* data, std::size_t size);
