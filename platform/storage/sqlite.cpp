@@ -1,7 +1,6 @@
 #include "platform/storage/sqlite.h"
 
 #include <cerrno>
-#include <cstring>
 #include <memory>
 
 #include "platform/errors.h"
@@ -215,22 +214,23 @@ std::u16string_view Statement::Text(int column) const {
                : std::u16string_view();
 }
 
+// Whatever a file has where bytes belong. To ask for the length must not change the value's form, or the
+// bytes would be elsewhere: what is no blob becomes text of the form whose length is asked for.
 std::string_view Statement::Bytes(int column) const {
-    const void* data = sqlite3_column_blob(statement, column);
-    const int bytes = sqlite3_column_bytes(statement, column);
+    const bool isBlob = sqlite3_column_type(statement, column) == SQLITE_BLOB;
+    const void* data =
+        isBlob ? sqlite3_column_blob(statement, column) : sqlite3_column_text16(statement, column);
+    const int bytes = sqlite3_column_bytes16(statement, column);
     return data ? std::string_view(static_cast<const char*>(data), static_cast<std::size_t>(bytes))
                 : std::string_view();
 }
 
 std::size_t Statement::AppendTo(std::u16string& units, int column) const {
-    const void* data = sqlite3_column_blob(statement, column);
-    // Of a text that is not UTF-8 this is the length in bytes, as it is of bytes.
-    const std::size_t bytes = data ? static_cast<std::size_t>(sqlite3_column_bytes16(statement, column)) : 0;
+    const std::string_view bytes = Bytes(column);
     const std::size_t at = units.size();
-    units.resize(at + (bytes + 1) / 2);
-    if (bytes)
-        std::memcpy(units.data() + at, data, bytes);
-    return bytes;
+    units.resize(at + (bytes.size() + 1) / 2);
+    bytes.copy(reinterpret_cast<char*>(units.data() + at), bytes.size());
+    return bytes.size();
 }
 
 } // namespace storage

@@ -90,7 +90,7 @@ public:
     std::u16string_view Text(int column) const;
     std::string_view Bytes(int column) const;
     // Appends a column's text, or its bytes in whole units (the last one filled up with a zero). Returns the
-    // bytes that it has. Costs less than the views, for which the text would first be copied elsewhere.
+    // bytes that it has.
     std::size_t AppendTo(std::u16string& units, int column) const;
 
 private:
