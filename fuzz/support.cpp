@@ -72,6 +72,13 @@ LONG_PTR DialogBoxIndirectParamW(HINSTANCE, const DLGTEMPLATE*, HWND, DLGPROC, L
     return scratch->dialogAnswer;
 }
 
+// In its place a window that nobody sees, without controls.
+HWND CreateDialogIndirectParamW(HINSTANCE, const DLGTEMPLATE*, HWND, DLGPROC, LPARAM) {
+    static const HWND hidden =
+        CreateWindowExW(0, u"STATIC", nullptr, WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+    return CreateWindowExW(0, u"STATIC", nullptr, WS_CHILD, 0, 0, 1, 1, hidden, nullptr, nullptr, nullptr);
+}
+
 std::string_view Input::Bytes(std::size_t count) {
     const std::string_view taken = rest.substr(0, count);
     rest.remove_prefix(taken.size());

@@ -63,7 +63,7 @@ std::int64_t FindChild(Store& store, std::int64_t parent, std::u16string_view na
         SetLastError(ERROR_FILE_NOT_FOUND);
         return kNoKey;
     }
-    Statement select(store.connection, "SELECT id FROM keys WHERE parent = ?1 AND folded = ?2");
+    Statement select(store.connection, "SELECT id FROM keys WHERE parent = ?1 AND folded = ?2 AND id > 0");
     if (select.Bind(parent).BindText(folded).Row()) {
         const std::int64_t id = select.Number(0);
         Remember(store, {parent, folded, id, 0});

@@ -50,9 +50,12 @@ bool ReadStretch(Store& store, const char* sql, std::int64_t key, DWORD index, S
     return true;
 }
 
+// In a damaged file a main key may lie below itself, and a name may be empty: who walks downwards would find
+// no end.
 constexpr const char* kSelectKeys =
     "SELECT folded, name, class, id, EXISTS (SELECT 1 FROM keys AS below WHERE below.parent = keys.id) "
-    "FROM keys WHERE parent = ?1 AND folded >= ?2 ORDER BY folded LIMIT ?4 OFFSET ?3";
+    "FROM keys WHERE parent = ?1 AND folded >= ?2 AND id > 0 AND unicode(name) > 0 "
+    "ORDER BY folded LIMIT ?4 OFFSET ?3";
 constexpr const char* kSelectValues =
     "SELECT folded, name, type, data FROM vals WHERE key = ?1 AND folded >= ?2 ORDER BY folded "
     "LIMIT ?4 OFFSET ?3";
