@@ -2,6 +2,7 @@
 // clipboard, the window's title and place, and the end of the user's session.
 #include <QClipboard>
 #include <QDropEvent>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QMimeData>
 #include <QTest>
@@ -125,6 +126,26 @@ TEST_F(HostTest, ADatabaseDraggedOutIsAnArchiveOfIt) {
         ExpectMessage(u"Unable to write the file. Possibly not enough storage space.");
         stylus.DragRow(list, u"B", QPoint(40, 0));
         Window();
+    });
+}
+
+TEST_F(HostTest, AnyDatabaseCanBeDraggedOut) {
+    const struct {
+        const WCHAR* database;
+        QString file;
+    } known[] = {
+        {u"a/b\\c", "a_b_c.bkp"}, {u".d", "_d.bkp"}, {u"e\xd800", "e?.bkp"}, {u"%41\n", "%41\n.bkp"}};
+    QList<QUrl> files;
+    ui::TestHooks().drag = [&](const QMimeData& data) { files = data.urls(); };
+    for (const auto& each : known)
+        MakeDatabase(each.database, {});
+    RunProgram([&] {
+        for (const auto& [database, file] : known) {
+            stylus.DragRow(Control(IDC_LIST), database, QPoint(0, 40));
+            ASSERT_EQ(files.size(), 1) << file.toStdString();
+            const QFileInfo found(files[0].toLocalFile());
+            EXPECT_TRUE(found.fileName() == file && found.size() > 0) << found.filePath().toStdString();
+        }
     });
 }
 

@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <QDrag>
 #include <QMimeData>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QUrl>
 
@@ -24,6 +25,12 @@ std::vector<std::unique_ptr<QTemporaryDir>> folders;
 QString NewFolder() {
     folders.push_back(std::make_unique<QTemporaryDir>());
     return folders.back()->isValid() ? folders.back()->path() : QString();
+}
+
+// One name in well-formed text on the host and the device alike, of a file that file managers show.
+QString VisibleName(const WCHAR* wanted) {
+    static const QRegularExpression unfit(QStringLiteral("^\\.|[/\\\\]"));
+    return QString::fromUtf8(HostText(wanted).toUtf8()).replace(unfit, QStringLiteral("_"));
 }
 
 // A file that is made when it is first asked for.
@@ -100,7 +107,7 @@ void DragFile(HWND window, const WCHAR* fileName, BOOL (*make)(const WCHAR* path
     const WindowObject* object = LiveWindow(window);
     if (!object || !object->widget)
         return;
-    auto* file = new PromisedFile(HostText(fileName).replace(u'/', u'_'), make);
+    auto* file = new PromisedFile(VisibleName(fileName), make);
     auto* drag = new QDrag(object->widget); // deletes itself behind exec()
     drag->setMimeData(file);
     if (const auto& test = TestHooks().drag) {
