@@ -202,9 +202,14 @@ TEST_F(HostTest, TheWindowIsNamedAndFoundAgain) {
 }
 
 TEST_F(HostTest, ASignalToEndSavesTheSettings) {
-    OtherProcess program({[this] {
+    const std::string temporary = device.folder + "/tmp";
+    std::filesystem::create_directory(temporary);
+    OtherProcess program({[&] {
+        qputenv("TMPDIR", temporary.c_str());
+        ui::TestHooks().drag = [&](const QMimeData& data) { EXPECT_EQ(data.urls().size(), 1); };
         RunProgram([&] {
-            SelectRow(IDC_LIST, u"B");
+            stylus.DragRow(Control(IDC_LIST), u"B", QPoint(0, 40));
+            EXPECT_FALSE(std::filesystem::is_empty(temporary));
             Choose(u"View/Arrange by Size");
             std::raise(SIGTERM);
             WaitFor([] { return false; }, "the end");
@@ -212,6 +217,7 @@ TEST_F(HostTest, ASignalToEndSavesTheSettings) {
         return true;
     }});
     EXPECT_FALSE(program.Run(0));
+    EXPECT_TRUE(std::filesystem::is_empty(temporary)) << "what was dragged out";
     const Settings settings;
     EXPECT_EQ(settings.sortKey, kSortBySize);
     EXPECT_NE(settings.selection[0], kNoSelection);

@@ -20,11 +20,14 @@ namespace {
 const QString kFileList = QStringLiteral("text/uri-list");
 
 // The other program copies the file when it likes: what was dragged stays until the process ends.
-std::vector<std::unique_ptr<QTemporaryDir>> folders;
+std::vector<std::unique_ptr<QTemporaryDir>>& Folders() {
+    static std::vector<std::unique_ptr<QTemporaryDir>> folders;
+    return folders;
+}
 
 QString NewFolder() {
-    folders.push_back(std::make_unique<QTemporaryDir>());
-    return folders.back()->isValid() ? folders.back()->path() : QString();
+    const auto& folder = Folders().emplace_back(std::make_unique<QTemporaryDir>());
+    return folder->isValid() ? folder->path() : QString();
 }
 
 // One name in well-formed text on the host and the device alike, of a file that file managers show.
@@ -83,7 +86,7 @@ void DropQueuedMoves() {
 } // namespace
 
 void RemoveDraggedFiles() {
-    folders.clear();
+    Folders().clear();
 }
 
 } // namespace ui

@@ -55,6 +55,9 @@ void RemoveDraggedFiles();
 // From now on the window gets WM_ENDSESSION before the process is ended by the host.
 void SaveAtSessionEnd(HWND window);
 
+// For a process that ends without its usual end.
+void RemoveDraggedFiles();
+
 // ---- other processes ----
 // Asks the process that owns the window to bring it to the front; false when the window is no other
 // process's.
