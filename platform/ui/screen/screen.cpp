@@ -70,6 +70,8 @@ public:
             first = first.boundedTo(screen->availableSize());
         resize(first);
         restoreGeometry(PlaceMemory().value(kPlaceKey).toByteArray());
+        if (!QGuiApplication::screenAt(geometry().center())) // a screen that is gone, or a damaged file
+            setGeometry(QRect(QPoint(), first));
         setAcceptDrops(true);
         Arrange();
     }

@@ -46,16 +46,10 @@ bool AcceptsFiles(HWND window);
 // Device paths for a window that accepts them; for any other nothing happens.
 void DropFiles(HWND window, const std::vector<std::u16string>& paths);
 
-// ---- dragged files ----
-
-// Before an end of the process that runs no destructors.
-void RemoveDraggedFiles();
-
 // ---- the end of the session ----
 // From now on the window gets WM_ENDSESSION before the process is ended by the host.
 void SaveAtSessionEnd(HWND window);
-
-// For a process that ends without its usual end.
+// What was dragged out, before an end of the process that runs no destructors.
 void RemoveDraggedFiles();
 
 // ---- other processes ----
