@@ -9,12 +9,16 @@ UINT PropertyClipFormat() {
     return format;
 }
 
+namespace {
+
 // For other programs; binary data has no text that anybody could use.
-static void OfferValueText(const CEPROPVAL& property) {
+void OfferValueText(const CEPROPVAL& property) {
     WCHAR buffer[kValueTextCapacity];
     if (TypeFromPropID(property.propid) != CEVT_BLOB)
         OfferText(FormatPropertyText(property, buffer));
 }
+
+} // namespace
 
 bool PutPropertyOnClipboard(HWND owner, const CEPROPVAL& property) {
     if (!OpenClipboard(owner))

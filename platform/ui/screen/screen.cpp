@@ -144,6 +144,14 @@ private:
     HWND window;
 };
 
+// The host's list of windows tells databases and devices apart by it.
+QString HostTitle(const WindowObject& titled, const QString& program) {
+    QStringList parts{titled.topLevel->documentTitle, program,
+                      QFileInfo(QString::fromStdString(DeviceFolder())).fileName()};
+    parts.removeAll(QString());
+    return parts.join(QStringLiteral(" \u2013 "));
+}
+
 // The host drops what is painted before it has reported the window as exposed. Waits only once: a display
 // that is covered or on another desktop may never be exposed.
 void AwaitFirstExposure() {
@@ -231,14 +239,6 @@ void SetScreenIcon(HICON icon) {
 void RememberDisplayPlace() {
     if (display && display->isVisible())
         PlaceMemory().setValue(kPlaceKey, display->saveGeometry());
-}
-
-// The host's list of windows tells databases and devices apart by it.
-static QString HostTitle(const WindowObject& titled, const QString& program) {
-    QStringList parts{titled.topLevel->documentTitle, program,
-                      QFileInfo(QString::fromStdString(DeviceFolder())).fileName()};
-    parts.removeAll(QString());
-    return parts.join(QStringLiteral(" \u2013 "));
 }
 
 void UpdateTitleBar() {
